@@ -1,0 +1,625 @@
+#include "rv/foundation/graph.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "rv/foundation/graph_access.h"
+#include "rv/foundation/slab.h"
+
+RV_OBJECT_IMPL(RVNodeDList)
+RV_OBJECT_IMPL(RVEdgeDList)
+RV_OBJECT_IMPL(RVGraphDList)
+
+RVGraphObjectExtensions::~RVGraphObjectExtensions() = default;
+RV_OBJECT_NO_COPY_IMPL(RVGraphObjectExtensions)
+RVGraphObject::~RVGraphObject() = default;
+RV_OBJECT_NO_COPY_IMPL(RVGraphObject)
+RVGraphMember::~RVGraphMember() = default;
+RV_OBJECT_NO_COPY_IMPL(RVGraphMember)
+RVNode::~RVNode() = default;
+RV_OBJECT_NO_COPY_IMPL(RVNode)
+RVEdge::~RVEdge() = default;
+RV_OBJECT_NO_COPY_IMPL(RVEdge)
+RV_OBJECT_NO_COPY_IMPL(RVGraph)
+RV_OBJECT_NO_COPY_IMPL(RVAFactory)
+
+namespace rv {
+
+struct GraphStorage {
+    Slab nodes{sizeof(RVNode)};
+    Slab edges{sizeof(RVEdge)};
+};
+
+// Shared by a factory and its graphs; tells the graphs when the factory is gone.
+struct FactoryLink {
+    RVAFactory* factory;
+};
+
+}  // namespace rv
+
+// Members: fields that live in the graph
+
+const wchar_t* RVGraphMember::pNameString() const {
+    const std::wstring* name = m_pGraph->fieldsOf(this).names.get(m_index);
+    return name == nullptr ? L"" : name->c_str();
+}
+
+const wchar_t* RVGraphMember::pNameString(const wchar_t* text) {
+    m_pGraph->setName(this, text);
+    return pNameString();
+}
+
+void* RVGraphMember::pUserField() const { return m_pGraph->fieldsOf(this).user.get(m_index); }
+
+void* RVGraphMember::pUserField(void* field) {
+    m_pGraph->fieldsOf(this).user.set(m_index, field, m_pGraph->indicesOf(this).limit);
+    return field;
+}
+
+RVObject* RVGraphMember::pIUserField() const { return m_pGraph->fieldsOf(this).object.get(m_index); }
+
+RVObject* RVGraphMember::pIUserField(RVObject* field) {
+    m_pGraph->fieldsOf(this).object.set(m_index, field, m_pGraph->indicesOf(this).limit);
+    return field;
+}
+
+RVGraphObject* RVGraphMember::pOwner() const { return pOwnerGraph(); }
+
+RVAFactory* RVGraphMember::pFactory() const { return m_pGraph->pFactory(); }
+
+void RVGraphMember::operator delete(RVGraphMember* member, std::destroying_delete_t) {
+    if (member->isNode()) {
+        member->m_pGraph->discardNode(static_cast<RVNode*>(member));
+    } else {
+        member->m_pGraph->discardEdge(static_cast<RVEdge*>(member));
+    }
+}
+
+RVNode::RVNode() { m_outEdges.m_readOnly = m_inEdges.m_readOnly = true; }
+
+// Edges and lists
+//
+// An edge is attached, waiting with a node, or removed.
+//   - Attached: both ends are attached, and the edge stands in the graph's list and in both ends' lists.
+//   - Waiting with a node: at least one end is detached. The edge stands in the out- or in-list of exactly
+//     one detached end, its host; the other end notes in its wait chain that the edge exists. A self-loop
+//     stands in both lists of its node.
+//   - Removed by itself: it stands in no list; both ends note it in their wait chains.
+// So an attached node lists attached edges only, and every edge is found from both its ends.
+
+// Takes the edge out of whatever lists and chains it stands in.
+void RVEdge::leaveLists() {
+    if (m_attached) {
+        m_pGraph->m_edges.unlink(&m_graphCell);
+        m_graphCell.setOut(nullptr);
+        m_attached = false;
+    }
+    if (m_outCell.inList()) {
+        m_pSource->m_outEdges.unlink(&m_outCell);
+        m_outCell.setOut(nullptr);
+    } else if (m_outCell.isWaiting()) {
+        m_pSource->m_pGraph->stopWaiting(m_pSource, &m_outCell);
+    }
+    if (m_inCell.inList()) {
+        m_pTarget->m_inEdges.unlink(&m_inCell);
+        m_inCell.setOut(nullptr);
+    } else if (m_inCell.isWaiting()) {
+        m_pTarget->m_pGraph->stopWaiting(m_pTarget, &m_inCell);
+    }
+}
+
+// Puts an edge that stands nowhere where its ends and its state say. The preferred end becomes the host if
+// it is detached.
+void RVEdge::enterLists(RVNode* preferred) {
+    RVNode* host = nullptr;
+    if (!m_removed) {
+        if (m_pSource->m_attached && m_pTarget->m_attached) {
+            m_pGraph->attach(this);
+            return;
+        }
+        host = m_pSource->m_attached ? m_pTarget : m_pSource;
+        if (preferred == m_pTarget && !m_pTarget->m_attached) host = m_pTarget;
+    }
+    if (m_pSource != nullptr) {
+        if (m_pSource == host) {
+            host->m_outEdges.linkLast(&m_outCell);
+        } else {
+            m_pSource->m_pGraph->wait(m_pSource, &m_outCell);
+        }
+    }
+    if (m_pTarget != nullptr) {
+        if (m_pTarget == host) {
+            host->m_inEdges.linkLast(&m_inCell);
+        } else {
+            m_pTarget->m_pGraph->wait(m_pTarget, &m_inCell);
+        }
+    }
+}
+
+void RVEdge::changeSourceNode(RVNode* node) {
+    if (!m_pGraph->isMine(node) || node == m_pSource) return;
+    ++m_pGraph->m_modifications;
+    m_pGraph->m_listsInGraphOrder = false;
+    if (m_attached && node->m_attached) {
+        m_pSource->m_outEdges.unlink(&m_outCell);
+        m_pSource = node;
+        node->m_outEdges.linkLast(&m_outCell);
+        return;
+    }
+    RVNode* const host = m_inCell.inList() ? m_pTarget : nullptr;
+    m_pGraph->prepareWaits(2);
+    leaveLists();
+    m_pSource = node;
+    enterLists(host);
+}
+
+void RVEdge::changeTargetNode(RVNode* node) {
+    if (!m_pGraph->isMine(node) || node == m_pTarget) return;
+    ++m_pGraph->m_modifications;
+    m_pGraph->m_listsInGraphOrder = false;
+    if (m_attached && node->m_attached) {
+        m_pTarget->m_inEdges.unlink(&m_inCell);
+        m_pTarget = node;
+        node->m_inEdges.linkLast(&m_inCell);
+        return;
+    }
+    RVNode* const host = m_inCell.inList() ? node : nullptr;
+    m_pGraph->prepareWaits(2);
+    leaveLists();
+    m_pTarget = node;
+    enterLists(host);
+}
+
+void RVEdge::invertDirection() {
+    ++m_pGraph->m_modifications;
+    m_pGraph->m_listsInGraphOrder = false;
+    if (m_attached) {
+        m_pSource->m_outEdges.unlink(&m_outCell);
+        m_pTarget->m_inEdges.unlink(&m_inCell);
+        std::swap(m_pSource, m_pTarget);
+        m_pSource->m_outEdges.linkLast(&m_outCell);
+        m_pTarget->m_inEdges.linkLast(&m_inCell);
+        return;
+    }
+    RVNode* const host = m_outCell.inList() ? m_pSource : nullptr;
+    m_pGraph->prepareWaits(2);
+    leaveLists();
+    std::swap(m_pSource, m_pTarget);
+    enterLists(host);
+}
+
+// Graph
+
+RVGraph::RVGraph()
+    : m_storage(std::make_shared<rv::GraphStorage>()), m_hashSalt(rv::addressHash(this) & ~std::uint32_t{31}) {
+    m_nodes.m_readOnly = m_edges.m_readOnly = true;
+}
+
+RVGraph::RVGraph(const RVAFactory* factory) : RVGraph() {
+    if (factory != nullptr) m_factory = factory->m_link;
+}
+
+RVGraph::~RVGraph() {
+    if (m_hasForeignEdges) severForeignEdges();
+    // An observer may take others away with it, so none is asked from a copy of the list.
+    while (!m_observers.empty()) {
+        rv::GraphObserver* observer = m_observers.back();
+        m_observers.pop_back();
+        observer->graphDies(this);
+    }
+    for (Fields* fields : {&m_nodeFields, &m_edgeFields}) {
+        for (const std::wstring* name : fields->names.values()) delete name;
+    }
+}
+
+int RVGraph::Indices::take() {
+    if (unused.empty()) return limit++;
+    const int index = unused.back();
+    unused.pop_back();
+    return index;
+}
+
+template <class Member>
+Member* RVGraph::makeMember(void* memory, Indices& indices, std::uint32_t salt) {
+    auto* member = ::new (memory) Member;
+    member->m_pGraph = this;
+    member->m_index = indices.take();
+    member->m_hash = (salt + indices.nextSerial()) & 0xFFFFFFFU;
+    return member;
+}
+
+RVNode* RVGraph::addNode(int) {
+    auto* node = makeMember<RVNode>(m_storage->nodes.allocate(), m_nodeIndices, m_hashSalt);
+    m_nodes.linkLast(&node->m_graphCell);
+    node->m_attached = true;
+    ++m_modifications;
+    return node;
+}
+
+RVEdge* RVGraph::addEdge(RVNode* source, RVNode* target, int) {
+    if (!isMine(source) || !isMine(target)) return nullptr;
+    if (!source->m_attached || !target->m_attached) prepareWaits(2);
+    auto* edge = makeMember<RVEdge>(m_storage->edges.allocate(), m_edgeIndices, ~m_hashSalt);
+    edge->m_pSource = source;
+    edge->m_pTarget = target;
+    edge->enterLists(nullptr);
+    ++m_modifications;
+    return edge;
+}
+
+// Puts an edge between two attached nodes at the end of all three lists.
+void RVGraph::attach(RVEdge* edge) {
+    m_edges.linkLast(&edge->m_graphCell);
+    edge->m_pSource->m_outEdges.linkLast(&edge->m_outCell);
+    edge->m_pTarget->m_inEdges.linkLast(&edge->m_inCell);
+    edge->m_attached = true;
+}
+
+RVNode* RVGraph::removeNode(RVNode* node) {
+    if (!isMine(node) || !node->m_attached) return nullptr;
+    ++m_modifications;
+    prepareWaits(static_cast<std::size_t>(node->degree()));
+    for (RVDListCell* cell = node->m_outEdges.m_pFirst; cell != nullptr; cell = cell->m_pNext) {
+        auto* edge = static_cast<RVEdge*>(cell->m_pObject);
+        m_edges.unlink(&edge->m_graphCell);
+        edge->m_graphCell.setOut(nullptr);
+        edge->m_attached = false;
+        if (edge->m_pTarget == node) continue;
+        edge->m_pTarget->m_inEdges.unlink(&edge->m_inCell);
+        wait(edge->m_pTarget, &edge->m_inCell);
+    }
+    for (RVDListCell* cell = node->m_inEdges.m_pFirst; cell != nullptr; cell = cell->m_pNext) {
+        auto* edge = static_cast<RVEdge*>(cell->m_pObject);
+        if (edge->m_pSource == node) continue;
+        m_edges.unlink(&edge->m_graphCell);
+        edge->m_graphCell.setOut(nullptr);
+        edge->m_attached = false;
+        edge->m_pSource->m_outEdges.unlink(&edge->m_outCell);
+        wait(edge->m_pSource, &edge->m_outCell);
+    }
+    m_nodes.unlink(&node->m_graphCell);
+    node->m_graphCell.setOut(nullptr);
+    node->m_attached = false;
+    return node;
+}
+
+RVNode* RVGraph::insertNode(RVNode* node) {
+    if (node == nullptr || node->m_attached) return nullptr;
+    prepareWaits(static_cast<std::size_t>(node->degree()));
+    if (node->m_pGraph != this) adopt(node);
+    ++m_modifications;
+    m_nodes.linkLast(&node->m_graphCell);
+    node->m_attached = true;
+    reviveEdges(node);
+    return node;
+}
+
+// Of the edges that the node hosted while it was detached, those whose other end is attached come back;
+// the others go over to that end. An edge whose other end is in another graph by now is removed.
+void RVGraph::reviveEdges(RVNode* node) {
+    for (RVDListCell* next = nullptr, *cell = node->m_outEdges.m_pFirst; cell != nullptr; cell = next) {
+        next = cell->m_pNext;
+        auto* edge = static_cast<RVEdge*>(cell->m_pObject);
+        RVNode* const other = edge->m_pTarget;
+        if (other->m_attached && other->m_pGraph == this) {
+            if (edge->m_pGraph != this) adopt(edge);
+            if (other == node) {
+                m_listsInGraphOrder = false;  // the loop keeps its place in the in-list
+            } else {
+                stopWaiting(other, &edge->m_inCell);
+                other->m_inEdges.linkLast(&edge->m_inCell);
+            }
+            m_edges.linkLast(&edge->m_graphCell);
+            edge->m_attached = true;
+        } else {
+            edge->leaveLists();
+            edge->m_removed = other->m_attached;
+            noteForeignEdge(edge, other);
+            edge->enterLists(other);
+        }
+    }
+    for (RVDListCell* next = nullptr, *cell = node->m_inEdges.m_pFirst; cell != nullptr; cell = next) {
+        next = cell->m_pNext;
+        auto* edge = static_cast<RVEdge*>(cell->m_pObject);
+        RVNode* const other = edge->m_pSource;
+        if (other == node) continue;
+        if (other->m_attached && other->m_pGraph == this) {
+            if (edge->m_pGraph != this) adopt(edge);
+            stopWaiting(other, &edge->m_outCell);
+            other->m_outEdges.linkLast(&edge->m_outCell);
+            m_edges.linkLast(&edge->m_graphCell);
+            edge->m_attached = true;
+        } else {
+            edge->leaveLists();
+            edge->m_removed = other->m_attached;
+            noteForeignEdge(edge, other);
+            edge->enterLists(other);
+        }
+    }
+}
+
+RVEdge* RVGraph::removeEdge(RVEdge* edge) {
+    if (!isMine(edge) || edge->m_removed) return nullptr;
+    ++m_modifications;
+    prepareWaits(2);
+    edge->leaveLists();
+    edge->m_removed = true;
+    edge->enterLists(nullptr);
+    return edge;
+}
+
+RVEdge* RVGraph::insertEdge(RVEdge* edge, RVNode* source, RVNode* target) {
+    if (edge == nullptr || !isMine(source) || !isMine(target)) return nullptr;
+    if (edge->m_attached && edge->m_pGraph != this) return nullptr;
+    ++m_modifications;
+    prepareWaits(2);
+    if (edge->m_pGraph != this) adopt(edge);
+    edge->leaveLists();
+    edge->m_pSource = source;
+    edge->m_pTarget = target;
+    edge->m_removed = false;
+    edge->enterLists(nullptr);
+    return edge;
+}
+
+void RVGraph::discardEdge(RVEdge* edge) {
+    if (!isMine(edge)) return;
+    ++m_modifications;
+    edge->leaveLists();
+    destroyMember(edge, m_storage->edges);
+}
+
+void RVGraph::discardNode(RVNode* node) {
+    if (!isMine(node)) return;
+    ++m_modifications;
+    for (const RVEdgeDList* list : {&node->m_outEdges, &node->m_inEdges}) {
+        while (RVEdge* edge = list->pFirstEdge()) edge->m_pGraph->discardEdge(edge);
+    }
+    while (const std::uint32_t head = m_waitHeads.get(node->m_index)) {
+        RVDListCell* const cell = m_waits[head - 1].cell;
+        auto* edge = static_cast<RVEdge*>(cell->pObject());
+        if (edge->m_removed) {
+            stopWaiting(node, cell);
+            (cell == &edge->m_outCell ? edge->m_pSource : edge->m_pTarget) = nullptr;
+        } else {
+            edge->m_pGraph->discardEdge(edge);
+        }
+    }
+    if (node->m_attached) m_nodes.unlink(&node->m_graphCell);
+    destroyMember(node, m_storage->nodes);
+}
+
+// Ends a member that stands in no list any more.
+void RVGraph::destroyMember(RVGraphMember* member, rv::Slab& slab) {
+    for (std::size_t i = m_observers.size(); i > 0; --i) m_observers[i - 1]->memberDies(member);
+    Fields& fields = fieldsOf(member);
+    Indices& indices = indicesOf(member);
+    const int index = member->m_index;
+    delete fields.names.get(index);
+    fields.names.reset(index);
+    fields.user.reset(index);
+    fields.object.reset(index);
+    indices.giveBack(index);
+    const bool adopted = member->m_adopted;
+    member->~RVGraphMember();
+    if (!adopted) slab.recycle(member);
+}
+
+void RVGraph::Indices::giveBack(int index) {
+    try {
+        unused.push_back(index);
+    } catch (...) {
+        // Without memory the index is not given again, which does no harm.
+    }
+}
+
+// Takes a detached member of another graph over: index, name, fields, wait chain, and what observers keep.
+// Its memory stays where it is, so this graph keeps that alive from now on.
+void RVGraph::adopt(RVGraphMember* member) {
+    RVGraph* const from = member->m_pGraph;
+    std::vector<std::shared_ptr<rv::GraphStorage>> memory = from->m_adoptedStorage;
+    memory.push_back(from->m_storage);
+    for (auto& storage : memory) {
+        const bool known = storage == m_storage || std::find(m_adoptedStorage.begin(), m_adoptedStorage.end(),
+                                                             storage) != m_adoptedStorage.end();
+        if (!known) m_adoptedStorage.push_back(storage);
+    }
+    Fields& fieldsThere = from->fieldsOf(member);
+    Fields& fieldsHere = fieldsOf(member);
+    Indices& indicesHere = indicesOf(member);
+    const int indexThere = member->m_index;
+    const int indexHere = indicesHere.take();
+    const auto move = [&](auto& there, auto& here) {
+        const auto value = there.get(indexThere);
+        if (value == nullptr) return;
+        here.set(indexHere, value, indicesHere.limit);
+        there.reset(indexThere);
+    };
+    move(fieldsThere.names, fieldsHere.names);
+    move(fieldsThere.user, fieldsHere.user);
+    move(fieldsThere.object, fieldsHere.object);
+    std::vector<RVDListCell*> waiting;
+    if (member->isNode()) waiting = from->takeWaits(static_cast<RVNode*>(member));
+    from->indicesOf(member).giveBack(indexThere);
+    member->m_index = indexHere;
+    member->m_pGraph = this;
+    member->m_adopted = true;
+    if (!waiting.empty()) {
+        prepareWaits(waiting.size());
+        m_hasForeignEdges = from->m_hasForeignEdges = true;
+        for (RVDListCell* cell : waiting) wait(static_cast<RVNode*>(member), cell);
+    }
+    for (std::size_t i = from->m_observers.size(); i > 0; --i) {
+        from->m_observers[i - 1]->memberMoved(member, from, indexThere);
+    }
+}
+
+void RVGraph::setName(RVGraphMember* member, const wchar_t* text) {
+    rv::Column<std::wstring*>& names = fieldsOf(member).names;
+    std::wstring* name = names.get(member->m_index);
+    if (text == nullptr || *text == L'\0') {
+        delete name;
+        names.reset(member->m_index);
+    } else if (name != nullptr) {
+        *name = text;
+    } else {
+        auto made = std::make_unique<std::wstring>(text);
+        names.set(member->m_index, made.get(), indicesOf(member).limit);
+        made.release();
+    }
+}
+
+// Wait chains
+
+// Makes room for so many more entries, so that waiting itself cannot fail.
+void RVGraph::prepareWaits(std::size_t count) {
+    const std::size_t needed = m_waits.size() + count;
+    if (needed > m_waits.capacity()) m_waits.reserve(std::max(needed, 2 * m_waits.capacity()));
+    m_waitHeads.cover(m_nodeIndices.limit);
+}
+
+void RVGraph::wait(RVNode* node, RVDListCell* cell) {
+    std::uint32_t place = m_freeWait;
+    if (place != 0) {
+        m_freeWait = m_waits[place - 1].next;
+    } else {
+        m_waits.emplace_back();
+        place = static_cast<std::uint32_t>(m_waits.size());
+    }
+    const std::uint32_t head = m_waitHeads.get(node->m_index);
+    m_waits[place - 1] = {cell, head, 0};
+    if (head != 0) m_waits[head - 1].previous = place;
+    m_waitHeads.set(node->m_index, place, m_nodeIndices.limit);
+    cell->setWaiting(place);
+}
+
+void RVGraph::stopWaiting(RVNode* node, RVDListCell* cell) {
+    const std::uint32_t place = cell->waitPlace();
+    const Wait entry = m_waits[place - 1];
+    if (entry.next != 0) m_waits[entry.next - 1].previous = entry.previous;
+    if (entry.previous != 0) {
+        m_waits[entry.previous - 1].next = entry.next;
+    } else {
+        m_waitHeads.set(node->m_index, entry.next, m_nodeIndices.limit);
+    }
+    m_waits[place - 1] = {nullptr, m_freeWait, 0};
+    m_freeWait = place;
+    cell->setOut(nullptr);
+}
+
+// Empties the node's wait chain and gives its cells, first to last as they would be waited for again.
+std::vector<RVDListCell*> RVGraph::takeWaits(RVNode* node) {
+    std::vector<RVDListCell*> cells;
+    for (std::uint32_t place = m_waitHeads.get(node->m_index); place != 0; place = m_waits[place - 1].next) {
+        cells.push_back(m_waits[place - 1].cell);
+    }
+    for (RVDListCell* cell : cells) stopWaiting(node, cell);
+    std::reverse(cells.begin(), cells.end());
+    return cells;
+}
+
+void RVGraph::noteForeignEdge(RVEdge* edge, RVNode* other) {
+    if (edge->m_pGraph == this && other->m_pGraph == this) return;
+    m_hasForeignEdges = edge->m_pGraph->m_hasForeignEdges = other->m_pGraph->m_hasForeignEdges = true;
+}
+
+// Before this graph dies: detached edges of other graphs lose the ends that they have here, as if those were
+// discarded, and detached edges of this graph leave the nodes of others.
+void RVGraph::severForeignEdges() {
+    for (std::size_t i = 0; i < m_waits.size(); ++i) {
+        RVDListCell* const cell = m_waits[i].cell;
+        if (cell == nullptr) continue;
+        auto* edge = static_cast<RVEdge*>(cell->pObject());
+        if (edge->m_pGraph == this) continue;
+        if (edge->m_removed) {
+            const bool out = cell == &edge->m_outCell;
+            stopWaiting(out ? edge->m_pSource : edge->m_pTarget, cell);
+            (out ? edge->m_pSource : edge->m_pTarget) = nullptr;
+        } else {
+            edge->m_pGraph->discardEdge(edge);
+        }
+    }
+    std::vector<std::shared_ptr<rv::GraphStorage>> memory = m_adoptedStorage;
+    memory.push_back(m_storage);
+    for (auto& storage : memory) {
+        storage->edges.forEachInUse([this](void* slot) {
+            auto* edge = static_cast<RVEdge*>(slot);
+            if (isMine(edge) && !edge->m_attached) edge->leaveLists();
+        });
+    }
+}
+
+const wchar_t* RVGraph::pNameString() const { return m_name.c_str(); }
+
+const wchar_t* RVGraph::pNameString(const wchar_t* text) {
+    m_name = text == nullptr ? L"" : text;
+    return m_name.c_str();
+}
+
+void* RVGraph::pUserField() const { return m_userField; }
+void* RVGraph::pUserField(void* field) { return m_userField = field; }
+RVObject* RVGraph::pIUserField() const { return m_objectUserField; }
+RVObject* RVGraph::pIUserField(RVObject* field) { return m_objectUserField = field; }
+RVGraphObject* RVGraph::pOwner() const { return nullptr; }
+RVAFactory* RVGraph::pFactory() const { return m_factory == nullptr ? nullptr : m_factory->factory; }
+
+// Factory
+
+RVAFactory::RVAFactory() : m_link(std::make_shared<rv::FactoryLink>(rv::FactoryLink{this})) {}
+
+RVAFactory::~RVAFactory() { m_link->factory = nullptr; }
+
+RVGraph* RVAFactory::newGraph() { return new RVGraph(this); }
+
+// Access for the library
+
+namespace rv {
+
+std::uint32_t GraphAccess::addObserver(RVGraph* graph, GraphObserver* observer) {
+    graph->m_observers.push_back(observer);
+    return graph->m_nextObserverStamp++;
+}
+
+void GraphAccess::removeObserver(RVGraph* graph, GraphObserver* observer) {
+    auto& observers = graph->m_observers;
+    const auto found = std::find(observers.rbegin(), observers.rend(), observer);
+    if (found != observers.rend()) observers.erase(std::next(found).base());
+}
+
+void GraphAccess::copyGraph(const RVGraph* source, RVGraph* target, std::vector<RVGraphMember*>& nodeCopies,
+                            std::vector<RVGraphMember*>& edgeCopies) {
+    const auto place = [](const RVGraphMember* member) { return static_cast<std::size_t>(member->m_index); };
+    nodeCopies.assign(static_cast<std::size_t>(source->nodeIndexLimit()), nullptr);
+    edgeCopies.assign(static_cast<std::size_t>(source->edgeIndexLimit()), nullptr);
+    target->m_name = source->m_name;
+
+    const bool namedNodes = !source->m_nodeFields.names.isEmpty();
+    for (RVNode* node : source->m_nodes) {
+        RVNode* copy = target->addNode();
+        nodeCopies[place(node)] = copy;
+        if (namedNodes) target->setName(copy, node->pNameString());
+    }
+    const bool namedEdges = !source->m_edgeFields.names.isEmpty();
+    for (RVEdge* edge : source->m_edges) {
+        RVEdge* copy = target->addEdge(static_cast<RVNode*>(nodeCopies[place(edge->m_pSource)]),
+                                       static_cast<RVNode*>(nodeCopies[place(edge->m_pTarget)]));
+        edgeCopies[place(edge)] = copy;
+        if (namedEdges) target->setName(copy, edge->pNameString());
+    }
+    target->m_listsInGraphOrder = source->m_listsInGraphOrder;
+    if (source->m_listsInGraphOrder) return;
+
+    for (RVNode* node : source->m_nodes) {
+        auto* copy = static_cast<RVNode*>(nodeCopies[place(node)]);
+        copy->m_outEdges.forgetCells();
+        copy->m_inEdges.forgetCells();
+        for (const RVEdge* edge : node->m_outEdges) {
+            copy->m_outEdges.linkLast(&static_cast<RVEdge*>(edgeCopies[place(edge)])->m_outCell);
+        }
+        for (const RVEdge* edge : node->m_inEdges) {
+            copy->m_inEdges.linkLast(&static_cast<RVEdge*>(edgeCopies[place(edge)])->m_inCell);
+        }
+    }
+}
+
+}  // namespace rv

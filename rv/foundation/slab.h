@@ -1,0 +1,92 @@
+// Memory for many objects of one size: chunks that grow, a free list through freed slots, released as a
+// whole. Internal to the library.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+
+#include "rv/export.h"
+
+namespace rv {
+
+class RV_EXPORT Slab {
+public:
+    // Slots of slotSize bytes, at least 16 and a multiple of 8. A first block may be given; it stays the
+    // giver's.
+    explicit Slab(std::size_t slotSize, void* block = nullptr, std::size_t blockSize = 0);
+    Slab(const Slab&) = delete;
+    Slab& operator=(const Slab&) = delete;
+    ~Slab();
+
+    std::size_t slotSize() const { return m_slotSize; }
+
+    void* allocate() {
+        if (m_free != nullptr) {
+            void* slot = m_free;
+            std::memcpy(&m_free, static_cast<char*>(slot) + sizeof(void*), sizeof(void*));
+            return slot;
+        }
+        if (m_bump == m_end) grow();
+        void* slot = m_bump;
+        m_bump += m_slotSize;
+        return slot;
+    }
+
+    // Takes back a slot whose object has been destroyed.
+    void recycle(void* slot) {
+        void* const none = nullptr;
+        std::memcpy(slot, &none, sizeof none);
+        std::memcpy(static_cast<char*>(slot) + sizeof none, &m_free, sizeof m_free);
+        m_free = slot;
+    }
+
+    // Releases all slots at once, without looking at them; a given block is used again.
+    void releaseAll();
+
+    // Moves all memory of another slab of the same slot size into this one.
+    void adopt(Slab& other);
+
+    // Calls f(slot) for every slot in use. Only for objects whose first word is never zero, as a
+    // pointer to virtual functions is.
+    template <class F>
+    void forEachInUse(F f) {
+        if (m_block != nullptr) visitRange(m_block, m_chunks == nullptr ? m_bump : m_blockEnd, f);
+        for (Chunk* chunk = m_chunks; chunk != nullptr; chunk = chunk->next) {
+            visitRange(firstSlot(chunk), chunk == m_chunks ? m_bump : chunk->end, f);
+        }
+    }
+
+private:
+    struct Chunk {
+        Chunk* next;
+        char* end;  // of the slots handed out when the next chunk was begun
+    };
+    static constexpr std::size_t kHeader = 64;
+    static char* firstSlot(Chunk* chunk) { return reinterpret_cast<char*>(chunk) + kHeader; }
+
+    template <class F>
+    void visitRange(char* slot, char* end, F& f) {
+        while (slot != end) {
+            char* next = slot + m_slotSize;
+            void* word = nullptr;
+            std::memcpy(&word, slot, sizeof word);
+            if (word != nullptr) f(static_cast<void*>(slot));
+            slot = next;
+        }
+    }
+
+    void grow();
+    void freeChunks();
+
+    std::size_t m_slotSize;
+    std::size_t m_nextChunk;
+    char* m_block;
+    char* m_blockEnd;
+    char* m_bump;
+    char* m_end;
+    void* m_free = nullptr;
+    Chunk* m_chunks = nullptr;  // newest first; the bump pointer stands in the newest
+};
+
+}  // namespace rv

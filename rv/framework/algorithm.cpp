@@ -1,0 +1,94 @@
+#include "rv/framework/algorithm.h"
+
+#include "rv/foundation/graph.h"
+
+RV_OBJECT_IMPL(RVAlgorithm)
+RV_OBJECT_IMPL(RVInternalAlgorithm)
+
+RVAlgorithmInputData* RVAlgorithm::pInputData() const { return m_pInputData; }
+RVAlgorithmInputData* RVAlgorithm::pInputData(RVAlgorithmInputData* data) { return m_pInputData = data; }
+RVAlgorithmOutputData* RVAlgorithm::pOutputData() const { return m_pOutputData; }
+RVAlgorithmOutputData* RVAlgorithm::pOutputData(RVAlgorithmOutputData* data) { return m_pOutputData = data; }
+
+RVServiceErrorCodeEnum RVAlgorithm::checkData() {
+    if (pInputData() == nullptr) return RV_NO_INPUT_DATA;
+    if (pOutputData() == nullptr) return RV_NO_OUTPUT_DATA;
+    return RV_NO_ERROR;
+}
+
+void RVAlgorithm::initialize() {}
+void RVAlgorithm::generateOutputData() {}
+void RVAlgorithm::cleanup() {}
+void RVAlgorithm::parseInputData() {}
+void RVAlgorithm::preprocess() {}
+void RVAlgorithm::postprocess() {}
+
+namespace {
+
+// Runs f, then `after` whatever happens; an exception of f is passed on, one of `after` behind it is not.
+template <class F, class After>
+RVServiceErrorCodeEnum runAndThen(F f, After after) {
+    RVServiceErrorCodeEnum code = RV_NO_ERROR;
+    try {
+        code = f();
+    } catch (...) {
+        try {
+            after();
+        } catch (...) {
+            // The first exception tells more.
+        }
+        throw;
+    }
+    after();
+    return code;
+}
+
+}  // namespace
+
+RVServiceErrorCodeEnum RVAlgorithm::run() {
+    const RVServiceErrorCodeEnum code = checkData();
+    if (code != RV_NO_ERROR) return code;
+    pOutputData()->reset();
+    pOutputData()->pAssociatedGraph(pInputData()->pAssociatedGraph());
+    return runAndThen([this] { return runHooks(); }, [this] { cleanup(); });
+}
+
+RVServiceErrorCodeEnum RVAlgorithm::runHooks() {
+    initialize();
+    parseInputData();
+    return runAndThen([this] { return runPreprocessedHooks(); }, [this] { postprocess(); });
+}
+
+RVServiceErrorCodeEnum RVAlgorithm::runPreprocessedHooks() {
+    preprocess();
+    const RVServiceErrorCodeEnum code = algorithmBody();
+    generateOutputData();
+    return code;
+}
+
+int RVInternalAlgorithm::directed() const { return 1; }
+
+void RVInternalAlgorithm::initialize() {
+    RVAlgorithm::initialize();
+    m_internalData = std::unique_ptr<RVAlgorithmData>(newInternalData());
+    if (pInternalData() == nullptr) m_internalData = std::make_unique<RVAlgorithmData>();
+    RVGraph* graph = pInputData()->pAssociatedGraph();
+    pInternalData()->pAssociatedGraph(graph);
+    pInternalData()->pInputGraph(graph);
+}
+
+void RVInternalAlgorithm::cleanup() {
+    m_internalData = nullptr;
+    RVAlgorithm::cleanup();
+}
+
+void RVInternalAlgorithm::createGraphCopy() {
+    RVGraph* original = pInternalData()->pInputGraph();
+    if (original == nullptr) return;
+    RVAFactory* factory = original->pFactory();
+    std::unique_ptr<RVGraph> copy(factory != nullptr ? factory->newGraph() : new RVGraph());
+    pInternalData()->copyGraph(original, copy.get());
+    pInternalData()->pAssociatedGraph(copy.release());
+}
+
+RVAlgorithmData* RVInternalAlgorithm::newInternalData() { return new RVAlgorithmData(); }

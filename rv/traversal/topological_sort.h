@@ -1,0 +1,91 @@
+// Topological sort: orders the nodes of a directed graph so that every edge goes from an earlier to a later
+// node, and tells whether the graph is acyclic.
+//
+// Works on the caller's graph, any directed graph. Parallel edges are allowed; a self-loop is a cycle. A
+// cycle is a result, not a failure: then there is no order at all, not even a partial one.
+//
+// Ties: nodes without in-edges come in graph order, all others in the order in which the last of their
+// in-edges is consumed, where nodes consume their out-edges in out-edge order.
+//
+// Codes of run: RV_NO_ERROR, RV_NO_INPUT_GRAPH, RV_NO_GRAPH_FACTORY, and the framework's.
+// Method: Kahn 1962. O(n + m) time, O(n) space.
+//
+//   RVTopologicalSortAlgorithm sort;
+//   RVTopologicalSortInputData input(graph);
+//   RVTopologicalSortOutputData output;
+//   sort.pInputData(&input);
+//   sort.pOutputData(&output);
+//   if (sort.run() == RV_NO_ERROR && output.acyclic()) use(*output.pNodeList());
+#pragma once
+
+#include <vector>
+
+#include "rv/foundation/hash_map.h"
+#include "rv/framework/base_graph_algorithm.h"
+
+class RV_EXPORT RVTopologicalSortInputData : public RVAnalysisInputData {
+    RV_DATA_OBJECT(RVTopologicalSortInputData)
+
+public:
+    RVTopologicalSortInputData() = default;
+    explicit RVTopologicalSortInputData(RVGraph* graph) : RVAnalysisInputData(graph) {}
+};
+
+class RV_EXPORT RVTopologicalSortOutputData : public RVAnalysisOutputData {
+    RV_DATA_OBJECT(RVTopologicalSortOutputData)
+
+public:
+    RVTopologicalSortOutputData() = default;
+
+    // 1 before a run.
+    int acyclic() const { return m_acyclic; }
+    int acyclic(int flag) { return m_acyclic = flag; }
+
+    // The node's number, from 1; 0 for a node without one.
+    int orderNumber(RVNode* node) const { return m_orderNumbers->getInt(node, 0); }
+    int orderNumber(RVNode* node, int number) { return m_orderNumbers->putInt(node, number); }
+
+    // The nodes in topological order; empty when the graph is not acyclic.
+    RVNodeDList* pNodeList() const { return m_nodes.get(); }
+    // Empties the list, then fills it with the nodes in topological order.
+    void buildNodeOrderList(RVNodeDList& list) const;
+
+    void reset() override;
+
+private:
+    rv::Owned<RVNodeDList> m_nodes;
+    int m_acyclic = 1;
+    rv::OwnedMap<rv::Values::Destroy> m_orderNumbers;
+};
+
+// The number of a node, for callers' use; the algorithm makes no such records.
+class RV_EXPORT RVNodeExtensionTopologicalSort : public RVNodeAnalysisExtension {
+    RV_OBJECT(RVNodeExtensionTopologicalSort)
+
+public:
+    RVNodeExtensionTopologicalSort() = default;
+    RVNodeExtensionTopologicalSort(RVNode* node, const RVAlgorithmData* data) : RVNodeAnalysisExtension(node, data) {}
+    int orderNumber() const { return m_orderNumber; }
+    int orderNumber(int number) { return m_orderNumber = number; }
+
+private:
+    int m_orderNumber = 0;
+};
+
+class RV_EXPORT RVTopologicalSortAlgorithm : public RVBaseGraphAlgorithm {
+    RV_OBJECT(RVTopologicalSortAlgorithm)
+
+public:
+    RVTopologicalSortAlgorithm() = default;
+
+protected:
+    RVServiceErrorCodeEnum algorithmBody() override;
+
+private:
+    int inDegree(const RVNode* node) const { return m_inDegrees[static_cast<std::size_t>(node->denseIndex())]; }
+    int inDegree(const RVNode* node, int value) {
+        return m_inDegrees[static_cast<std::size_t>(node->denseIndex())] = value;
+    }
+
+    std::vector<int> m_inDegrees;  // in-edges of a node that have not been consumed, by dense index
+};
