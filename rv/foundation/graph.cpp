@@ -94,13 +94,13 @@ void RVEdge::leaveLists() {
         m_graphCell.setOut(nullptr);
         m_attached = false;
     }
-    if (m_outCell.inList()) {
+    if (m_outCell.isInList()) {
         m_pSource->m_outEdges.unlink(&m_outCell);
         m_outCell.setOut(nullptr);
     } else if (m_outCell.isWaiting()) {
         m_pSource->m_pGraph->stopWaiting(m_pSource, &m_outCell);
     }
-    if (m_inCell.inList()) {
+    if (m_inCell.isInList()) {
         m_pTarget->m_inEdges.unlink(&m_inCell);
         m_inCell.setOut(nullptr);
     } else if (m_inCell.isWaiting()) {
@@ -146,7 +146,7 @@ void RVEdge::changeSourceNode(RVNode* node) {
         node->m_outEdges.linkLast(&m_outCell);
         return;
     }
-    RVNode* const host = m_inCell.inList() ? m_pTarget : nullptr;
+    RVNode* const host = m_inCell.isInList() ? m_pTarget : nullptr;
     m_pGraph->prepareWaits(2);
     leaveLists();
     m_pSource = node;
@@ -163,7 +163,7 @@ void RVEdge::changeTargetNode(RVNode* node) {
         node->m_inEdges.linkLast(&m_inCell);
         return;
     }
-    RVNode* const host = m_inCell.inList() ? node : nullptr;
+    RVNode* const host = m_inCell.isInList() ? node : nullptr;
     m_pGraph->prepareWaits(2);
     leaveLists();
     m_pTarget = node;
@@ -181,7 +181,7 @@ void RVEdge::invertDirection() {
         m_pTarget->m_inEdges.linkLast(&m_inCell);
         return;
     }
-    RVNode* const host = m_outCell.inList() ? m_pSource : nullptr;
+    RVNode* const host = m_outCell.isInList() ? m_pSource : nullptr;
     m_pGraph->prepareWaits(2);
     leaveLists();
     std::swap(m_pSource, m_pTarget);

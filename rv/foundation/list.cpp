@@ -5,7 +5,7 @@
 #include "rv/foundation/cell_pool.h"
 
 void RVDListCell::operator delete(RVDListCell* cell, std::destroying_delete_t) {
-    if (cell->inList() || cell->isWaiting()) return;
+    if (cell->isInList() || cell->isWaiting()) return;
     rv::CellPool* const pool = cell->pool();
     if (pool != nullptr) pool->destroySetAside(cell);
 }
@@ -83,7 +83,7 @@ RVDListCell* RVDList::searchObject(const RVObject* object) const {
 }
 
 RVDListCell* RVDList::removeCell(RVDListCell* cell) {
-    if (cell == nullptr || m_readOnly || !cell->inList()) return nullptr;
+    if (cell == nullptr || m_readOnly || !cell->isInList()) return nullptr;
     unlink(cell);
     cell->setOut(m_pPool);
     m_pPool->setAside();
@@ -93,7 +93,7 @@ RVDListCell* RVDList::removeCell(RVDListCell* cell) {
 RVDListCell* RVDList::searchAndRemoveObject(const RVObject* object) { return removeCell(searchObject(object)); }
 
 void RVDList::discardCell(RVDListCell* cell) {
-    if (cell == nullptr || m_readOnly || !cell->inList()) return;
+    if (cell == nullptr || m_readOnly || !cell->isInList()) return;
     unlink(cell);
     m_pPool->recycle(cell);
 }
@@ -113,6 +113,7 @@ void RVDList::releaseCells() {
         }
     } else {
         m_pPool->releaseAll();
+        ++m_releases;
     }
     forgetCells();
 }

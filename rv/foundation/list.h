@@ -33,9 +33,10 @@ public:
 
     RVDListCell* pNextCell() const { return m_pNext; }
     RVDListCell* pPrevCell() const {
-        return inList() ? reinterpret_cast<RVDListCell*>(m_prev) : nullptr;
+        return isInList() ? reinterpret_cast<RVDListCell*>(m_prev) : nullptr;
     }
     RVObject* pObject() const { return m_pObject; }
+    bool isInList() const { return (m_prev & kOut) == 0; }
 
     // A cell that removeCell gave is destroyed by `delete`, before or after its list. Deleting a cell that
     // still stands in a list does nothing.
@@ -61,7 +62,6 @@ private:
     // place at which the cell of a detached edge waits for a node.
     static constexpr std::uintptr_t kOut = 1;
     static constexpr std::uintptr_t kWaiting = 2;
-    bool inList() const { return (m_prev & kOut) == 0; }
     bool isWaiting() const { return (m_prev & (kOut | kWaiting)) == (kOut | kWaiting); }
     std::uint32_t waitPlace() const { return static_cast<std::uint32_t>(m_prev >> 2); }
     void setWaiting(std::uint32_t place) {
@@ -134,6 +134,8 @@ public:
     bool isReadOnly() const { return m_readOnly; }
     // Sorted trees keep an order of their own: what is appended or prepended goes to its sorted place.
     bool isSorted() const { return m_sorted; }
+    // Grows whenever the memory of all cells is given up, so that cells noted elsewhere are gone.
+    std::uint32_t releaseCount() const { return m_releases; }
 
 protected:
     RVDListCell* newLastCell(RVObject* object);
@@ -159,8 +161,9 @@ private:
     RVDListCell* m_pLast = nullptr;
     rv::CellPool* m_pPool = nullptr;
     int m_length = 0;
-    bool m_readOnly = false;
-    bool m_sorted = false;
+    std::uint32_t m_releases : 30 = 0;
+    bool m_readOnly : 1 = false;
+    bool m_sorted : 1 = false;
 };
 
 // A position in a list. It is valid, and converts to true, while it stands on a cell; otherwise pObject()

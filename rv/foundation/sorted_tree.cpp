@@ -125,7 +125,7 @@ RVBinTreeCell* RVBinTree::addObject(RVObject* object) {
 }
 
 RVBinTreeCell* RVBinTree::insertCell(RVBinTreeCell* cell) {
-    if (cell == nullptr || cell->inList()) return nullptr;
+    if (cell == nullptr || cell->isInList()) return nullptr;
     if (cell->pool() != m_pPool) {
         RVBinTreeCell* own = addObject(cell->pObject());
         delete cell;
@@ -150,7 +150,7 @@ RVBinTreeCell* RVBinTree::searchObject(const RVObject* object) const {
 }
 
 RVBinTreeCell* RVBinTree::removeCell(RVDListCell* listCell) {
-    if (listCell == nullptr || !listCell->inList()) return nullptr;
+    if (listCell == nullptr || !listCell->isInList()) return nullptr;
     auto* cell = static_cast<RVBinTreeCell*>(listCell);
     unlink(cell);
     cell->setOut(m_pPool);
@@ -161,7 +161,7 @@ RVBinTreeCell* RVBinTree::removeCell(RVDListCell* listCell) {
 RVBinTreeCell* RVBinTree::searchAndRemoveObject(const RVObject* object) { return removeCell(searchObject(object)); }
 
 void RVBinTree::discardCell(RVDListCell* listCell) {
-    if (listCell == nullptr || !listCell->inList()) return;
+    if (listCell == nullptr || !listCell->isInList()) return;
     unlink(static_cast<RVBinTreeCell*>(listCell));
     m_pPool->recycle(listCell);
 }
