@@ -1,6 +1,7 @@
 #include "rv/foundation/graph.h"
 
 #include <algorithm>
+#include <chrono>
 #include <utility>
 
 #include "rv/foundation/graph_access.h"
@@ -94,12 +95,20 @@ void RVEdge::leaveLists() {
         m_graphCell.setOut(nullptr);
         m_attached = false;
     }
+    leaveSource();
+    leaveTarget();
+}
+
+void RVEdge::leaveSource() {
     if (m_outCell.isInList()) {
         m_pSource->m_outEdges.unlink(&m_outCell);
         m_outCell.setOut(nullptr);
     } else if (m_outCell.isWaiting()) {
         m_pSource->m_pGraph->stopWaiting(m_pSource, &m_outCell);
     }
+}
+
+void RVEdge::leaveTarget() {
     if (m_inCell.isInList()) {
         m_pTarget->m_inEdges.unlink(&m_inCell);
         m_inCell.setOut(nullptr);
@@ -112,11 +121,14 @@ void RVEdge::leaveLists() {
 // it is detached.
 void RVEdge::enterLists(RVNode* preferred) {
     RVNode* host = nullptr;
-    if (!m_removed) {
-        if (m_pSource->m_attached && m_pTarget->m_attached) {
+    if (!m_removed && m_pSource->m_attached && m_pTarget->m_attached) {
+        if (m_pSource->m_pGraph == m_pTarget->m_pGraph) {
             m_pGraph->attach(this);
             return;
         }
+        m_removed = true;  // one of the ends has gone to another graph
+    }
+    if (!m_removed) {
         host = m_pSource->m_attached ? m_pTarget : m_pSource;
         if (preferred == m_pTarget && !m_pTarget->m_attached) host = m_pTarget;
     }
@@ -146,11 +158,20 @@ void RVEdge::changeSourceNode(RVNode* node) {
         node->m_outEdges.linkLast(&m_outCell);
         return;
     }
-    RVNode* const host = m_inCell.isInList() ? m_pTarget : nullptr;
     m_pGraph->prepareWaits(2);
+    if (!m_attached && m_inCell.isInList()) {  // it waits with its target and keeps its place there
+        leaveSource();
+        m_pSource = node;
+        if (node == m_pTarget) {
+            node->m_outEdges.linkLast(&m_outCell);
+        } else {
+            node->m_pGraph->wait(node, &m_outCell);
+        }
+        return;
+    }
     leaveLists();
     m_pSource = node;
-    enterLists(host);
+    enterLists(node);
 }
 
 void RVEdge::changeTargetNode(RVNode* node) {
@@ -163,11 +184,20 @@ void RVEdge::changeTargetNode(RVNode* node) {
         node->m_inEdges.linkLast(&m_inCell);
         return;
     }
-    RVNode* const host = m_inCell.isInList() ? node : nullptr;
     m_pGraph->prepareWaits(2);
+    if (!m_attached && m_outCell.isInList()) {  // it waits with its source and keeps its place there
+        leaveTarget();
+        m_pTarget = node;
+        if (node == m_pSource) {
+            node->m_inEdges.linkLast(&m_inCell);
+        } else {
+            node->m_pGraph->wait(node, &m_inCell);
+        }
+        return;
+    }
     leaveLists();
     m_pTarget = node;
-    enterLists(host);
+    enterLists(node);
 }
 
 void RVEdge::invertDirection() {
@@ -190,8 +220,19 @@ void RVEdge::invertDirection() {
 
 // Graph
 
-RVGraph::RVGraph()
-    : m_storage(std::make_shared<rv::GraphStorage>()), m_hashSalt(rv::addressHash(this) & ~std::uint32_t{31}) {
+namespace {
+
+// Where the hashes of a graph's members begin. The address alone would not do: a later graph may have the same
+// one, and its members too, and would be taken for them in maps. Hashes reach no result.
+std::uint32_t newHashSalt(const RVGraph* graph) {
+    const auto now = static_cast<std::uint64_t>(std::chrono::steady_clock::now().time_since_epoch().count());
+    const std::uint64_t mixed = (now ^ rv::addressHash(graph)) * 0x9E3779B97F4A7C15ULL;
+    return static_cast<std::uint32_t>(mixed >> 32) & ~std::uint32_t{31};
+}
+
+}  // namespace
+
+RVGraph::RVGraph() : m_storage(std::make_shared<rv::GraphStorage>()), m_hashSalt(newHashSalt(this)) {
     m_nodes.m_readOnly = m_edges.m_readOnly = true;
 }
 
@@ -209,6 +250,10 @@ RVGraph::~RVGraph() {
     }
     for (Fields* fields : {&m_nodeFields, &m_edgeFields}) {
         for (const std::wstring* name : fields->names.values()) delete name;
+    }
+    // Edges in memory that other graphs keep must not be taken for those of a later graph at this address.
+    if (m_storage.use_count() > 1 || !m_adoptedStorage.empty()) {
+        forEachEdge([](RVEdge* edge) { edge->m_pGraph = nullptr; });
     }
 }
 
@@ -402,7 +447,12 @@ void RVGraph::destroyMember(RVGraphMember* member, rv::Slab& slab) {
     indices.giveBack(index);
     const bool adopted = member->m_adopted;
     member->~RVGraphMember();
-    if (!adopted) slab.recycle(member);
+    if (adopted) {  // the slot is not used again; it reads as free from now on
+        const void* const none = nullptr;
+        std::memcpy(static_cast<void*>(member), &none, sizeof none);
+    } else {
+        slab.recycle(member);
+    }
 }
 
 void RVGraph::Indices::giveBack(int index) {
@@ -539,14 +589,20 @@ void RVGraph::severForeignEdges() {
             edge->m_pGraph->discardEdge(edge);
         }
     }
-    std::vector<std::shared_ptr<rv::GraphStorage>> memory = m_adoptedStorage;
-    memory.push_back(m_storage);
-    for (auto& storage : memory) {
-        storage->edges.forEachInUse([this](void* slot) {
-            auto* edge = static_cast<RVEdge*>(slot);
-            if (isMine(edge) && !edge->m_attached) edge->leaveLists();
-        });
-    }
+    forEachEdge([](RVEdge* edge) {
+        if (!edge->m_attached) edge->leaveLists();
+    });
+}
+
+// Calls f(edge) for every edge that belongs to this graph, attached or not.
+template <class F>
+void RVGraph::forEachEdge(F f) {
+    const auto visit = [&](void* slot) {
+        auto* edge = static_cast<RVEdge*>(slot);
+        if (isMine(edge)) f(edge);
+    };
+    m_storage->edges.forEachInUse(visit);
+    for (const auto& storage : m_adoptedStorage) storage->edges.forEachInUse(visit);
 }
 
 const wchar_t* RVGraph::pNameString() const { return m_name.c_str(); }
@@ -619,6 +675,84 @@ void GraphAccess::copyGraph(const RVGraph* source, RVGraph* target, std::vector<
         for (const RVEdge* edge : node->m_inEdges) {
             copy->m_inEdges.linkLast(&static_cast<RVEdge*>(edgeCopies[place(edge)])->m_inCell);
         }
+    }
+}
+
+GraphOrders GraphAccess::noteOrders(const RVGraph* graph) {
+    GraphOrders orders;
+    orders.nodes.reserve(static_cast<std::size_t>(graph->numberOfNodes()));
+    orders.edges.reserve(static_cast<std::size_t>(graph->numberOfEdges()));
+    orders.listsInGraphOrder = graph->m_listsInGraphOrder;
+    for (const RVNode* node : graph->m_nodes) orders.nodes.push_back({node->m_index, node->m_hash});
+    for (const RVEdge* edge : graph->m_edges) orders.edges.push_back({edge->m_index, edge->m_hash});
+    if (orders.listsInGraphOrder) return orders;  // then the edge list tells all
+    orders.outEdges.reserve(orders.edges.size());
+    orders.inEdges.reserve(orders.edges.size());
+    for (const RVNode* node : graph->m_nodes) {
+        for (const RVEdge* edge : node->m_outEdges) orders.outEdges.push_back(edge->m_index);
+        for (const RVEdge* edge : node->m_inEdges) orders.inEdges.push_back(edge->m_index);
+    }
+    return orders;
+}
+
+namespace {
+
+// The members in their noted order, and behind them those that were not noted.
+template <class Member, class List>
+std::vector<Member*> inNotedOrder(const List& list, int limit, const std::vector<GraphOrders::Member>& noted,
+                                  std::vector<Member*>& byIndex) {
+    byIndex.assign(static_cast<std::size_t>(limit), nullptr);
+    for (Member* member : list) byIndex[static_cast<std::size_t>(member->denseIndex())] = member;
+    std::vector<Member*> ordered;
+    ordered.reserve(static_cast<std::size_t>(list.length()));
+    std::vector<bool> placed(byIndex.size());
+    for (const GraphOrders::Member& entry : noted) {
+        const auto place = static_cast<std::size_t>(entry.index);
+        if (byIndex[place] == nullptr || byIndex[place]->memberHash() != entry.hash) continue;
+        ordered.push_back(byIndex[place]);
+        placed[place] = true;
+    }
+    for (Member* member : list) {
+        const auto place = static_cast<std::size_t>(member->denseIndex());
+        if (placed[place]) continue;
+        ordered.push_back(member);
+        byIndex[place] = nullptr;  // only what was noted is found by index
+    }
+    return ordered;
+}
+
+}  // namespace
+
+void GraphAccess::restoreOrders(RVGraph* graph, const GraphOrders& orders) {
+    std::vector<RVNode*> nodeByIndex;
+    std::vector<RVEdge*> edgeByIndex;
+    const auto nodes = inNotedOrder<RVNode>(graph->m_nodes, graph->nodeIndexLimit(), orders.nodes, nodeByIndex);
+    const auto edges = inNotedOrder<RVEdge>(graph->m_edges, graph->edgeIndexLimit(), orders.edges, edgeByIndex);
+    ++graph->m_modifications;
+    graph->m_listsInGraphOrder = orders.listsInGraphOrder;
+    graph->m_nodes.forgetCells();
+    for (RVNode* node : nodes) {
+        graph->m_nodes.linkLast(&node->m_graphCell);
+        node->m_outEdges.forgetCells();
+        node->m_inEdges.forgetCells();
+    }
+    graph->m_edges.forgetCells();
+    for (RVEdge* edge : edges) graph->m_edges.linkLast(&edge->m_graphCell);
+    if (!orders.listsInGraphOrder) {
+        for (const int index : orders.outEdges) {
+            RVEdge* edge = edgeByIndex[static_cast<std::size_t>(index)];
+            if (edge != nullptr) edge->m_pSource->m_outEdges.linkLast(&edge->m_outCell);
+        }
+        for (const int index : orders.inEdges) {
+            RVEdge* edge = edgeByIndex[static_cast<std::size_t>(index)];
+            if (edge != nullptr) edge->m_pTarget->m_inEdges.linkLast(&edge->m_inCell);
+        }
+    }
+    for (RVEdge* edge : edges) {
+        const bool placed = !orders.listsInGraphOrder && edgeByIndex[static_cast<std::size_t>(edge->m_index)] != nullptr;
+        if (placed) continue;
+        edge->m_pSource->m_outEdges.linkLast(&edge->m_outCell);
+        edge->m_pTarget->m_inEdges.linkLast(&edge->m_inCell);
     }
 }
 

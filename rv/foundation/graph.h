@@ -251,6 +251,8 @@ private:
     RVEdge() = default;
 
     void leaveLists();
+    void leaveSource();
+    void leaveTarget();
     void enterLists(RVNode* preferred);
 
     RVNode* m_pSource = nullptr;
@@ -411,6 +413,8 @@ private:
     std::vector<RVDListCell*> takeWaits(RVNode* node);
     void noteForeignEdge(RVEdge* edge, RVNode* other);
     void severForeignEdges();
+    template <class F>
+    void forEachEdge(F f);
 
     std::shared_ptr<rv::GraphStorage> m_storage;
     RVNodeDList m_nodes;

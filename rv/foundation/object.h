@@ -115,6 +115,7 @@ public:
     ~Uncopied() = default;
     operator const T&() const { return m_value; }
     const T& get() const { return m_value; }
+    T& get() { return m_value; }
 
 private:
     T m_value{};

@@ -313,6 +313,9 @@ void DataGraphs::map(RVGraphMember* member, RVGraphMember* value, std::size_t ki
     if (member == nullptr) return;
     RVGraph* const home = member->pHomeGraph();
     Mapping& mapping = (at(home).*direction)[kind];
+    // What still leads back to the member can then not be found from it.
+    const RVGraphMember* const before = mapping.get(member);
+    if (before != nullptr && before != value) GraphAccess::setMappingTarget(member);
     mapping.set(member, value, kind == kNodes ? home->nodeIndexLimit() : home->edgeIndexLimit());
     if (value == nullptr) return;
     DataGraph& there = at(value->pHomeGraph());
@@ -325,6 +328,14 @@ void DataGraphs::map(RVGraphMember* member, RVGraphMember* value, std::size_t ki
 void DataGraphs::copyGraph(const RVGraph* original, RVGraph* copy) {
     DataGraph& there = at(const_cast<RVGraph*>(original));
     Mapping (&copies)[2] = there.m_copies;
+    for (const std::size_t kind : {kNodes, kEdges}) {
+        // What leads back from an earlier copy can then not be found from the original.
+        for (RVGraphMember* earlier : copies[kind].values.values()) {
+            const DataGraph* graph = earlier == nullptr ? nullptr : find(earlier->pHomeGraph());
+            RVGraphMember* const source = graph == nullptr ? nullptr : graph->m_originals[kind].get(earlier);
+            if (source != nullptr) GraphAccess::setMappingTarget(source);
+        }
+    }
     GraphAccess::copyGraph(original, copy, copies[kNodes].values.values(), copies[kEdges].values.values());
     copies[kNodes].target = copies[kEdges].target = copy;
     Mapping (&originals)[2] = at(copy).m_originals;

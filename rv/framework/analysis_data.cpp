@@ -121,6 +121,20 @@ int RVAnalysisInternalData::removedAsMultiEdge(RVEdge* edge, int flag) {
     return flag;
 }
 
+namespace {
+const RVEdgeDList kNoEdges;
+}
+
+const RVEdgeDList& RVAnalysisInternalData::multiEdges(RVEdge* edge) const {
+    const auto* own = static_cast<const RVEdgeAnalysisExtension*>(pExistingExtension(edge));
+    return own == nullptr || !own->hasMultiEdges() ? kNoEdges : *own->pMultiEdgeList();
+}
+
+const RVEdgeDList& RVAnalysisInternalData::reflexiveEdges(RVNode* node) const {
+    const auto* own = static_cast<const RVNodeAnalysisExtension*>(pExistingExtension(node));
+    return own == nullptr || !own->hasReflexiveEdges() ? kNoEdges : *own->pReflexiveEdgeList();
+}
+
 RVEdgeDList* RVAnalysisInternalData::pMultiEdgeList(RVEdge* edge) const {
     auto* own = record<RVEdgeAnalysisExtension>(edge);
     return own == nullptr ? nullptr : own->pMultiEdgeList();

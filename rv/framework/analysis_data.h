@@ -178,6 +178,9 @@ public:
     int dummyEdge(RVEdge* edge, int flag);
     int removedAsMultiEdge(RVEdge* edge) const { return edgeRecordToRead(edge).removedAsMultiEdge(); }
     int removedAsMultiEdge(RVEdge* edge, int flag);
+    // The lists, for walking: empty where none was made.
+    const RVEdgeDList& multiEdges(RVEdge* edge) const;
+    const RVEdgeDList& reflexiveEdges(RVNode* node) const;
     // None without an object.
     RVEdgeDList* pMultiEdgeList(RVEdge* edge) const;
     RVEdgeDList* pReflexiveEdgeList(RVNode* node) const;

@@ -1,5 +1,7 @@
 #include "rv/framework/base_graph_algorithm.h"
 
+#include "rv/framework/check_input.h"
+
 RV_OBJECT_IMPL(RVBaseGraphAlgorithm)
 
 RVServiceErrorCodeEnum RVBaseGraphAlgorithm::run() { return RVAlgorithm::run(); }
@@ -8,11 +10,7 @@ RVServiceErrorCodeEnum RVBaseGraphAlgorithm::internalRun() { return RVAlgorithm:
 
 RVServiceErrorCodeEnum RVBaseGraphAlgorithm::checkData() {
     const RVServiceErrorCodeEnum code = RVAlgorithm::checkData();
-    if (code != RV_NO_ERROR) return code;
-    const RVGraph* graph = pInputData()->pAssociatedGraph();
-    if (graph == nullptr) return RV_NO_INPUT_GRAPH;
-    if (graph->pFactory() == nullptr) return RV_NO_GRAPH_FACTORY;
-    return RV_NO_ERROR;
+    return code != RV_NO_ERROR ? code : rv::checkInputGraph(*pInputData());
 }
 
 void RVBaseGraphAlgorithm::generateOutputData() {}

@@ -1,0 +1,326 @@
+#include "rv/framework/internal_graph_algorithm.h"
+
+#include <cstddef>
+#include <cstdint>
+
+#include "rv/foundation/graph_access.h"
+#include "rv/foundation/graph_iterators.h"
+#include "rv/framework/check_input.h"
+
+namespace rv {
+
+// The groups of parallel edges of a graph that does not change meanwhile, found node by node when they are
+// asked for: O(degree) for the first edge of a node, O(1) for every other one, so O(n + m) in all.
+class ParallelEdges {
+public:
+    ParallelEdges(const RVGraph* graph, bool directed)
+        : m_graph(graph),
+          m_modifications(graph->modificationCount()),
+          m_directed(directed),
+          m_ends(static_cast<std::size_t>(graph->nodeIndexLimit())),
+          m_analysed(m_ends.size()),
+          m_groupOf(static_cast<std::size_t>(graph->edgeIndexLimit())) {}
+
+    // Whether the answers hold: the graph has not been changed by a hook.
+    bool holds(bool directed) const {
+        return directed == m_directed && m_graph->modificationCount() == m_modifications;
+    }
+
+    // The parallels of an edge in the order in which its source's lists show them; empty when it has none.
+    std::span<RVEdge* const> of(const RVEdge* edge) {
+        const RVNode* source = edge->pSourceNode();
+        if (!m_analysed[placeOf(source)]) analyse(source);
+        const std::uint32_t group = m_groupOf[placeOf(edge)];
+        if (group == 0) return {};
+        return {m_members.data() + m_groups[group - 1].begin, m_groups[group - 1].size};
+    }
+
+private:
+    struct Group {
+        std::size_t begin;
+        std::size_t size;
+    };
+    // Of the edges between the node in hand and one other node.
+    struct OtherEnd {
+        int node = -1;  // the node in hand, else the rest is stale
+        std::uint32_t count = 0;
+        std::uint32_t group = 0;
+    };
+
+    static std::size_t placeOf(const RVGraphMember* member) { return static_cast<std::size_t>(member->denseIndex()); }
+
+    template <class F>
+    void forEachEdge(const RVNode* node, F f) {
+        for (RVEdge* edge : *node->pOutEdgeList()) f(edge, edge->pTargetNode(), true);
+        if (m_directed) return;
+        for (RVEdge* edge : *node->pInEdgeList()) f(edge, edge->pSourceNode(), false);
+    }
+
+    void analyse(const RVNode* node) {
+        m_analysed[placeOf(node)] = true;
+        bool anyParallel = false;
+        forEachEdge(node, [&](RVEdge*, const RVNode* other, bool) {
+            OtherEnd& end = m_ends[placeOf(other)];
+            if (end.node != node->denseIndex()) end = {node->denseIndex(), 0, 0};
+            if (++end.count > 1) anyParallel = true;
+        });
+        if (!anyParallel) return;
+        forEachEdge(node, [&](RVEdge* edge, const RVNode* other, bool out) {
+            OtherEnd& end = m_ends[placeOf(other)];
+            if (end.count < 2) return;
+            if (end.group == 0) {
+                m_groups.push_back({m_members.size(), 0});
+                m_members.resize(m_members.size() + end.count);
+                end.group = static_cast<std::uint32_t>(m_groups.size());
+            }
+            Group& group = m_groups[end.group - 1];
+            m_members[group.begin + group.size++] = edge;
+            if (out) m_groupOf[placeOf(edge)] = end.group;
+        });
+    }
+
+    const RVGraph* m_graph;
+    std::uint64_t m_modifications;
+    bool m_directed;
+    std::vector<OtherEnd> m_ends;          // by node
+    std::vector<bool> m_analysed;          // by node
+    std::vector<std::uint32_t> m_groupOf;  // by edge, as seen from its source: place in m_groups + 1, 0 for none
+    std::vector<Group> m_groups;
+    std::vector<RVEdge*> m_members;
+};
+
+}  // namespace rv
+
+RVInternalGraphAlgorithm::RVInternalGraphAlgorithm() = default;
+
+RV_OBJECT_IMPL(RVInternalGraphAlgorithm)
+
+RVServiceErrorCodeEnum RVInternalGraphAlgorithm::run() { return RVAlgorithm::run(); }
+
+RVServiceErrorCodeEnum RVInternalGraphAlgorithm::internalRun() { return RVAlgorithm::run(); }
+
+RVServiceErrorCodeEnum RVInternalGraphAlgorithm::checkData() {
+    const RVServiceErrorCodeEnum code = RVInternalAlgorithm::checkData();
+    return code != RV_NO_ERROR ? code : rv::checkInputGraph(*pInputData());
+}
+
+int RVInternalGraphAlgorithm::canUseOriginalGraph() const { return m_useOriginalGraph; }
+
+RVAlgorithmData* RVInternalGraphAlgorithm::newInternalData() { return new RVAnalysisInternalData(); }
+
+void RVInternalGraphAlgorithm::initialize() {
+    m_parallelEdges = nullptr;
+    m_orders = nullptr;
+    RVInternalAlgorithm::initialize();
+    RVGraph* graph = pInputData()->pAssociatedGraph();
+    pInternalData()->pAssociatedGraph(graph);
+    pInternalData()->pInputGraph(graph);
+    if (canUseOriginalGraph() == 0) createGraphCopy();
+}
+
+// Also called when a hook has thrown: the working graph is destroyed only if it is not the caller's.
+void RVInternalGraphAlgorithm::cleanup() {
+    if (RVAlgorithmData* data = pInternalData()) {
+        RVGraph* const input = data->pInputGraph();
+        RVGraph* const working = data->pAssociatedGraph();
+        if (canUseOriginalGraph() == 0 && working != input) delete working;
+        data->pAssociatedGraph(input);
+        delete data->pSecondaryGraphs()->searchAndRemoveObject(input);
+    }
+    m_parallelEdges = nullptr;
+    m_orders = nullptr;
+    RVInternalAlgorithm::cleanup();
+}
+
+void RVInternalGraphAlgorithm::preprocess() { preprocessGraph(); }
+
+void RVInternalGraphAlgorithm::postprocess() {
+    postprocessGraph();
+    if (m_orders.get() != nullptr) rv::GraphAccess::restoreOrders(pAssociatedGraph(), *m_orders.get());
+    m_orders = nullptr;
+}
+
+void RVInternalGraphAlgorithm::preprocessGraph() { privatePreprocessGraph(); }
+
+void RVInternalGraphAlgorithm::postprocessGraph() { privatePostprocessGraph(); }
+
+void RVInternalGraphAlgorithm::noteOrders() {
+    if (m_orders.get() != nullptr || pAssociatedGraph() != pInternalData()->pInputGraph()) return;
+    m_orders = std::make_unique<rv::GraphOrders>(rv::GraphAccess::noteOrders(pAssociatedGraph()));
+}
+
+// Normalising
+
+void RVInternalGraphAlgorithm::privatePreprocessGraph() {
+    if (directed() != 0) preprocessUndirectedEdges();
+    preprocessReflexiveEdges();
+    preprocessMultiEdges();
+    preprocessDisconnectedNodes();
+}
+
+void RVInternalGraphAlgorithm::preprocessUndirectedEdges() {
+    RVGraph* graph = pAssociatedGraph();
+    RVAnalysisInternalData* data = pAnalysisInternalData();
+    // Gathered before the first reverse edge is added, which the walk must not meet.
+    std::vector<RVEdge*> undirected;
+    for (RVEdge* edge : *graph->pEdgeList()) {
+        if (edge->pSourceNode() != edge->pTargetNode() && data->directed(edge) == 0) undirected.push_back(edge);
+    }
+    for (RVEdge* edge : undirected) {
+        actOnAddReverseEdge(graph->addEdge(edge->pTargetNode(), edge->pSourceNode(), 0), edge);
+    }
+}
+
+void RVInternalGraphAlgorithm::actOnAddReverseEdge(RVEdge* newEdge, RVEdge* edge) {
+    RVAnalysisInternalData* data = pAnalysisInternalData();
+    data->dummyEdge(newEdge, 1);
+    data->pOriginalEdge(newEdge, data->pOriginalEdge(edge));
+    data->directed(newEdge, 0);
+}
+
+void RVInternalGraphAlgorithm::preprocessReflexiveEdges() { preprocessReflexiveEdges(pAssociatedGraph()); }
+
+void RVInternalGraphAlgorithm::preprocessReflexiveEdges(RVGraph* graph) {
+    for (RVEdgeIter it(graph); it;) {
+        RVEdge* edge = it.pEdge();
+        it++;
+        if (edge->pSourceNode() != edge->pTargetNode()) continue;
+        noteOrders();
+        pAnalysisInternalData()->pReflexiveEdgeList(edge->pSourceNode())->appendEdge(edge);
+        graph->removeEdge(edge);
+    }
+}
+
+void RVInternalGraphAlgorithm::preprocessMultiEdges() { preprocessMultiEdges(pAssociatedGraph()); }
+
+void RVInternalGraphAlgorithm::preprocessMultiEdges(RVGraph* graph) {
+    const int direction = directed();
+    m_parallelEdges = std::make_unique<rv::ParallelEdges>(graph, direction != 0);
+    std::vector<RVEdge*> representatives;
+    representatives.reserve(static_cast<std::size_t>(graph->numberOfEdges()));
+    for (RVEdge* edge : *graph->pEdgeList()) {
+        if (RVEdge* representative = pRepresentativeEdge(edge, direction)) representatives.push_back(representative);
+    }
+    m_parallelEdges = nullptr;
+
+    const RVAnalysisInternalData* data = pAnalysisInternalData();
+    RVEdgeDList none;
+    for (RVEdge* representative : representatives) {
+        const auto* record = static_cast<const RVEdgeAnalysisExtension*>(data->pExistingExtension(representative));
+        if (record == nullptr || !record->hasMultiEdges()) {
+            // An edge without parallels needs no list of its own, unless the hook fills it.
+            actOnRemoveMultiEdges(representative, &none);
+            if (none.length() == 0) continue;
+            data->pMultiEdgeList(representative)->copyAppendList(&none);
+            none.deleteAllCells();
+        } else {
+            actOnRemoveMultiEdges(representative, record->pMultiEdgeList());
+        }
+        noteOrders();
+        for (RVEdge* edge : *data->pMultiEdgeList(representative)) graph->removeEdge(edge);
+    }
+}
+
+RVEdge* RVInternalGraphAlgorithm::pRepresentativeEdge(RVEdge* edge, int directed) {
+    RVAnalysisInternalData* data = pAnalysisInternalData();
+    const auto* record = static_cast<const RVEdgeAnalysisExtension*>(data->pExistingExtension(edge));
+    if (record != nullptr && (record->removedAsMultiEdge() != 0 || record->hasMultiEdges())) return nullptr;
+    RVEdge* representative = selectRepresentativeEdge(edge);
+    if (representative == nullptr) return nullptr;
+    for (RVEdge* parallel : parallelEdges(edge, directed)) {
+        if (parallel == representative) continue;
+        data->removedAsMultiEdge(parallel, 1);
+        data->pMultiEdgeList(representative)->appendEdge(parallel);
+    }
+    return representative;
+}
+
+RVEdge* RVInternalGraphAlgorithm::selectRepresentativeEdge(RVEdge* edge) { return edge; }
+
+std::span<RVEdge* const> RVInternalGraphAlgorithm::parallelEdges(RVEdge* edge, int directed) {
+    std::vector<RVEdge*>& edges = m_parallelScratch.get();
+    rv::ParallelEdges* known = m_parallelEdges.get().get();
+    edges.clear();
+    if (known != nullptr && known->holds(directed != 0)) {
+        const std::span<RVEdge* const> group = known->of(edge);
+        if (!group.empty()) return group;
+        edges.push_back(edge);
+        return edges;
+    }
+    const RVNode* source = edge->pSourceNode();
+    const RVNode* target = edge->pTargetNode();
+    if (source == nullptr || target == nullptr) return edges;
+    for (RVEdge* other : *source->pOutEdgeList()) {
+        if (other->pTargetNode() == target) edges.push_back(other);
+    }
+    if (directed != 0) return edges;
+    for (RVEdge* other : *source->pInEdgeList()) {
+        if (other->pSourceNode() == target) edges.push_back(other);
+    }
+    return edges;
+}
+
+void RVInternalGraphAlgorithm::actOnRemoveMultiEdges(RVEdge*, RVEdgeDList*) {}
+
+void RVInternalGraphAlgorithm::actOnInsertMultiEdge(RVEdge*) {}
+
+void RVInternalGraphAlgorithm::preprocessDisconnectedNodes() { preprocessDisconnectedNodes(pAssociatedGraph()); }
+
+void RVInternalGraphAlgorithm::preprocessDisconnectedNodes(RVGraph* graph) {
+    for (RVNodeIter it(graph); it;) {
+        RVNode* node = it.pNode();
+        it++;
+        if (node->degree() != 0) continue;
+        noteOrders();
+        pAnalysisInternalData()->pDisconnectedNodeList()->appendNode(node);
+        graph->removeNode(node);
+    }
+}
+
+// Restoring
+
+void RVInternalGraphAlgorithm::privatePostprocessGraph() { privatePostprocessGraph(pAssociatedGraph()); }
+
+// What is to be attached is gathered before it is, so that no walk meets it.
+void RVInternalGraphAlgorithm::privatePostprocessGraph(RVGraph* graph) {
+    RVAnalysisInternalData* data = pAnalysisInternalData();
+    for (RVNode* node : *data->pDisconnectedNodeList()) graph->insertNode(node);
+
+    for (RVNode* node : *graph->pNodeList()) {
+        const auto* record = static_cast<const RVNodeAnalysisExtension*>(data->pExistingExtension(node));
+        if (record == nullptr || !record->hasReflexiveEdges()) continue;
+        for (RVEdge* edge : *record->pReflexiveEdgeList()) {
+            graph->insertEdge(edge, edge->pSourceNode(), edge->pTargetNode());
+        }
+    }
+
+    std::vector<RVEdge*> parallels;
+    bool anyDummy = false;
+    for (RVEdge* edge : *graph->pEdgeList()) {
+        const auto* record = static_cast<const RVEdgeAnalysisExtension*>(data->pExistingExtension(edge));
+        if (record == nullptr) continue;
+        if (record->dummyEdge() != 0) anyDummy = true;
+        if (!record->hasMultiEdges()) continue;
+        for (RVEdge* parallel : *record->pMultiEdgeList()) parallels.push_back(parallel);
+    }
+    for (RVEdge* edge : parallels) {
+        actOnInsertMultiEdge(edge);
+        graph->insertEdge(edge, edge->pSourceNode(), edge->pTargetNode());
+    }
+
+    // A reverse edge may be among the parallels of another edge.
+    if (!anyDummy && parallels.empty()) return;
+    for (RVEdgeIter it(graph); it;) {
+        RVEdge* edge = it.pEdge();
+        it++;
+        if (data->dummyEdge(edge) != 0) graph->discardEdge(edge);
+    }
+}
+
+RVEdge* RVInternalGraphAlgorithm::findEdgeBetween(const RVNode* a, const RVNode* b) {
+    if (a == nullptr || b == nullptr) return nullptr;
+    for (RVEdge* edge : *a->pOutEdgeList()) {
+        if (edge->pTargetNode() == b) return edge;
+    }
+    return nullptr;
+}

@@ -1,0 +1,30 @@
+#include "rv/traversal/acyclic_test.h"
+
+#include "rv/framework/sub_algorithm.h"
+#include "rv/traversal/topological_sort.h"
+
+RV_OBJECT_IMPL(RVAcyclicTestInputData)
+RV_OBJECT_IMPL(RVAcyclicTestOutputData)
+RV_OBJECT_IMPL(RVAcyclicTestAlgorithm)
+
+void RVAcyclicTestOutputData::reset() { m_acyclic = 1; }
+
+void RVAcyclicTestAlgorithm::parseInputData() {}
+
+RVAlgorithmData* RVAcyclicTestAlgorithm::newInternalData() { return new RVAnalysisInternalData(); }
+
+void RVAcyclicTestAlgorithm::preprocessReflexiveEdges() {}
+
+RVServiceErrorCodeEnum RVAcyclicTestAlgorithm::algorithmBody() {
+    RVTopologicalSortAlgorithm sort;
+    RVTopologicalSortInputData input(pAssociatedGraph());
+    RVTopologicalSortOutputData output;
+    const RVServiceErrorCodeEnum code = rv::runPart(sort, input, output);
+    rv::noteFailure(*pAnalysisInternalData(), code, debugMode(), L"Error in Top Sort. Return code = %d\n");
+    RVAcyclicTestOutputData::castDown(pOutputData())->acyclic(output.acyclic());
+    return pAnalysisInternalData()->returnCode();
+}
+
+void RVAcyclicTestAlgorithm::generateOutputData() {
+    pOutputData()->pAssociatedGraph(pInputData()->pAssociatedGraph());
+}

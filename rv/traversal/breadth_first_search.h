@@ -1,0 +1,67 @@
+// Breadth-first search: numbers the nodes in the order in which they are reached, nearest first, from a start
+// node or over the whole graph.
+//
+// Any graph; loops and parallel edges play no part. Edges are followed forward, undirected ones both ways. A
+// node's out-edges are followed in out-edge order. Without a start node the search starts at the first node
+// of smallest in-degree, starts again where it must, and visits isolated nodes last; with one, nodes that it
+// does not reach keep number 0.
+//
+// Codes of run: RV_NO_ERROR, RV_NO_INPUT_GRAPH, RV_NO_GRAPH_FACTORY, RV_START_NODE_NOT_IN_GRAPH for a start
+// node that is not in the input's graph, and the framework's.
+// O(n + m) time and space.
+//
+//   RVBreadthFirstSearchAlgorithm search;
+//   RVBreadthFirstSearchInputData input(graph);
+//   RVBreadthFirstSearchOutputData output;
+//   input.pStartNode(node);
+//   search.pInputData(&input);
+//   search.pOutputData(&output);
+//   if (search.run() == RV_NO_ERROR) use(*output.pNodeList());
+#pragma once
+
+#include "rv/traversal/traversal.h"
+
+class RV_EXPORT RVBreadthFirstSearchInputData : public RVTraversalInputData {
+    RV_DATA_OBJECT(RVBreadthFirstSearchInputData)
+
+public:
+    RVBreadthFirstSearchInputData() = default;
+    explicit RVBreadthFirstSearchInputData(RVGraph* graph) : RVTraversalInputData(graph) {}
+};
+
+class RV_EXPORT RVBreadthFirstSearchOutputData : public RVAnalysisOutputData {
+    RV_DATA_OBJECT(RVBreadthFirstSearchOutputData)
+
+public:
+    RVBreadthFirstSearchOutputData() = default;
+
+    // The nodes in visiting order.
+    RVNodeDList* pNodeList() const { return m_nodes.get(); }
+    // Empties the list, then fills it with the nodes in visiting order.
+    void buildNodeOrderList(RVNodeDList& list) const;
+    // From 1; 0 for a node that the search did not reach.
+    int orderNumber(RVNode* node) const { return constRecord<RVNodeExtensionTraversal>(node).orderNumber(); }
+    int orderNumber(RVNode* node, int number);
+
+    void reset() override;
+
+protected:
+    RVNodeAlgorithmExtension* newNodeAlgorithmExtension(RVNode* node) override;
+
+private:
+    rv::Owned<RVNodeDList> m_nodes;
+};
+
+class RV_EXPORT RVBreadthFirstSearchAlgorithm : public RVTraversalAlgorithm {
+    RV_OBJECT(RVBreadthFirstSearchAlgorithm)
+
+public:
+    RVBreadthFirstSearchAlgorithm() = default;
+    RVServiceErrorCodeEnum checkData() override;
+
+protected:
+    void generateOutputData() override;
+    void parseInputData() override;
+    RVEdge* pNextEdge() override;
+    void visitNodeAfterTraverse(RVNode* node, RVEdge* edge) override;
+};

@@ -1,0 +1,69 @@
+// Connected components: splits a graph into the parts that hang together when directions are ignored.
+//
+// Components are numbered from 1 in the order in which their first edge stands in the graph; each node
+// without edges to other nodes is a component of its own, numbered after all others in graph order. The nodes
+// of a component stand in graph order. An empty graph has no components.
+//
+// Codes of run: RV_NO_ERROR, RV_NO_INPUT_GRAPH, RV_NO_GRAPH_FACTORY, and the framework's.
+// Method: breadth-first search on the undirected graph. O(n + m) time and space.
+//
+//   RVConnectedComponentsAlgorithm components;
+//   RVConnectedComponentsInputData input(graph);
+//   RVConnectedComponentsOutputData output;
+//   components.pInputData(&input);
+//   components.pOutputData(&output);
+//   if (components.run() == RV_NO_ERROR) use(output.componentNumber(node));
+#pragma once
+
+#include "rv/foundation/owned_lists.h"
+#include "rv/traversal/breadth_first_search.h"
+
+class RV_EXPORT RVConnectedComponentsInputData : public RVAnalysisInputData {
+    RV_DATA_OBJECT(RVConnectedComponentsInputData)
+
+public:
+    RVConnectedComponentsInputData() = default;
+    explicit RVConnectedComponentsInputData(RVGraph* graph) : RVAnalysisInputData(graph) {}
+};
+
+class RV_EXPORT RVConnectedComponentsOutputData : public RVAnalysisOutputData {
+    RV_DATA_OBJECT(RVConnectedComponentsOutputData)
+
+public:
+    RVConnectedComponentsOutputData() = default;
+
+    // Lists of nodes (RVNodeDList): component k is the list in position k.
+    RVDList* pComponentList() const { return m_components.get(); }
+    // Destroys the lists in the given list, then appends for every component a new RVNodeDList, which the
+    // caller owns.
+    void buildComponentList(RVDList& list) const;
+    // A new empty component behind all others.
+    RVNodeDList* addComponent() { return m_components.add(); }
+    // From 1; 0 before a run.
+    int componentNumber(RVNode* node) const { return constRecord<RVNodeExtensionTraversal>(node).orderNumber(); }
+    int componentNumber(RVNode* node, int number);
+
+    void reset() override;
+
+protected:
+    RVNodeAlgorithmExtension* newNodeAlgorithmExtension(RVNode* node) override;
+
+private:
+    rv::OwnedLists<RVNodeDList> m_components;
+};
+
+class RV_EXPORT RVConnectedComponentsAlgorithm : public RVBreadthFirstSearchAlgorithm {
+    RV_OBJECT(RVConnectedComponentsAlgorithm)
+
+public:
+    RVConnectedComponentsAlgorithm() = default;
+    RVServiceErrorCodeEnum checkData() override;
+    int directed() const override;
+
+protected:
+    void generateOutputData() override;
+    void parseInputData() override;
+    RVNode* findStartNode() override;
+    RVEdge* findStartEdge() override;
+    void visitNodeAfterTraverse(RVNode* node, RVEdge* edge) override;
+};

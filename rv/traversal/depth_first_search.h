@@ -1,0 +1,155 @@
+// Depth-first search: discovery and completion numbers and the parent of every node, and the kind of every
+// edge, from a start node or over the whole graph.
+//
+// Any graph. Edges are followed forward, undirected ones both ways; a node's last out-edge is followed first.
+// Of parallel edges one, the first in graph order, is followed. Without a start node the search starts at the
+// first node of smallest in-degree, starts again where it must, and visits isolated nodes last.
+//
+// Kinds: a tree edge led to the discovery of its target; a back edge leads to an ancestor or is a loop; a
+// forward edge leads to a descendant; a cross edge to none of these. In an undirected search, and for an
+// undirected edge, forward edges count as back edges. Edges that were not followed have no kind; parallels
+// of followed edges have one that fits their ends.
+//
+// No recursion. Codes of run: RV_NO_ERROR, RV_NO_INPUT_GRAPH, RV_NO_GRAPH_FACTORY,
+// RV_START_NODE_NOT_IN_GRAPH for a start node that is not in the input's graph, and the framework's.
+// Method: Tarjan 1972. O(n + m) time and space.
+//
+//   RVDepthFirstSearchAlgorithm search;
+//   RVDepthFirstSearchInputData input(graph);
+//   RVDepthFirstSearchOutputData output;
+//   search.pInputData(&input);
+//   search.pOutputData(&output);
+//   if (search.run() == RV_NO_ERROR && output.edgeType(edge) == RVBackEdge) ...
+#pragma once
+
+#include "rv/traversal/traversal.h"
+
+enum RVAnalysisEdgeTypeEnum { RVNoEdgeType = 0, RVTreeEdge = 1, RVForwardEdge = 2, RVBackEdge = 3, RVCrossEdge = 4 };
+
+class RV_EXPORT RVNodeExtensionDepthFirstSearch : public RVNodeExtensionTraversal {
+    RV_PLAIN_RECORD(RVNodeExtensionDepthFirstSearch)
+
+public:
+    RVNodeExtensionDepthFirstSearch() = default;
+    RVNodeExtensionDepthFirstSearch(RVNode* node, const RVAlgorithmData* data) : RVNodeExtensionTraversal(node, data) {}
+
+    int completionNumber() const { return m_completionNumber; }
+    int completionNumber(int number) { return m_completionNumber = number; }
+    // Edges traversed out of the node.
+    int firedNumber() const { return m_firedNumber; }
+    int firedNumber(int number) { return m_firedNumber = number; }
+
+private:
+    int m_completionNumber = 0;
+    int m_firedNumber = 0;
+};
+
+class RV_EXPORT RVEdgeExtensionDepthFirstSearch : public RVEdgeExtensionTraversal {
+    RV_PLAIN_RECORD(RVEdgeExtensionDepthFirstSearch)
+
+public:
+    RVEdgeExtensionDepthFirstSearch() = default;
+    RVEdgeExtensionDepthFirstSearch(RVEdge* edge, const RVAlgorithmData* data) : RVEdgeExtensionTraversal(edge, data) {}
+
+    RVAnalysisEdgeTypeEnum edgeType() const { return m_edgeType; }
+    RVAnalysisEdgeTypeEnum edgeType(RVAnalysisEdgeTypeEnum type) { return m_edgeType = type; }
+
+private:
+    RVAnalysisEdgeTypeEnum m_edgeType = RVNoEdgeType;
+};
+
+class RV_EXPORT RVDepthFirstSearchInternalData : public RVTraversalInternalData {
+    RV_DATA_OBJECT(RVDepthFirstSearchInternalData)
+
+public:
+    RVDepthFirstSearchInternalData() = default;
+
+    int nextCompletionNumber() const { return m_nextCompletionNumber; }
+    int nextCompletionNumber(int number) { return m_nextCompletionNumber = number; }
+    int completionNumber(RVNode* node) const {
+        return constRecord<RVNodeExtensionDepthFirstSearch>(node).completionNumber();
+    }
+    int completionNumber(RVNode* node, int number);
+    int firedNumber(RVNode* node) const { return constRecord<RVNodeExtensionDepthFirstSearch>(node).firedNumber(); }
+    int firedNumber(RVNode* node, int number);
+
+protected:
+    RVNodeAlgorithmExtension* newNodeAlgorithmExtension(RVNode* node) override;
+
+private:
+    int m_nextCompletionNumber = 1;
+};
+
+class RV_EXPORT RVDepthFirstSearchInputData : public RVTraversalInputData {
+    RV_DATA_OBJECT(RVDepthFirstSearchInputData)
+
+public:
+    RVDepthFirstSearchInputData() = default;
+    explicit RVDepthFirstSearchInputData(RVGraph* graph) : RVTraversalInputData(graph) {}
+};
+
+class RV_EXPORT RVDepthFirstSearchOutputData : public RVAnalysisOutputData {
+    RV_DATA_OBJECT(RVDepthFirstSearchOutputData)
+
+public:
+    RVDepthFirstSearchOutputData() = default;
+
+    // The nodes in discovery order.
+    RVNodeDList* pNodeList() const { return m_nodes.get(); }
+    // Empties the list, then fills it with the nodes in discovery order.
+    void buildNodeOrderList(RVNodeDList& list) const;
+
+    // Discovery and completion number, from 1; 0 for a node that the search did not reach.
+    int orderNumber(RVNode* node) const { return nodeRecordToRead(node).orderNumber(); }
+    int orderNumber(RVNode* node, int number);
+    int completionNumber(RVNode* node) const { return nodeRecordToRead(node).completionNumber(); }
+    int completionNumber(RVNode* node, int number);
+    // None for a node from which the search started or that it did not reach.
+    RVNode* pParentNode(RVNode* node) const { return nodeRecordToRead(node).pParentNode(); }
+    RVNode* pParentNode(RVNode* node, RVNode* parent);
+    RVAnalysisEdgeTypeEnum edgeType(RVEdge* edge) const {
+        return constRecord<RVEdgeExtensionDepthFirstSearch>(edge).edgeType();
+    }
+    RVAnalysisEdgeTypeEnum edgeType(RVEdge* edge, RVAnalysisEdgeTypeEnum type);
+
+    void reset() override;
+
+protected:
+    RVNodeAlgorithmExtension* newNodeAlgorithmExtension(RVNode* node) override;
+    RVEdgeAlgorithmExtension* newEdgeAlgorithmExtension(RVEdge* edge) override;
+
+private:
+    const RVNodeExtensionDepthFirstSearch& nodeRecordToRead(RVNode* node) const {
+        return constRecord<RVNodeExtensionDepthFirstSearch>(node);
+    }
+
+    rv::Owned<RVNodeDList> m_nodes;
+};
+
+class RV_EXPORT RVDepthFirstSearchAlgorithm : public RVTraversalAlgorithm {
+    RV_OBJECT(RVDepthFirstSearchAlgorithm)
+
+public:
+    RVDepthFirstSearchAlgorithm() = default;
+    RVServiceErrorCodeEnum checkData() override;
+
+protected:
+    void generateOutputData() override;
+    void parseInputData() override;
+    RVAlgorithmData* newInternalData() override;
+    RVEdge* pNextEdge() override;
+    void visitNodeBeforeTraverse(RVNode* node, RVEdge* edge) override;
+    void visitNodeAfterTraverse(RVNode* node, RVEdge* edge) override;
+
+    // All edges out of a node have been followed to the end. Gives the node the next completion number.
+    virtual void completeNodeVisit(RVNode* node, RVNode* parent);
+
+    RVDepthFirstSearchInternalData* pDepthFirstSearchInternalData() const {
+        return static_cast<RVDepthFirstSearchInternalData*>(pInternalData());
+    }
+
+private:
+    RVAnalysisEdgeTypeEnum typeOf(RVEdge* edge) const;
+    RVAnalysisEdgeTypeEnum typeOfParallel(RVEdge* parallel, RVAnalysisEdgeTypeEnum representativeType) const;
+    void writeType(RVEdge* edge, RVAnalysisEdgeTypeEnum type);
+};

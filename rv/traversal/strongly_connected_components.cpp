@@ -1,0 +1,134 @@
+// Path-based strong components (Gabow 2000) on the completion hook of the depth-first search.
+//
+// Invariant: the unfinished stack holds every discovered node without a component, in discovery order; the
+// root stack is a subsequence of it. All unfinished nodes from one root up to the next reach one another. A
+// node that completes while it is the top root closes a component: itself and all above it.
+
+#include "rv/traversal/strongly_connected_components.h"
+
+RV_OBJECT_IMPL(RVNodeExtensionStronglyConnectedComponents)
+RV_OBJECT_IMPL(RVStronglyConnectedComponentsInternalData)
+RV_OBJECT_IMPL(RVStronglyConnectedComponentsInputData)
+RV_OBJECT_IMPL(RVStronglyConnectedComponentsOutputData)
+RV_OBJECT_IMPL(RVStronglyConnectedComponentsAlgorithm)
+
+RVNodeAlgorithmExtension* RVStronglyConnectedComponentsInternalData::newNodeAlgorithmExtension(RVNode* node) {
+    return newRecord<RVNodeExtensionStronglyConnectedComponents>(node);
+}
+
+int RVStronglyConnectedComponentsInternalData::inUnfinished(RVNode* node, int flag) {
+    if (auto* own = record<RVNodeExtensionStronglyConnectedComponents>(node)) own->inUnfinished(flag);
+    return flag;
+}
+
+int RVStronglyConnectedComponentsInternalData::touched(RVNode* node, int flag) {
+    if (auto* own = record<RVNodeExtensionStronglyConnectedComponents>(node)) own->touched(flag);
+    return flag;
+}
+
+void RVStronglyConnectedComponentsOutputData::buildComponentList(RVDList& list) const {
+    m_components.buildCopies(list);
+}
+
+void RVStronglyConnectedComponentsOutputData::buildEdgeComponentList(RVDList& list) const {
+    m_edgeComponents.buildCopies(list);
+}
+
+int RVStronglyConnectedComponentsOutputData::componentNumber(RVNode* node, int number) {
+    if (auto* own = record<RVNodeExtensionTraversal>(node)) own->orderNumber(number);
+    return number;
+}
+
+void RVStronglyConnectedComponentsOutputData::reset() {
+    m_components.clear();
+    m_edgeComponents.clear();
+    deleteDataReferences(pAssociatedGraph());
+}
+
+RVNodeAlgorithmExtension* RVStronglyConnectedComponentsOutputData::newNodeAlgorithmExtension(RVNode* node) {
+    return newRecord<RVNodeExtensionTraversal>(node);
+}
+
+RVServiceErrorCodeEnum RVStronglyConnectedComponentsAlgorithm::checkData() {
+    return RVInternalGraphAlgorithm::checkData();
+}
+
+int RVStronglyConnectedComponentsAlgorithm::directed() const { return 1; }
+
+void RVStronglyConnectedComponentsAlgorithm::parseInputData() {}
+
+RVAlgorithmData* RVStronglyConnectedComponentsAlgorithm::newInternalData() {
+    return new RVStronglyConnectedComponentsInternalData();
+}
+
+void RVStronglyConnectedComponentsAlgorithm::visitNodeAfterTraverse(RVNode* node, RVEdge* edge) {
+    RVStronglyConnectedComponentsInternalData* data = pData();
+    const int number = data->orderNumber(node);
+    if (number == 0) {
+        data->pUnfinishedStack()->prependNode(node);
+        data->pRootStack()->prependNode(node);
+        data->inUnfinished(node, 1);
+    }
+    RVDepthFirstSearchAlgorithm::visitNodeAfterTraverse(node, edge);
+    if (number == 0 || data->inUnfinished(node) == 0) return;
+    RVNodeDList* roots = data->pRootStack();
+    while (data->orderNumber(roots->pFirstNode()) > number) roots->discardCell(roots->pFirstCell());
+}
+
+void RVStronglyConnectedComponentsAlgorithm::completeNodeVisit(RVNode* node, RVNode* parent) {
+    RVDepthFirstSearchAlgorithm::completeNodeVisit(node, parent);
+    RVStronglyConnectedComponentsInternalData* data = pData();
+    RVNodeDList* roots = data->pRootStack();
+    if (roots->pFirstNode() != node) return;
+    data->nextComponentNumber(data->nextComponentNumber() + 1);
+    RVNodeDList* component = data->addComponent();
+    RVNodeDList* stack = data->pUnfinishedStack();
+    for (RVNode* top = nullptr; top != node;) {
+        top = stack->pFirstNode();
+        stack->discardCell(stack->pFirstCell());
+        data->inUnfinished(top, 0);
+        component->appendNode(top);
+    }
+    roots->discardCell(roots->pFirstCell());
+}
+
+void RVStronglyConnectedComponentsAlgorithm::generateOutputData() {
+    const RVStronglyConnectedComponentsInternalData* data = pData();
+    auto* output = RVStronglyConnectedComponentsOutputData::castDown(pOutputData());
+    output->pAssociatedGraph(data->pInputGraph());
+    int number = 0;
+    for (RVDListIter it(data->pComponentList()); it; it++) {
+        const RVNodeDList& nodes = *RVNodeDList::castDown(it.pObject());
+        RVNodeDList* component = output->addComponent();
+        ++number;
+        for (RVNode* node : nodes) {
+            RVNode* original = data->pOriginalNode(node);
+            component->appendNode(original);
+            output->componentNumber(original, number);
+        }
+        RVEdgeDList& edges = *output->addEdgeComponent();
+        nodes.length() > 1 ? createEdgeList(nodes, edges) : handleReflexiveEdges(nodes, edges);
+    }
+}
+
+void RVStronglyConnectedComponentsAlgorithm::createEdgeList(const RVNodeDList& componentNodes, RVEdgeDList& edges) {
+    RVStronglyConnectedComponentsInternalData* data = pData();
+    for (RVNode* node : componentNodes) data->touched(node, 1);
+    for (RVNode* node : componentNodes) {
+        for (RVEdge* edge : *node->pOutEdgeList()) {
+            if (data->touched(edge->pTargetNode()) == 0) continue;
+            edges.appendEdge(data->pOriginalEdge(edge));
+            for (RVEdge* parallel : data->multiEdges(edge)) edges.appendEdge(data->pOriginalEdge(parallel));
+        }
+        for (RVEdge* loop : data->reflexiveEdges(node)) edges.appendEdge(data->pOriginalEdge(loop));
+    }
+    for (RVNode* node : componentNodes) data->touched(node, 0);
+}
+
+void RVStronglyConnectedComponentsAlgorithm::handleReflexiveEdges(const RVNodeDList& componentNodes,
+                                                                  RVEdgeDList& edges) {
+    const RVStronglyConnectedComponentsInternalData* data = pData();
+    for (RVEdge* loop : data->reflexiveEdges(componentNodes.pFirstNode())) {
+        edges.appendEdge(data->pOriginalEdge(loop));
+    }
+}

@@ -1,0 +1,275 @@
+#include "rv/traversal/traversal.h"
+
+#include <algorithm>
+
+#include "rv/foundation/graph_iterators.h"
+#include "rv/framework/input_fields.h"
+
+RV_OBJECT_IMPL(RVNodeExtensionTraversal)
+RV_OBJECT_IMPL(RVEdgeExtensionTraversal)
+RV_OBJECT_IMPL(RVEdgeExtensionTraversalInput)
+RV_OBJECT_IMPL(RVTraversalInputData)
+RV_OBJECT_IMPL(RVTraversalInternalData)
+RV_OBJECT_IMPL(RVTraversalAlgorithm)
+
+// RVTraversalInputData
+
+int RVTraversalInputData::undirected(RVEdge* edge, int flag) {
+    if (auto* own = record<RVEdgeExtensionTraversalInput>(edge)) own->directed(flag == 0 ? 1 : 0);
+    return flag != 0 ? 1 : 0;
+}
+
+RVEdgeAlgorithmExtension* RVTraversalInputData::newEdgeAlgorithmExtension(RVEdge* edge) {
+    return newRecord<RVEdgeExtensionTraversalInput>(edge);
+}
+
+std::span<const RVInputField> RVTraversalInputData::inputFields() const {
+    using namespace rv::field;
+    using D = RVTraversalInputData;
+    static constexpr RVInputField fields[] = {
+        graphObject<D, RVNode, &D::pStartNode, &D::pStartNode>("startNode"),
+        graphFlag<D, &D::undirected, &D::undirected>("undirected"),
+        edgeFlag<D, &D::undirected, &D::undirected>("edgeUndirected"),
+    };
+    return fields;
+}
+
+// RVTraversalInternalData
+
+RVNodeAlgorithmExtension* RVTraversalInternalData::newNodeAlgorithmExtension(RVNode* node) {
+    return newRecord<RVNodeExtensionTraversal>(node);
+}
+
+RVEdgeAlgorithmExtension* RVTraversalInternalData::newEdgeAlgorithmExtension(RVEdge* edge) {
+    return newRecord<RVEdgeExtensionTraversal>(edge);
+}
+
+int RVTraversalInternalData::counter(RVNode* node, int value) {
+    if (auto* own = record<RVNodeExtensionTraversal>(node)) own->counter(value);
+    return value;
+}
+
+int RVTraversalInternalData::orderNumber(RVNode* node, int value) {
+    if (auto* own = record<RVNodeExtensionTraversal>(node)) own->orderNumber(value);
+    return value;
+}
+
+RVNode* RVTraversalInternalData::pParentNode(RVNode* node, RVNode* parent) {
+    if (auto* own = record<RVNodeExtensionTraversal>(node)) own->pParentNode(parent);
+    return parent;
+}
+
+int RVTraversalInternalData::traversed(RVEdge* edge, int flag) {
+    if (auto* own = record<RVEdgeExtensionTraversal>(edge)) own->traversed(flag);
+    return flag;
+}
+
+int RVTraversalInternalData::dummyReversedEdge(RVEdge* edge, int flag) {
+    if (auto* own = record<RVEdgeExtensionTraversal>(edge)) own->dummyReversedEdge(flag);
+    return flag;
+}
+
+void RVTraversalInternalData::clearLists() {
+    m_candidateEdges->deleteAllCells();
+    m_untraversedEdges->deleteAllCells();
+    m_traversedEdges->deleteAllCells();
+    m_visitedNodes->deleteAllCells();
+    m_unvisitedNodes->deleteAllCells();
+    m_traversalOrderNumber = 1;
+}
+
+void RVTraversalInternalData::listUnvisited(const RVGraph* graph) {
+    m_untraversedCells.get().begin(m_untraversedEdges.get(), graph->edgeIndexLimit());
+    for (RVEdge* edge : *graph->pEdgeList()) m_untraversedCells.get().note(edge, m_untraversedEdges->appendEdge(edge));
+    m_unvisitedCells.get().begin(m_unvisitedNodes.get(), graph->nodeIndexLimit());
+    for (RVNode* node : *graph->pNodeList()) m_unvisitedCells.get().note(node, m_unvisitedNodes->appendNode(node));
+    m_startNodes.get() = {};
+}
+
+void RVTraversalInternalData::removeUntraversed(RVEdge* edge) {
+    RVDListCell* cell = m_untraversedCells.get().find(edge);
+    if (cell == nullptr) return;
+    m_untraversedEdges->discardCell(cell);
+    m_untraversedCells.get().forget();
+}
+
+void RVTraversalInternalData::removeUnvisited(RVNode* node) {
+    RVDListCell* cell = m_unvisitedCells.get().find(node);
+    if (cell == nullptr) return;
+    m_unvisitedNodes->discardCell(cell);
+    m_unvisitedCells.get().forget();
+    --m_startNodes.get().unvisited;
+}
+
+RVNode* RVTraversalInternalData::pFirstUnvisitedNode(int enough) {
+    RVNode* first = m_unvisitedNodes->pFirstNode();
+    if (first == nullptr || first->inDegree() <= enough) return first;
+    StartNodes& start = m_startNodes.get();
+    const RVGraph* graph = pAssociatedGraph();
+    if (start.unvisited != m_unvisitedNodes->length() || start.enough != enough ||
+        start.modifications != graph->modificationCount()) {
+        sortUnvisited(enough);
+    }
+    while (start.next < start.nodes.size() && m_unvisitedCells.get().noted(start.nodes[start.next]) == nullptr) {
+        ++start.next;
+    }
+    return start.next < start.nodes.size() ? start.nodes[start.next] : first;
+}
+
+// A stable counting sort by in-degree; what is sorted is only walked from then on.
+void RVTraversalInternalData::sortUnvisited(int enough) {
+    StartNodes& start = m_startNodes.get();
+    const auto key = [enough](const RVNode* node) {
+        return static_cast<std::size_t>(std::max(node->inDegree() - enough, 0));
+    };
+    std::size_t largest = 0;
+    for (const RVNode* node : *m_unvisitedNodes.get()) largest = std::max(largest, key(node));
+    std::vector<std::size_t> places(largest + 2);
+    for (const RVNode* node : *m_unvisitedNodes.get()) ++places[key(node) + 1];
+    for (std::size_t i = 1; i < places.size(); ++i) places[i] += places[i - 1];
+    start.nodes.resize(static_cast<std::size_t>(m_unvisitedNodes->length()));
+    m_unvisitedCells.get().begin(m_unvisitedNodes.get(), pAssociatedGraph()->nodeIndexLimit());
+    for (RVNodeDListIter it(m_unvisitedNodes.get()); it; it++) {
+        start.nodes[places[key(it.pNode())]++] = it.pNode();
+        m_unvisitedCells.get().note(it.pNode(), it.pCell());
+    }
+    start.next = 0;
+    start.modifications = pAssociatedGraph()->modificationCount();
+    start.unvisited = m_unvisitedNodes->length();
+    start.enough = enough;
+}
+
+// RVTraversalAlgorithm
+
+void RVTraversalAlgorithm::parseTraversalInput(const RVTraversalInputData& input) {
+    RVTraversalInternalData* data = pTraversalInternalData();
+    data->pStartNode(data->pCopyNode(input.pStartNode()));
+    data->directed(input.undirected() == 0 ? 1 : 0);
+    for (RVEdge* edge : *pAssociatedGraph()->pEdgeList()) {
+        const int directed = input.undirected(data->pOriginalEdge(edge)) == 0 ? 1 : 0;
+        if (data->directed(edge) != directed) data->directed(edge, directed);
+    }
+}
+
+int RVTraversalAlgorithm::directed() const {
+    return pInternalData() == nullptr ? 1 : pTraversalInternalData()->directed();
+}
+
+RVAlgorithmData* RVTraversalAlgorithm::newInternalData() { return new RVTraversalInternalData(); }
+
+void RVTraversalAlgorithm::initialize() {
+    m_reverseEdges.get().clear();
+    RVInternalGraphAlgorithm::initialize();
+    pTraversalInternalData()->clearLists();
+}
+
+void RVTraversalAlgorithm::parseInputData() {}
+
+void RVTraversalAlgorithm::generateOutputData() {}
+
+void RVTraversalAlgorithm::privatePreprocessGraph() {
+    RVInternalGraphAlgorithm::privatePreprocessGraph();
+    if (directed() == 0) {
+        addReverseEdges();
+        pTraversalInternalData()->wasMadeDirected(1);
+    }
+    pTraversalInternalData()->listUnvisited(pAssociatedGraph());
+}
+
+// From the last edge to the first, so that the new edges, appended behind, are not walked.
+void RVTraversalAlgorithm::addReverseEdges() {
+    RVGraph* graph = pAssociatedGraph();
+    for (RVEdgeIter it(graph, RVBackward); it; it++) {
+        RVEdge* edge = it.pEdge();
+        RVEdge* reverse = graph->addEdge(edge->pTargetNode(), edge->pSourceNode(), 0);
+        pTraversalInternalData()->dummyReversedEdge(reverse, 1);
+        copyEdgeProperties(reverse, edge);
+    }
+}
+
+void RVTraversalAlgorithm::copyEdgeProperties(RVEdge* newEdge, RVEdge* edge) {
+    RVTraversalInternalData* data = pTraversalInternalData();
+    data->pOriginalEdge(newEdge, data->pOriginalEdge(edge));
+    data->directed(newEdge, 0);
+}
+
+void RVTraversalAlgorithm::privatePostprocessGraph() {
+    RVInternalGraphAlgorithm::privatePostprocessGraph();
+    if (directed() != 0) return;
+    pTraversalInternalData()->wasMadeDirected(0);
+    RVGraph* graph = pAssociatedGraph();
+    for (RVEdgeIter it(graph); it;) {
+        RVEdge* edge = it.pEdge();
+        it++;
+        if (pTraversalInternalData()->dummyReversedEdge(edge) == 0) continue;
+        graph->removeEdge(edge);
+        m_reverseEdges.get().push_back(edge);
+    }
+}
+
+// Reverse edges that were added to the caller's graph would otherwise stay with it, detached, for ever.
+void RVTraversalAlgorithm::cleanup() {
+    if (pInternalData() != nullptr && pAssociatedGraph() == pInternalData()->pInputGraph()) {
+        for (RVEdge* edge : m_reverseEdges.get()) edge->pHomeGraph()->discardEdge(edge);
+    }
+    m_reverseEdges.get().clear();
+    RVInternalGraphAlgorithm::cleanup();
+}
+
+RVServiceErrorCodeEnum RVTraversalAlgorithm::algorithmBody() {
+    while (RVEdge* edge = pNextEdge()) {
+        visitNodeBeforeTraverse(edge->pSourceNode(), edge);
+        privateTraverseEdge(edge);
+        visitNodeAfterTraverse(edge->pTargetNode(), edge);
+    }
+    RVTraversalInternalData* data = pTraversalInternalData();
+    if (data->pStartNode() == nullptr) {
+        for (RVNode* node : *data->pDisconnectedNodeList()) {
+            visitNodeBeforeTraverse(node, nullptr);
+            visitNodeAfterTraverse(node, nullptr);
+        }
+    }
+    return data->returnCode();
+}
+
+RVEdge* RVTraversalAlgorithm::pNextEdge() {
+    const RVEdgeDList* candidates = pTraversalInternalData()->pCandidateEdgeList();
+    if (candidates->length() == 0) {
+        if (RVNode* node = findStartNode()) visitNodeAfterTraverse(node, nullptr);
+    }
+    if (candidates->length() == 0) {
+        if (RVEdge* edge = findStartEdge()) visitNodeAfterTraverse(edge->pSourceNode(), nullptr);
+    }
+    return candidates->pFirstEdge();
+}
+
+RVNode* RVTraversalAlgorithm::findStartNode() {
+    RVTraversalInternalData* data = pTraversalInternalData();
+    if (RVNode* start = data->pStartNode()) return data->orderNumber(start) == 0 ? start : nullptr;
+    // With reverse edges in the graph every node has an in-edge.
+    return data->pFirstUnvisitedNode(data->wasMadeDirected() != 0 ? 1 : 0);
+}
+
+RVEdge* RVTraversalAlgorithm::findStartEdge() {
+    const RVTraversalInternalData* data = pTraversalInternalData();
+    return data->pStartNode() != nullptr ? nullptr : data->pUntraversedEdgeList()->pFirstEdge();
+}
+
+void RVTraversalAlgorithm::privateTraverseEdge(RVEdge* edge) {
+    RVTraversalInternalData* data = pTraversalInternalData();
+    data->traversed(edge, 1);
+    data->removeUntraversed(edge);
+    data->pTraversedEdgeList()->appendEdge(edge);
+}
+
+void RVTraversalAlgorithm::visitNodeBeforeTraverse(RVNode*, RVEdge*) {}
+
+void RVTraversalAlgorithm::visitNodeAfterTraverse(RVNode* node, RVEdge* edge) {
+    RVTraversalInternalData* data = pTraversalInternalData();
+    if (data->orderNumber(node) != 0) return;
+    data->orderNumber(node, data->traversalOrderNumber());
+    data->traversalOrderNumber(data->traversalOrderNumber() + 1);
+    data->removeUnvisited(node);
+    data->pVisitedNodeList()->appendNode(node);
+    data->pParentNode(node, edge == nullptr ? nullptr : edge->pSourceNode());
+}
