@@ -23,8 +23,9 @@ public:
         m_length = 0;
         m_cells.assign(static_cast<std::size_t>(limit), nullptr);
     }
-    void note(const RVGraphMember* member, RVDListCell* cell) {
-        const std::size_t place = placeOf(member);
+    // The index is the member's, which itself may be gone by now.
+    void note(int index, RVDListCell* cell) {
+        const auto place = static_cast<std::size_t>(index);
         if (place >= m_cells.size()) m_cells.resize(place + 1);
         m_cells[place] = cell;
         ++m_length;

@@ -71,71 +71,49 @@ int RVTraversalInternalData::dummyReversedEdge(RVEdge* edge, int flag) {
 
 void RVTraversalInternalData::clearLists() {
     m_candidateEdges->deleteAllCells();
-    m_untraversedEdges->deleteAllCells();
+    m_untraversedEdges.get().clear();
     m_traversedEdges->deleteAllCells();
     m_visitedNodes->deleteAllCells();
-    m_unvisitedNodes->deleteAllCells();
+    m_unvisitedNodes.get().clear();
+    m_startNodes.get() = {};
     m_traversalOrderNumber = 1;
 }
 
 void RVTraversalInternalData::listUnvisited(const RVGraph* graph) {
-    m_untraversedCells.get().begin(m_untraversedEdges.get(), graph->edgeIndexLimit());
-    for (RVEdge* edge : *graph->pEdgeList()) m_untraversedCells.get().note(edge, m_untraversedEdges->appendEdge(edge));
-    m_unvisitedCells.get().begin(m_unvisitedNodes.get(), graph->nodeIndexLimit());
-    for (RVNode* node : *graph->pNodeList()) m_unvisitedCells.get().note(node, m_unvisitedNodes->appendNode(node));
+    m_untraversedEdges.get().fill(*graph->pEdgeList(), graph->edgeIndexLimit());
+    m_unvisitedNodes.get().fill(*graph->pNodeList(), graph->nodeIndexLimit());
     m_startNodes.get() = {};
 }
 
-void RVTraversalInternalData::removeUntraversed(RVEdge* edge) {
-    RVDListCell* cell = m_untraversedCells.get().find(edge);
-    if (cell == nullptr) return;
-    m_untraversedEdges->discardCell(cell);
-    m_untraversedCells.get().forget();
-}
-
-void RVTraversalInternalData::removeUnvisited(RVNode* node) {
-    RVDListCell* cell = m_unvisitedCells.get().find(node);
-    if (cell == nullptr) return;
-    m_unvisitedNodes->discardCell(cell);
-    m_unvisitedCells.get().forget();
-    --m_startNodes.get().unvisited;
-}
-
 RVNode* RVTraversalInternalData::pFirstUnvisitedNode(int enough) {
-    RVNode* first = m_unvisitedNodes->pFirstNode();
+    auto& unvisited = m_unvisitedNodes.get();
+    RVNode* first = unvisited.first();
     if (first == nullptr || first->inDegree() <= enough) return first;
     StartNodes& start = m_startNodes.get();
-    const RVGraph* graph = pAssociatedGraph();
-    if (start.unvisited != m_unvisitedNodes->length() || start.enough != enough ||
-        start.modifications != graph->modificationCount()) {
-        sortUnvisited(enough);
-    }
-    while (start.next < start.nodes.size() && m_unvisitedCells.get().noted(start.nodes[start.next]) == nullptr) {
-        ++start.next;
-    }
+    const bool sorted = start.enough == enough && start.modifications == pAssociatedGraph()->modificationCount();
+    if (!sorted || !unvisited.isUntouched()) sortUnvisited(enough);
+    while (start.next < start.nodes.size() && !unvisited.isPending(start.nodes[start.next])) ++start.next;
     return start.next < start.nodes.size() ? start.nodes[start.next] : first;
 }
 
 // A stable counting sort by in-degree; what is sorted is only walked from then on.
 void RVTraversalInternalData::sortUnvisited(int enough) {
     StartNodes& start = m_startNodes.get();
+    auto& unvisited = m_unvisitedNodes.get();
+    unvisited.acceptChanges();
     const auto key = [enough](const RVNode* node) {
         return static_cast<std::size_t>(std::max(node->inDegree() - enough, 0));
     };
-    std::size_t largest = 0;
-    for (const RVNode* node : *m_unvisitedNodes.get()) largest = std::max(largest, key(node));
-    std::vector<std::size_t> places(largest + 2);
-    for (const RVNode* node : *m_unvisitedNodes.get()) ++places[key(node) + 1];
+    std::vector<std::size_t> places(2);
+    unvisited.forEach([&](const RVNode* node) {
+        if (key(node) + 2 > places.size()) places.resize(key(node) + 2);
+        ++places[key(node) + 1];
+    });
     for (std::size_t i = 1; i < places.size(); ++i) places[i] += places[i - 1];
-    start.nodes.resize(static_cast<std::size_t>(m_unvisitedNodes->length()));
-    m_unvisitedCells.get().begin(m_unvisitedNodes.get(), pAssociatedGraph()->nodeIndexLimit());
-    for (RVNodeDListIter it(m_unvisitedNodes.get()); it; it++) {
-        start.nodes[places[key(it.pNode())]++] = it.pNode();
-        m_unvisitedCells.get().note(it.pNode(), it.pCell());
-    }
+    start.nodes.resize(static_cast<std::size_t>(unvisited.length()));
+    unvisited.forEach([&](RVNode* node) { start.nodes[places[key(node)]++] = node; });
     start.next = 0;
     start.modifications = pAssociatedGraph()->modificationCount();
-    start.unvisited = m_unvisitedNodes->length();
     start.enough = enough;
 }
 
@@ -251,8 +229,8 @@ RVNode* RVTraversalAlgorithm::findStartNode() {
 }
 
 RVEdge* RVTraversalAlgorithm::findStartEdge() {
-    const RVTraversalInternalData* data = pTraversalInternalData();
-    return data->pStartNode() != nullptr ? nullptr : data->pUntraversedEdgeList()->pFirstEdge();
+    RVTraversalInternalData* data = pTraversalInternalData();
+    return data->pStartNode() != nullptr ? nullptr : data->pFirstUntraversedEdge();
 }
 
 void RVTraversalAlgorithm::privateTraverseEdge(RVEdge* edge) {

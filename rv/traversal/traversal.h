@@ -17,8 +17,8 @@
 #include <memory>
 #include <vector>
 
-#include "rv/foundation/cell_handles.h"
 #include "rv/framework/internal_graph_algorithm.h"
+#include "rv/traversal/pending_members.h"
 
 // Per node of a search.
 class RV_EXPORT RVNodeExtensionTraversal : public RVNodeAnalysisExtension {
@@ -120,9 +120,9 @@ public:
 
     // Edges waiting to be traversed, in the order that the subclass keeps.
     RVEdgeDList* pCandidateEdgeList() const { return m_candidateEdges.get(); }
-    // Both in graph order at first.
-    RVEdgeDList* pUntraversedEdgeList() const { return m_untraversedEdges.get(); }
-    RVNodeDList* pUnvisitedNodeList() const { return m_unvisitedNodes.get(); }
+    // Both in graph order at first. O(n) or O(m) when first asked for.
+    RVEdgeDList* pUntraversedEdgeList() const { return m_untraversedEdges.get().list(); }
+    RVNodeDList* pUnvisitedNodeList() const { return m_unvisitedNodes.get().list(); }
     // In the order in which they were traversed and visited.
     RVEdgeDList* pTraversedEdgeList() const { return m_traversedEdges.get(); }
     RVNodeDList* pVisitedNodeList() const { return m_visitedNodes.get(); }
@@ -156,9 +156,10 @@ public:
     // Fills the untraversed and the unvisited list with a graph's edges and nodes, in graph order.
     void listUnvisited(const RVGraph* graph);
     // Take an object out of these lists; nothing where it is not in them. O(1).
-    void removeUntraversed(RVEdge* edge);
-    void removeUnvisited(RVNode* node);
+    void removeUntraversed(RVEdge* edge) { m_untraversedEdges.get().take(edge); }
+    void removeUnvisited(RVNode* node) { m_unvisitedNodes.get().take(node); }
 
+    RVEdge* pFirstUntraversedEdge() { return m_untraversedEdges.get().first(); }
     // The unvisited node that comes first among those of smallest in-degree, where degrees up to
     // `enough` count as equal; none when all are visited. O(1) amortised while the graph and the unvisited
     // list are not changed by others.
@@ -178,25 +179,21 @@ private:
     void sortUnvisited(int enough);
 
     rv::Owned<RVEdgeDList> m_candidateEdges;
-    rv::Owned<RVEdgeDList> m_untraversedEdges;
+    mutable rv::Uncopied<rv::PendingMembers<RVEdge, RVEdgeDList>> m_untraversedEdges;
     rv::Owned<RVEdgeDList> m_traversedEdges;
     rv::Owned<RVNodeDList> m_visitedNodes;
-    rv::Owned<RVNodeDList> m_unvisitedNodes;
+    mutable rv::Uncopied<rv::PendingMembers<RVNode, RVNodeDList>> m_unvisitedNodes;
     int m_traversalOrderNumber = 1;
     int m_wasMadeDirected = 0;
     int m_directed = 1;
     RVNode* m_pStartNode = nullptr;
 
-    // Where the objects stand in the untraversed and the unvisited list.
-    rv::Uncopied<rv::CellHandles> m_untraversedCells;
-    rv::Uncopied<rv::CellHandles> m_unvisitedCells;
-    // The unvisited nodes by in-degree, in the state of graph and list that the counts tell.
+    // The unvisited nodes by in-degree, in the state of the graph that the count tells.
     struct StartNodes {
         std::vector<RVNode*> nodes;
         std::size_t next = 0;
         std::uint64_t modifications = 0;
-        int unvisited = -1;  // as many as there must be if nobody else changed the list; -1 before sorting
-        int enough = 0;
+        int enough = -1;  // -1 before sorting
     };
     rv::Uncopied<StartNodes> m_startNodes;
 };
