@@ -1,5 +1,5 @@
 // Prints the packages of a Debian machine or archive in an order in which they can be installed: every
-// package after all that it needs. Or says that there is no such order.
+// package after all that it needs. Or says that there is no such order, and which packages need one another.
 
 #include <cerrno>
 #include <cstdio>
@@ -33,7 +33,9 @@ Without Provides, virtual packages are unknown.
 Of alternatives (a | b) the first one that exists is taken, for a virtual package the first one that
 provides it. Versions and architectures are ignored, dependencies that nothing meets are left out.
 
-Standard output has the names only; the counts are written to standard error.
+Standard output has the names only; the counts are written to standard error. Without an order it has, for
+every set of packages that all need one another, a line of their names and a line for each dependency
+between them.
 Exit status: 0 success, 1 failure, such as no usable input, 2 wrong usage, 3 no order because of cycles.
 )";
 
@@ -100,6 +102,42 @@ std::optional<std::string> readText(const std::string& file) {
     return text;
 }
 
+bool writeOut(const std::string& text) {
+    return std::fwrite(text.data(), 1, text.size(), stdout) == text.size() && std::fflush(stdout) == 0;
+}
+
+int failToWrite() { return fail(kFailure, std::string("cannot write: ") + std::strerror(errno)); }
+
+// The strongly connected components of more than one package, with the dependencies inside each.
+int printCycles(const PackageGraph& packages) {
+    RVStronglyConnectedComponentsInputData input(packages.pGraph());
+    RVStronglyConnectedComponentsOutputData output;
+    RVStronglyConnectedComponentsAlgorithm components;
+    components.pInputData(&input);
+    components.pOutputData(&output);
+    const RVServiceErrorCodeEnum code = components.run();
+    if (code != RV_NO_ERROR) return fail(kFailure, "the components failed with code " + std::to_string(code));
+
+    std::string text;
+    int count = 0;
+    RVDListIter edges(output.pEdgeComponentList());
+    for (RVDListIter nodes(output.pComponentList()); nodes; nodes++, edges++) {
+        const RVNodeDList* component = RVNodeDList::castDown(nodes.pObject());
+        if (component->length() == 1) continue;
+        ++count;
+        text.append("cycle:");
+        for (const RVNode* node : *component) text.append(1, ' ').append(packages.name(node));
+        text.append(1, '\n');
+        for (const RVEdge* edge : *RVEdgeDList::castDown(edges.pObject())) {
+            text.append("  ").append(packages.name(edge->pTargetNode())).append(" needs ");
+            text.append(packages.name(edge->pSourceNode())).append(1, '\n');
+        }
+    }
+    if (!writeOut(text)) return failToWrite();
+    return fail(kCycles, "no installation order: the dependencies have cycles, in sets of packages: " +
+                             std::to_string(count));
+}
+
 int printOrder(const PackageGraph& packages) {
     RVTopologicalSortInputData input(packages.pGraph());
     RVTopologicalSortOutputData output;
@@ -108,13 +146,11 @@ int printOrder(const PackageGraph& packages) {
     sort.pOutputData(&output);
     const RVServiceErrorCodeEnum code = sort.run();
     if (code != RV_NO_ERROR) return fail(kFailure, "the sort failed with code " + std::to_string(code));
-    if (output.acyclic() == 0) return fail(kCycles, "no installation order: the dependencies have cycles");
+    if (output.acyclic() == 0) return printCycles(packages);
 
     std::string text;
     for (const RVNode* node : *output.pNodeList()) text.append(packages.name(node)).append(1, '\n');
-    const bool written =
-        std::fwrite(text.data(), 1, text.size(), stdout) == text.size() && std::fflush(stdout) == 0;
-    return written ? kSuccess : fail(kFailure, std::string("cannot write: ") + std::strerror(errno));
+    return writeOut(text) ? kSuccess : failToWrite();
 }
 
 }  // namespace
