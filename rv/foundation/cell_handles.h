@@ -34,7 +34,8 @@ public:
     // The member's cell if it is the one that was noted, else none.
     RVDListCell* noted(const RVGraphMember* member) const {
         const std::size_t place = placeOf(member);
-        if (m_list == nullptr || m_list->releaseCount() != m_releases || place >= m_cells.size()) return nullptr;
+        if (m_list == nullptr || m_list->releaseCount() != m_releases || place >= m_cells.size())
+            return nullptr;
         RVDListCell* cell = m_cells[place];
         return cell != nullptr && cell->pObject() == member && cell->isInList() ? cell : nullptr;
     }
@@ -51,7 +52,9 @@ public:
     void forget() { --m_length; }
 
 private:
-    static std::size_t placeOf(const RVGraphMember* member) { return static_cast<std::size_t>(member->denseIndex()); }
+    static std::size_t placeOf(const RVGraphMember* member) {
+        return static_cast<std::size_t>(member->denseIndex());
+    }
 
     const RVDList* m_list = nullptr;
     std::uint32_t m_releases = 0;

@@ -222,8 +222,8 @@ void RVEdge::invertDirection() {
 
 namespace {
 
-// Where the hashes of a graph's members begin. The address alone would not do: a later graph may have the same
-// one, and its members too, and would be taken for them in maps. Hashes reach no result.
+// Where the hashes of a graph's members begin. The address alone would not do: a later graph may have the
+// same one, and its members too, and would be taken for them in maps. Hashes reach no result.
 std::uint32_t newHashSalt(const RVGraph* graph) {
     const auto now = static_cast<std::uint64_t>(std::chrono::steady_clock::now().time_since_epoch().count());
     const std::uint64_t mixed = (now ^ rv::addressHash(graph)) * 0x9E3779B97F4A7C15ULL;
@@ -342,7 +342,7 @@ RVNode* RVGraph::insertNode(RVNode* node) {
 // Of the edges that the node hosted while it was detached, those whose other end is attached come back;
 // the others go over to that end. An edge whose other end is in another graph by now is removed.
 void RVGraph::reviveEdges(RVNode* node) {
-    for (RVDListCell* next = nullptr, *cell = node->m_outEdges.m_pFirst; cell != nullptr; cell = next) {
+    for (RVDListCell *next = nullptr, *cell = node->m_outEdges.m_pFirst; cell != nullptr; cell = next) {
         next = cell->m_pNext;
         auto* edge = static_cast<RVEdge*>(cell->m_pObject);
         RVNode* const other = edge->m_pTarget;
@@ -363,7 +363,7 @@ void RVGraph::reviveEdges(RVNode* node) {
             edge->enterLists(other);
         }
     }
-    for (RVDListCell* next = nullptr, *cell = node->m_inEdges.m_pFirst; cell != nullptr; cell = next) {
+    for (RVDListCell *next = nullptr, *cell = node->m_inEdges.m_pFirst; cell != nullptr; cell = next) {
         next = cell->m_pNext;
         auto* edge = static_cast<RVEdge*>(cell->m_pObject);
         RVNode* const other = edge->m_pSource;
@@ -515,7 +515,7 @@ void RVGraph::setName(RVGraphMember* member, const wchar_t* text) {
     } else {
         auto made = std::make_unique<std::wstring>(text);
         names.set(member->m_index, made.get(), indicesOf(member).limit);
-        made.release();
+        static_cast<void>(made.release());
     }
 }
 
@@ -726,8 +726,10 @@ std::vector<Member*> inNotedOrder(const List& list, int limit, const std::vector
 void GraphAccess::restoreOrders(RVGraph* graph, const GraphOrders& orders) {
     std::vector<RVNode*> nodeByIndex;
     std::vector<RVEdge*> edgeByIndex;
-    const auto nodes = inNotedOrder<RVNode>(graph->m_nodes, graph->nodeIndexLimit(), orders.nodes, nodeByIndex);
-    const auto edges = inNotedOrder<RVEdge>(graph->m_edges, graph->edgeIndexLimit(), orders.edges, edgeByIndex);
+    const auto nodes =
+        inNotedOrder<RVNode>(graph->m_nodes, graph->nodeIndexLimit(), orders.nodes, nodeByIndex);
+    const auto edges =
+        inNotedOrder<RVEdge>(graph->m_edges, graph->edgeIndexLimit(), orders.edges, edgeByIndex);
     ++graph->m_modifications;
     graph->m_listsInGraphOrder = orders.listsInGraphOrder;
     graph->m_nodes.forgetCells();
@@ -749,7 +751,8 @@ void GraphAccess::restoreOrders(RVGraph* graph, const GraphOrders& orders) {
         }
     }
     for (RVEdge* edge : edges) {
-        const bool placed = !orders.listsInGraphOrder && edgeByIndex[static_cast<std::size_t>(edge->m_index)] != nullptr;
+        const bool placed =
+            !orders.listsInGraphOrder && edgeByIndex[static_cast<std::size_t>(edge->m_index)] != nullptr;
         if (placed) continue;
         edge->m_pSource->m_outEdges.linkLast(&edge->m_outCell);
         edge->m_pTarget->m_inEdges.linkLast(&edge->m_inCell);

@@ -234,7 +234,10 @@ public:
     // The other end as seen from the given one; the node itself for a self-loop, none for a node that is
     // no end.
     RVNode* pOtherNode(const RVNode* node) const {
-        return node == nullptr ? nullptr : node == m_pSource ? m_pTarget : node == m_pTarget ? m_pSource : nullptr;
+        return node == nullptr     ? nullptr
+               : node == m_pSource ? m_pTarget
+               : node == m_pTarget ? m_pSource
+                                   : nullptr;
     }
 
     // Moves one end. The edge goes to the end of the new node's list and keeps its place in all others; it
@@ -395,7 +398,9 @@ private:
         std::uint32_t previous;
     };
 
-    Indices& indicesOf(const RVGraphMember* member) { return member->isNode() ? m_nodeIndices : m_edgeIndices; }
+    Indices& indicesOf(const RVGraphMember* member) {
+        return member->isNode() ? m_nodeIndices : m_edgeIndices;
+    }
     Fields& fieldsOf(const RVGraphMember* member) { return member->isNode() ? m_nodeFields : m_edgeFields; }
     bool isMine(const RVGraphMember* member) const { return member != nullptr && member->m_pGraph == this; }
 
@@ -429,7 +434,7 @@ private:
     Fields m_nodeFields;
     Fields m_edgeFields;
     std::vector<Wait> m_waits;
-    std::uint32_t m_freeWait = 0;  // position + 1, 0 for none
+    std::uint32_t m_freeWait = 0;           // position + 1, 0 for none
     rv::Column<std::uint32_t> m_waitHeads;  // by node; position + 1, 0 for none
 
     std::vector<rv::GraphObserver*> m_observers;
@@ -461,14 +466,20 @@ inline RVDListCell* RVNodeDList::appendNode(RVNode* node) { return newLastCell(n
 inline RVDListCell* RVNodeDList::prependNode(RVNode* node) { return newFirstCell(node); }
 inline RVNode* RVNodeDList::pFirstNode() const { return static_cast<RVNode*>(pFirstObject()); }
 inline RVNode* RVNodeDList::pLastNode() const { return static_cast<RVNode*>(pLastObject()); }
-inline RVNode* RVNodeDList::pNodeInPosition(int i) const { return static_cast<RVNode*>(pObjectInPosition(i)); }
+inline RVNode* RVNodeDList::pNodeInPosition(int i) const {
+    return static_cast<RVNode*>(pObjectInPosition(i));
+}
 inline RVDListCell* RVEdgeDList::appendEdge(RVEdge* edge) { return newLastCell(edge); }
 inline RVDListCell* RVEdgeDList::prependEdge(RVEdge* edge) { return newFirstCell(edge); }
 inline RVEdge* RVEdgeDList::pFirstEdge() const { return static_cast<RVEdge*>(pFirstObject()); }
 inline RVEdge* RVEdgeDList::pLastEdge() const { return static_cast<RVEdge*>(pLastObject()); }
-inline RVEdge* RVEdgeDList::pEdgeInPosition(int i) const { return static_cast<RVEdge*>(pObjectInPosition(i)); }
+inline RVEdge* RVEdgeDList::pEdgeInPosition(int i) const {
+    return static_cast<RVEdge*>(pObjectInPosition(i));
+}
 inline RVDListCell* RVGraphDList::appendGraph(RVGraph* graph) { return newLastCell(graph); }
 inline RVDListCell* RVGraphDList::prependGraph(RVGraph* graph) { return newFirstCell(graph); }
 inline RVGraph* RVGraphDList::pFirstGraph() const { return static_cast<RVGraph*>(pFirstObject()); }
 inline RVGraph* RVGraphDList::pLastGraph() const { return static_cast<RVGraph*>(pLastObject()); }
-inline RVGraph* RVGraphDList::pGraphInPosition(int i) const { return static_cast<RVGraph*>(pObjectInPosition(i)); }
+inline RVGraph* RVGraphDList::pGraphInPosition(int i) const {
+    return static_cast<RVGraph*>(pObjectInPosition(i));
+}

@@ -35,7 +35,9 @@ public:
 class RVNodeIter : public RVNodeDListIter {
 public:
     RVNodeIter() = default;
-    explicit RVNodeIter(const RVGraph* graph, RVIterDirectionEnum direction = RVForward) { init(graph, direction); }
+    explicit RVNodeIter(const RVGraph* graph, RVIterDirectionEnum direction = RVForward) {
+        init(graph, direction);
+    }
     void init(const RVGraph* graph, RVIterDirectionEnum direction = RVForward) {
         RVDListIter::init(graph == nullptr ? nullptr : graph->pNodeList(), direction);
     }
@@ -45,7 +47,9 @@ public:
 class RVEdgeIter : public RVEdgeDListIter {
 public:
     RVEdgeIter() = default;
-    explicit RVEdgeIter(const RVGraph* graph, RVIterDirectionEnum direction = RVForward) { init(graph, direction); }
+    explicit RVEdgeIter(const RVGraph* graph, RVIterDirectionEnum direction = RVForward) {
+        init(graph, direction);
+    }
     void init(const RVGraph* graph, RVIterDirectionEnum direction = RVForward) {
         RVDListIter::init(graph == nullptr ? nullptr : graph->pEdgeList(), direction);
     }
@@ -55,7 +59,9 @@ public:
 class RVOutEdgeIter : public RVEdgeDListIter {
 public:
     RVOutEdgeIter() = default;
-    explicit RVOutEdgeIter(const RVNode* node, RVIterDirectionEnum direction = RVForward) { init(node, direction); }
+    explicit RVOutEdgeIter(const RVNode* node, RVIterDirectionEnum direction = RVForward) {
+        init(node, direction);
+    }
     void init(const RVNode* node, RVIterDirectionEnum direction = RVForward) {
         RVDListIter::init(node == nullptr ? nullptr : node->pOutEdgeList(), direction);
     }
@@ -65,7 +71,9 @@ public:
 class RVInEdgeIter : public RVEdgeDListIter {
 public:
     RVInEdgeIter() = default;
-    explicit RVInEdgeIter(const RVNode* node, RVIterDirectionEnum direction = RVForward) { init(node, direction); }
+    explicit RVInEdgeIter(const RVNode* node, RVIterDirectionEnum direction = RVForward) {
+        init(node, direction);
+    }
     void init(const RVNode* node, RVIterDirectionEnum direction = RVForward) {
         RVDListIter::init(node == nullptr ? nullptr : node->pInEdgeList(), direction);
     }

@@ -116,8 +116,8 @@ private:
     // Sixteen consecutive hashes, such as those of neighbouring nodes, share a cache line of the table;
     // blocks of sixteen are spread by Fibonacci hashing.
     std::uint32_t home(std::uint32_t hash) const {
-        const std::uint64_t block = (hash >> 4) * std::uint32_t{0x9E3779B1};
-        return static_cast<std::uint32_t>(block >> m_shift) << 4 | (hash & 15U);
+        const std::uint32_t block = (hash >> 4) * std::uint32_t{0x9E3779B1};
+        return static_cast<std::uint32_t>(std::uint64_t{block} >> m_shift) << 4 | (hash & 15U);
     }
 
     static bool matches(const Entry& entry, const KeyRef& key) {

@@ -10,7 +10,10 @@ void RVDListCell::operator delete(RVDListCell* cell, std::destroying_delete_t) {
     if (pool != nullptr) pool->destroySetAside(cell);
 }
 
-RVDList::RVDList(const RVDList& other, RVDeepFlagEnum) { copyAllCells(&other); }
+RVDList::RVDList(const RVDList& other, RVDeepFlagEnum) {
+    for (const RVDListCell* cell = other.m_pFirst; cell != nullptr; cell = cell->m_pNext)
+        newLastCell(cell->m_pObject);
+}
 
 RVDList& RVDList::operator=(const RVDList& other) {
     if (this != &other && !m_readOnly) {
@@ -90,7 +93,9 @@ RVDListCell* RVDList::removeCell(RVDListCell* cell) {
     return cell;
 }
 
-RVDListCell* RVDList::searchAndRemoveObject(const RVObject* object) { return removeCell(searchObject(object)); }
+RVDListCell* RVDList::searchAndRemoveObject(const RVObject* object) {
+    return removeCell(searchObject(object));
+}
 
 void RVDList::discardCell(RVDListCell* cell) {
     if (cell == nullptr || m_readOnly || !cell->isInList()) return;
@@ -137,7 +142,8 @@ void RVDList::copyAllCells(const RVDList* source) {
         copyAllCells(&snapshot);
         return;
     }
-    for (const RVDListCell* cell = source->m_pFirst; cell != nullptr; cell = cell->m_pNext) appendObject(cell->m_pObject);
+    for (const RVDListCell* cell = source->m_pFirst; cell != nullptr; cell = cell->m_pNext)
+        appendObject(cell->m_pObject);
 }
 
 void RVDList::copyAppendList(const RVDList* source) { copyAllCells(source); }

@@ -33,6 +33,7 @@ public:
 
     RVDListCell* pNextCell() const { return m_pNext; }
     RVDListCell* pPrevCell() const {
+        // NOLINTNEXTLINE(performance-no-int-to-ptr)
         return isInList() ? reinterpret_cast<RVDListCell*>(m_prev) : nullptr;
     }
     RVObject* pObject() const { return m_pObject; }
@@ -68,7 +69,9 @@ private:
         m_pNext = nullptr;
         m_prev = std::uintptr_t{place} << 2 | kOut | kWaiting;
     }
-    rv::CellPool* pool() const { return reinterpret_cast<rv::CellPool*>(m_prev & ~kOut); }
+    rv::CellPool* pool() const {
+        return reinterpret_cast<rv::CellPool*>(m_prev & ~kOut);  // NOLINT(performance-no-int-to-ptr)
+    }
     void prev(RVDListCell* cell) { m_prev = reinterpret_cast<std::uintptr_t>(cell); }
     void setOut(rv::CellPool* pool) {
         m_pNext = nullptr;

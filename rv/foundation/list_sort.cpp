@@ -41,9 +41,7 @@ private:
     };
     static constexpr std::size_t kShortRun = 24;
 
-    bool goesBefore(RVDListCell* a, RVDListCell* b) const {
-        return m_order.virtualCellCompare(a, b) < 0;
-    }
+    bool goesBefore(RVDListCell* a, RVDListCell* b) const { return m_order.virtualCellCompare(a, b) < 0; }
 
     // Merges the run [begin, end) with the run on top of the stack, which ends at begin.
     std::size_t mergeWithTop(std::size_t begin, std::size_t end) {
@@ -71,7 +69,8 @@ private:
         for (const std::size_t wanted = std::min(n, begin + kShortRun); end < wanted; ++end) {
             RVDListCell* cell = m_cells[end];
             std::size_t place = end;
-            for (; place > begin && goesBefore(cell, m_cells[place - 1]); --place) m_cells[place] = m_cells[place - 1];
+            for (; place > begin && goesBefore(cell, m_cells[place - 1]); --place)
+                m_cells[place] = m_cells[place - 1];
             m_cells[place] = cell;
         }
         return end;
@@ -178,7 +177,8 @@ void RVDListSort::quickSort(RVDList* list, int) {
     if (list == nullptr || list->isReadOnly() || list->isSorted()) return;
     MergeSorter::Cells cells;
     cells.reserve(static_cast<std::size_t>(list->length()));
-    for (RVDListCell* cell = list->pFirstCell(); cell != nullptr; cell = cell->pNextCell()) cells.push_back(cell);
+    for (RVDListCell* cell = list->pFirstCell(); cell != nullptr; cell = cell->pNextCell())
+        cells.push_back(cell);
     if (!cells.empty()) {
         MergeSorter(*this, cells).sort();
         list->forgetCells();

@@ -123,54 +123,58 @@ private:
 
 }  // namespace rv
 
+// NOLINTBEGIN(bugprone-macro-parentheses): C is the name of a class
+
 // Declares the object protocol of class C; the class goes on with private members.
-#define RV_OBJECT(C)                                                                     \
-public:                                                                                  \
-    C(const C& other, RVDeepFlagEnum flag = RVShallow);                                  \
-    ~C() override;                                                                       \
-    C& operator=(const C& other);                                                        \
-    void copyObject(const RVObject* other) override;                                     \
-    void copyAttributes(const RVObject* other) override;                                 \
-    C* cloneObject() const override;                                                     \
-    C* cloneAttributes() const override;                                                 \
-    void debugOutput(int level) const override;                                          \
-    static C* castDown(RVObject* object) { return static_cast<C*>(object); }             \
+#define RV_OBJECT(C)                                                                           \
+public:                                                                                        \
+    C(const C& other, RVDeepFlagEnum flag = RVShallow);                                        \
+    ~C() override;                                                                             \
+    C& operator=(const C& other);                                                              \
+    void copyObject(const RVObject* other) override;                                           \
+    void copyAttributes(const RVObject* other) override;                                       \
+    C* cloneObject() const override;                                                           \
+    C* cloneAttributes() const override;                                                       \
+    void debugOutput(int level) const override;                                                \
+    static C* castDown(RVObject* object) { return static_cast<C*>(object); }                   \
     static const C* castDown(const RVObject* object) { return static_cast<const C*>(object); } \
-                                                                                         \
+                                                                                               \
 private:
 
 // Defines what RV_OBJECT declares, on the memberwise assignment of C.
-#define RV_OBJECT_IMPL(C)                                                                \
-    C::C(const C& other, RVDeepFlagEnum flag) : C() {                                    \
-        flag == 0 ? C::copyObject(&other) : C::copyAttributes(&other);                   \
-    }                                                                                    \
-    C::~C() = default;                                                                   \
-    C& C::operator=(const C&) = default;                                                 \
+#define RV_OBJECT_IMPL(C)                                              \
+    C::C(const C& other, RVDeepFlagEnum flag) : C() {                  \
+        flag == 0 ? C::copyObject(&other) : C::copyAttributes(&other); \
+    }                                                                  \
+    C::~C() = default;                                                 \
+    C& C::operator=(const C&) = default;                               \
     RV_OBJECT_COPY_IMPL(C)
 
 // The part of RV_OBJECT_IMPL for classes that write constructors, destructor and assignment themselves.
-#define RV_OBJECT_COPY_IMPL(C)                                                           \
-    void C::copyObject(const RVObject* other) { rv::assignFrom(*this, other); }          \
-    void C::copyAttributes(const RVObject* other) { rv::assignFrom(*this, other); }      \
-    C* C::cloneObject() const { return rv::clone(*this, RVShallow); }                    \
-    C* C::cloneAttributes() const { return rv::clone(*this, RVDeep); }                   \
+#define RV_OBJECT_COPY_IMPL(C)                                                      \
+    void C::copyObject(const RVObject* other) { rv::assignFrom(*this, other); }     \
+    void C::copyAttributes(const RVObject* other) { rv::assignFrom(*this, other); } \
+    C* C::cloneObject() const { return rv::clone(*this, RVShallow); }               \
+    C* C::cloneAttributes() const { return rv::clone(*this, RVDeep); }              \
     void C::debugOutput(int) const {}
 
 // The protocol of a class that cannot be copied: cloning gives none, copying changes nothing.
-#define RV_OBJECT_NO_COPY(C)                                                             \
-public:                                                                                  \
-    C(const C&) = delete;                                                                \
-    C& operator=(const C&) = delete;                                                     \
-    ~C() override;                                                                       \
-    void copyObject(const RVObject* other) override;                                     \
-    void copyAttributes(const RVObject* other) override;                                 \
-    C* cloneObject() const override;                                                     \
-    C* cloneAttributes() const override;                                                 \
-    void debugOutput(int level) const override;                                          \
-    static C* castDown(RVObject* object) { return static_cast<C*>(object); }             \
+#define RV_OBJECT_NO_COPY(C)                                                                   \
+public:                                                                                        \
+    C(const C&) = delete;                                                                      \
+    C& operator=(const C&) = delete;                                                           \
+    ~C() override;                                                                             \
+    void copyObject(const RVObject* other) override;                                           \
+    void copyAttributes(const RVObject* other) override;                                       \
+    C* cloneObject() const override;                                                           \
+    C* cloneAttributes() const override;                                                       \
+    void debugOutput(int level) const override;                                                \
+    static C* castDown(RVObject* object) { return static_cast<C*>(object); }                   \
     static const C* castDown(const RVObject* object) { return static_cast<const C*>(object); } \
-                                                                                         \
+                                                                                               \
 private:
 
 // Defines what RV_OBJECT_NO_COPY declares, but for the destructor.
 #define RV_OBJECT_NO_COPY_IMPL(C) RV_OBJECT_COPY_IMPL(C)
+
+// NOLINTEND(bugprone-macro-parentheses)

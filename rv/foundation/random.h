@@ -10,7 +10,8 @@ class RV_EXPORT RVSimpleRandom : public RVObject {
     RV_OBJECT(RVSimpleRandom)
 
 public:
-    explicit RVSimpleRandom(int seed = 0) : m_state(static_cast<std::uint64_t>(static_cast<std::int64_t>(seed))) {}
+    explicit RVSimpleRandom(int seed = 0)
+        : m_state(static_cast<std::uint64_t>(static_cast<std::int64_t>(seed))) {}
 
     // Uniform in [0, 1), a multiple of 2^-53.
     double randFloat();

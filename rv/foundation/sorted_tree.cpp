@@ -158,7 +158,9 @@ RVBinTreeCell* RVBinTree::removeCell(RVDListCell* listCell) {
     return cell;
 }
 
-RVBinTreeCell* RVBinTree::searchAndRemoveObject(const RVObject* object) { return removeCell(searchObject(object)); }
+RVBinTreeCell* RVBinTree::searchAndRemoveObject(const RVObject* object) {
+    return removeCell(searchObject(object));
+}
 
 void RVBinTree::discardCell(RVDListCell* listCell) {
     if (listCell == nullptr || !listCell->isInList()) return;
@@ -293,7 +295,8 @@ RVBinTreeCell* RVBinTree::rebalance(RVBinTreeCell* cell) {
 
 // The subtree of the cell has gained one level.
 void RVBinTree::retraceGrown(RVBinTreeCell* cell) {
-    for (RVBinTreeCell* parent = cell->m_pParent; parent != nullptr; cell = parent, parent = cell->m_pParent) {
+    for (RVBinTreeCell* parent = cell->m_pParent; parent != nullptr;
+         cell = parent, parent = cell->m_pParent) {
         parent->m_balance += cell == parent->m_pRight ? 1 : -1;
         if (parent->m_balance == 0) return;
         if (parent->m_balance == 2 || parent->m_balance == -2) {

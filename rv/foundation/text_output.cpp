@@ -42,12 +42,14 @@ void appendUtf8(std::string& text, std::uint32_t c) {
     }
 }
 
+std::uint32_t codeUnit(wchar_t c) { return std::char_traits<wchar_t>::to_int_type(c); }
+
 bool writeUtf8(const std::wstring& text) {
     std::string bytes;
     for (std::size_t i = 0; i < text.size(); ++i) {
-        auto c = static_cast<std::uint32_t>(text[i]);
+        auto c = codeUnit(text[i]);
         if (c >= 0xD800 && c < 0xDC00 && i + 1 < text.size()) {  // a pair, where wide characters have 16 bits
-            const auto low = static_cast<std::uint32_t>(text[i + 1]);
+            const auto low = codeUnit(text[i + 1]);
             if (low >= 0xDC00 && low < 0xE000) {
                 c = 0x10000 + ((c - 0xD800) << 10) + (low - 0xDC00);
                 ++i;

@@ -67,9 +67,9 @@ private:
     std::optional<Slab> m_slabs[2];         // records of nodes and of edges
     std::vector<Record*> m_heapRecords;     // made by callers' factories
     std::vector<Record*> m_settledRecords;  // came with their objects, from the slabs of other graphs
-    bool m_plain = true;              // the destructors of the records in the slabs have nothing to do
-    bool m_recordsMovedAway = false;  // a record in the slabs may be one of another graph's objects
-    Mapping m_copies[2];                 // of nodes and of edges
+    bool m_plain = true;                    // the destructors of the records in the slabs have nothing to do
+    bool m_recordsMovedAway = false;        // a record in the slabs may be one of another graph's objects
+    Mapping m_copies[2];                    // of nodes and of edges
     Mapping m_originals[2];
 };
 
@@ -120,8 +120,8 @@ public:
 
     void remove(DataGraph* graph) {
         if (m_last == graph) m_last = nullptr;
-        const auto found =
-            std::find_if(m_graphs.begin(), m_graphs.end(), [&](const auto& entry) { return entry.get() == graph; });
+        const auto found = std::find_if(m_graphs.begin(), m_graphs.end(),
+                                        [&](const auto& entry) { return entry.get() == graph; });
         m_graphs.erase(found);
     }
 
@@ -131,7 +131,7 @@ private:
     RVAlgorithmData* m_data;
     std::vector<std::unique_ptr<DataGraph>> m_graphs;
     mutable DataGraph* m_last = nullptr;
-    bool m_mixedTargets = false;   // some mapping may lead to several graphs
+    bool m_mixedTargets = false;    // some mapping may lead to several graphs
     std::optional<Slab> m_kept[2];  // records whose objects have left a graph that died
 };
 
@@ -296,7 +296,8 @@ void DataGraph::memberMoved(RVGraphMember* member, RVGraph*, int indexThere) {
         break;
     }
     const std::size_t kind = kindOf(member);
-    const int limit = kind == kNodes ? member->pHomeGraph()->nodeIndexLimit() : member->pHomeGraph()->edgeIndexLimit();
+    const int limit =
+        kind == kNodes ? member->pHomeGraph()->nodeIndexLimit() : member->pHomeGraph()->edgeIndexLimit();
     for (const DataGraphs::Direction direction : {DataGraphs::kCopies, DataGraphs::kOriginals}) {
         Mapping& there = (this->*direction)[kind];
         RVGraphMember* value = there.values.get(indexThere);
@@ -327,7 +328,7 @@ void DataGraphs::map(RVGraphMember* member, RVGraphMember* value, std::size_t ki
 
 void DataGraphs::copyGraph(const RVGraph* original, RVGraph* copy) {
     DataGraph& there = at(const_cast<RVGraph*>(original));
-    Mapping (&copies)[2] = there.m_copies;
+    Mapping(&copies)[2] = there.m_copies;
     for (const std::size_t kind : {kNodes, kEdges}) {
         // What leads back from an earlier copy can then not be found from the original.
         for (RVGraphMember* earlier : copies[kind].values.values()) {
@@ -338,7 +339,7 @@ void DataGraphs::copyGraph(const RVGraph* original, RVGraph* copy) {
     }
     GraphAccess::copyGraph(original, copy, copies[kNodes].values.values(), copies[kEdges].values.values());
     copies[kNodes].target = copies[kEdges].target = copy;
-    Mapping (&originals)[2] = at(copy).m_originals;
+    Mapping(&originals)[2] = at(copy).m_originals;
     for (RVNode* node : *original->pNodeList()) {
         originals[kNodes].set(copies[kNodes].get(node), node, copy->nodeIndexLimit());
     }
@@ -403,9 +404,7 @@ void DataGraphs::copyFrom(const DataGraphs& other) {
                 }
             }
         }
-        source->forEachRecord([&](RVAlgorithmExtension* record) {
-            m_data->copyExtension(*record);
-        });
+        source->forEachRecord([&](RVAlgorithmExtension* record) { m_data->copyExtension(*record); });
     }
 }
 
@@ -417,7 +416,9 @@ RVAlgorithmExtension::~RVAlgorithmExtension() = default;
 void RVAlgorithmExtension::copyObject(const RVObject* other) { rv::assignFrom(*this, other); }
 void RVAlgorithmExtension::copyAttributes(const RVObject* other) { rv::assignFrom(*this, other); }
 RVAlgorithmExtension* RVAlgorithmExtension::cloneObject() const { return new RVAlgorithmExtension(*this); }
-RVAlgorithmExtension* RVAlgorithmExtension::cloneAttributes() const { return new RVAlgorithmExtension(*this); }
+RVAlgorithmExtension* RVAlgorithmExtension::cloneAttributes() const {
+    return new RVAlgorithmExtension(*this);
+}
 
 void RVAlgorithmExtension::operator delete(RVAlgorithmExtension* record, std::destroying_delete_t) {
     if (record->m_place != kLoose) {
@@ -506,7 +507,9 @@ RVEdge* RVAlgorithmData::pOriginalEdge(RVEdge* copy, RVEdge* original) {
     return original;
 }
 
-void RVAlgorithmData::copyGraph(const RVGraph* original, RVGraph* copy) { m_graphs->copyGraph(original, copy); }
+void RVAlgorithmData::copyGraph(const RVGraph* original, RVGraph* copy) {
+    m_graphs->copyGraph(original, copy);
+}
 
 void RVAlgorithmData::deleteDataReferences(RVGraph* graph) {
     if (rv::DataGraph* found = m_graphs->find(graph)) found->dropRecords();
@@ -520,7 +523,8 @@ RVEdgeAlgorithmExtension* RVAlgorithmData::newEdgeAlgorithmExtension(RVEdge* edg
     return newRecord<RVEdgeAlgorithmExtension>(edge);
 }
 
-RVAlgorithmExtensionList* RVAlgorithmData::pAlgorithmExtensionList(RVGraphObjectExtensions* extensions) const {
+RVAlgorithmExtensionList* RVAlgorithmData::pAlgorithmExtensionList(
+    RVGraphObjectExtensions* extensions) const {
     return extensions->pAnalysisExtensions();
 }
 
@@ -531,7 +535,8 @@ void* RVAlgorithmData::recordMemory(RVGraphMember* object, std::size_t size, boo
 // Making a record that was only asked for does not change what the data answers, so it is no change.
 RVAlgorithmExtension* RVAlgorithmData::makeExtension(RVGraphObject* object) const {
     if (object == nullptr || (!object->isNode() && !object->isEdge())) return nullptr;
-    for (auto* found = pAlgorithmExtensionList(object)->pFirstExtension(); found != nullptr; found = found->m_pNext) {
+    for (auto* found = pAlgorithmExtensionList(object)->pFirstExtension(); found != nullptr;
+         found = found->m_pNext) {
         if (found->m_pData == this) return found;
     }
     auto* self = const_cast<RVAlgorithmData*>(this);

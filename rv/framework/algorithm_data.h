@@ -37,17 +37,21 @@ class DataGraphs;
 class RV_EXPORT RVAlgorithmExtension : public RVObject {
 public:
     RVAlgorithmExtension() = default;
-    RVAlgorithmExtension(RVGraphObject* owner, const RVAlgorithmData* data) : m_pOwner(owner), m_pData(data) {}
+    RVAlgorithmExtension(RVGraphObject* owner, const RVAlgorithmData* data)
+        : m_pOwner(owner), m_pData(data) {}
     // A copy belongs to no object and to no data.
     RVAlgorithmExtension(const RVAlgorithmExtension& other, RVDeepFlagEnum = RVShallow) : RVObject(other) {}
     // Owner and data stay.
+    // NOLINTNEXTLINE(bugprone-unhandled-self-assignment)
     RVAlgorithmExtension& operator=(const RVAlgorithmExtension&) { return *this; }
     ~RVAlgorithmExtension() override;
     void copyObject(const RVObject* other) override;
     void copyAttributes(const RVObject* other) override;
     RVAlgorithmExtension* cloneObject() const override;
     RVAlgorithmExtension* cloneAttributes() const override;
-    static RVAlgorithmExtension* castDown(RVObject* object) { return static_cast<RVAlgorithmExtension*>(object); }
+    static RVAlgorithmExtension* castDown(RVObject* object) {
+        return static_cast<RVAlgorithmExtension*>(object);
+    }
 
     RVGraphObject* pOwner() const { return m_pOwner; }
     const RVAlgorithmData* pData() const { return m_pData; }
@@ -68,8 +72,8 @@ private:
 
     // Where the memory of a record comes from; any other value is a place in the data's list of records
     // that are on the heap.
-    static constexpr std::uint32_t kLoose = 0xFFFFFFFF;     // not in the hands of its data
-    static constexpr std::uint32_t kSlab = 0xFFFFFFFE;      // the data's slab for the object's graph
+    static constexpr std::uint32_t kLoose = 0xFFFFFFFF;      // not in the hands of its data
+    static constexpr std::uint32_t kSlab = 0xFFFFFFFE;       // the data's slab for the object's graph
     static constexpr std::uint32_t kOtherSlab = 0xFFFFFFFD;  // the slab for a graph that the object has left
 
     RVAlgorithmExtension* m_pNext = nullptr;
@@ -81,11 +85,11 @@ private:
 
 // Declares the object protocol of a plain record class: its destructor has nothing to do, unless the record
 // called noteOwnedMemory, so its records may be released all at once.
-#define RV_PLAIN_RECORD(C)        \
-    RV_OBJECT(C)                  \
-public:                           \
-    using PlainRecordClass = C;   \
-                                  \
+#define RV_PLAIN_RECORD(C)      \
+    RV_OBJECT(C)                \
+public:                         \
+    using PlainRecordClass = C; \
+                                \
 private:
 
 class RV_EXPORT RVNodeAlgorithmExtension : public RVAlgorithmExtension {
@@ -220,11 +224,11 @@ private:
 };
 
 // Declares the object protocol of a data class of the library (see hasStandardRecords).
-#define RV_DATA_OBJECT(C)                                                              \
-    RV_OBJECT(C)                                                                       \
-protected:                                                                             \
-    bool hasStandardRecords() const override { return typeid(*this) == typeid(C); }    \
-                                                                                       \
+#define RV_DATA_OBJECT(C)                                                           \
+    RV_OBJECT(C)                                                                    \
+protected:                                                                          \
+    bool hasStandardRecords() const override { return typeid(*this) == typeid(C); } \
+                                                                                    \
 private:
 
 // The question that a caller puts to an algorithm. Values can be asked for by name; the base knows none.

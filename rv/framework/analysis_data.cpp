@@ -47,7 +47,8 @@ const RVInputField* RVAnalysisInputData::findField(const char* name, RVGraphObje
     if (name == nullptr) return nullptr;
     const unsigned scopes = scopesOf(object);
     for (const RVInputField& field : inputFields()) {
-        if ((field.scope & scopes) != 0 && ask(field) != nullptr && std::string_view(name) == field.name) return &field;
+        if ((field.scope & scopes) != 0 && ask(field) != nullptr && std::string_view(name) == field.name)
+            return &field;
     }
     return nullptr;
 }
@@ -86,21 +87,25 @@ void RVAnalysisInputData::copyData(const RVAlgorithmInputData* other) {
             if (other->hasField(field.name)) field.take(*this, nullptr, *other, field.name);
         } else if (field.scope == RVInputField::node) {
             if (!other->hasNodeField(field.name)) continue;
-            for (RVNodeIter it(pAssociatedGraph()); it; it++) field.take(*this, it.pNode(), *other, field.name);
+            for (RVNodeIter it(pAssociatedGraph()); it; it++)
+                field.take(*this, it.pNode(), *other, field.name);
         } else {
             if (!other->hasEdgeField(field.name)) continue;
-            for (RVEdgeIter it(pAssociatedGraph()); it; it++) field.take(*this, it.pEdge(), *other, field.name);
+            for (RVEdgeIter it(pAssociatedGraph()); it; it++)
+                field.take(*this, it.pEdge(), *other, field.name);
         }
     }
 }
 
-RVAlgorithmExtensionList* RVAnalysisInputData::pAlgorithmExtensionList(RVGraphObjectExtensions* extensions) const {
+RVAlgorithmExtensionList* RVAnalysisInputData::pAlgorithmExtensionList(
+    RVGraphObjectExtensions* extensions) const {
     return extensions->pAnalysisExtensions();
 }
 
 // Output data
 
-RVAlgorithmExtensionList* RVAnalysisOutputData::pAlgorithmExtensionList(RVGraphObjectExtensions* extensions) const {
+RVAlgorithmExtensionList* RVAnalysisOutputData::pAlgorithmExtensionList(
+    RVGraphObjectExtensions* extensions) const {
     return extensions->pAnalysisExtensions();
 }
 
@@ -153,6 +158,7 @@ RVEdgeAlgorithmExtension* RVAnalysisInternalData::newEdgeAlgorithmExtension(RVEd
     return newRecord<RVEdgeAnalysisExtension>(edge);
 }
 
-RVAlgorithmExtensionList* RVAnalysisInternalData::pAlgorithmExtensionList(RVGraphObjectExtensions* extensions) const {
+RVAlgorithmExtensionList* RVAnalysisInternalData::pAlgorithmExtensionList(
+    RVGraphObjectExtensions* extensions) const {
     return extensions->pAnalysisExtensions();
 }

@@ -34,7 +34,8 @@ class RV_EXPORT RVNodeAnalysisExtension : public RVNodeAlgorithmExtension {
 
 public:
     RVNodeAnalysisExtension() = default;
-    RVNodeAnalysisExtension(RVNode* node, const RVAlgorithmData* data) : RVNodeAlgorithmExtension(node, data) {}
+    RVNodeAnalysisExtension(RVNode* node, const RVAlgorithmData* data)
+        : RVNodeAlgorithmExtension(node, data) {}
 
     // The self-loops of the node that preprocessing detached, in graph order. Made when first asked for;
     // a copy of the record has an empty list of its own.
@@ -51,7 +52,8 @@ class RV_EXPORT RVEdgeAnalysisExtension : public RVEdgeAlgorithmExtension {
 
 public:
     RVEdgeAnalysisExtension() = default;
-    RVEdgeAnalysisExtension(RVEdge* edge, const RVAlgorithmData* data) : RVEdgeAlgorithmExtension(edge, data) {}
+    RVEdgeAnalysisExtension(RVEdge* edge, const RVAlgorithmData* data)
+        : RVEdgeAlgorithmExtension(edge, data) {}
 
     // The parallel edges that preprocessing detached in favour of this one, in the order in which they were
     // found. Made when first asked for; a copy of the record has an empty list of its own.

@@ -41,27 +41,28 @@ namespace rv::field {
 template <class D, int (D::*Get)() const, int (D::*Set)(int)>
 constexpr RVInputField graphInt(const char* name) {
     RVInputField field{name, RVInputField::graph, RVInputField::graph};
-    field.getInt = [](const RVAnalysisInputData& d, RVGraphObject*) { return (static_cast<const D&>(d).*Get)(); };
-    field.take = [](RVAnalysisInputData& d, RVGraphObject*, const RVAlgorithmInputData& other, const char* n) {
-        (static_cast<D&>(d).*Set)(other.intField(n, nullptr));
+    field.getInt = [](const RVAnalysisInputData& d, RVGraphObject*) {
+        return (static_cast<const D&>(d).*Get)();
     };
+    field.take = [](RVAnalysisInputData& d, RVGraphObject*, const RVAlgorithmInputData& other,
+                    const char* n) { (static_cast<D&>(d).*Set)(other.intField(n, nullptr)); };
     return field;
 }
 template <class D, int (D::*Get)() const, int (D::*Set)(int)>
 constexpr RVInputField graphFlag(const char* name) {
     RVInputField field = graphInt<D, Get, Set>(name);
-    field.take = [](RVAnalysisInputData& d, RVGraphObject*, const RVAlgorithmInputData& other, const char* n) {
-        (static_cast<D&>(d).*Set)(other.intField(n, nullptr) != 0 ? 1 : 0);
-    };
+    field.take = [](RVAnalysisInputData& d, RVGraphObject*, const RVAlgorithmInputData& other,
+                    const char* n) { (static_cast<D&>(d).*Set)(other.intField(n, nullptr) != 0 ? 1 : 0); };
     return field;
 }
 template <class D, double (D::*Get)() const, double (D::*Set)(double)>
 constexpr RVInputField graphDouble(const char* name) {
     RVInputField field{name, RVInputField::graph, RVInputField::graph};
-    field.getDouble = [](const RVAnalysisInputData& d, RVGraphObject*) { return (static_cast<const D&>(d).*Get)(); };
-    field.take = [](RVAnalysisInputData& d, RVGraphObject*, const RVAlgorithmInputData& other, const char* n) {
-        (static_cast<D&>(d).*Set)(other.doubleField(n, nullptr));
+    field.getDouble = [](const RVAnalysisInputData& d, RVGraphObject*) {
+        return (static_cast<const D&>(d).*Get)();
     };
+    field.take = [](RVAnalysisInputData& d, RVGraphObject*, const RVAlgorithmInputData& other,
+                    const char* n) { (static_cast<D&>(d).*Set)(other.doubleField(n, nullptr)); };
     return field;
 }
 // Of the graph: an object, such as a node or a list of nodes.
@@ -71,7 +72,8 @@ constexpr RVInputField graphObject(const char* name) {
     field.getObject = [](const RVAnalysisInputData& d, RVGraphObject*) -> RVObject* {
         return (static_cast<const D&>(d).*Get)();
     };
-    field.take = [](RVAnalysisInputData& d, RVGraphObject*, const RVAlgorithmInputData& other, const char* n) {
+    field.take = [](RVAnalysisInputData& d, RVGraphObject*, const RVAlgorithmInputData& other,
+                    const char* n) {
         (static_cast<D&>(d).*Set)(static_cast<T*>(other.pObjectField(n, nullptr)));
     };
     return field;
@@ -84,7 +86,8 @@ constexpr RVInputField memberInt(const char* name) {
     field.getInt = [](const RVAnalysisInputData& d, RVGraphObject* object) {
         return (static_cast<const D&>(d).*Get)(static_cast<T*>(object));
     };
-    field.take = [](RVAnalysisInputData& d, RVGraphObject* object, const RVAlgorithmInputData& other, const char* n) {
+    field.take = [](RVAnalysisInputData& d, RVGraphObject* object, const RVAlgorithmInputData& other,
+                    const char* n) {
         (static_cast<D&>(d).*Set)(static_cast<T*>(object), other.intField(n, object));
     };
     return field;
@@ -100,7 +103,8 @@ constexpr RVInputField edgeInt(const char* name) {
 template <class D, int (D::*Get)(RVEdge*) const, int (D::*Set)(RVEdge*, int)>
 constexpr RVInputField edgeFlag(const char* name) {
     RVInputField field = edgeInt<D, Get, Set>(name);
-    field.take = [](RVAnalysisInputData& d, RVGraphObject* object, const RVAlgorithmInputData& other, const char* n) {
+    field.take = [](RVAnalysisInputData& d, RVGraphObject* object, const RVAlgorithmInputData& other,
+                    const char* n) {
         (static_cast<D&>(d).*Set)(static_cast<RVEdge*>(object), other.intField(n, object) != 0 ? 1 : 0);
     };
     return field;

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <exception>
 #include <utility>
 
 #include "rv/foundation/graph_access.h"
@@ -55,7 +56,9 @@ private:
         std::uint32_t group = 0;
     };
 
-    static std::size_t placeOf(const RVGraphMember* member) { return static_cast<std::size_t>(member->denseIndex()); }
+    static std::size_t placeOf(const RVGraphMember* member) {
+        return static_cast<std::size_t>(member->denseIndex());
+    }
 
     // An edge in the table of hashes.
     struct Slot {
@@ -144,10 +147,11 @@ private:
     const RVGraph* m_graph;
     std::uint64_t m_modifications;
     bool m_directed;
-    std::vector<bool> m_suspect;           // by edge: it may have parallels
-    std::vector<OtherEnd> m_ends;          // by node
-    std::vector<bool> m_analysed;          // by node
-    std::vector<std::uint32_t> m_groupOf;  // by edge, as seen from its source: place in m_groups + 1, 0 for none
+    std::vector<bool> m_suspect;   // by edge: it may have parallels
+    std::vector<OtherEnd> m_ends;  // by node
+    std::vector<bool> m_analysed;  // by node
+    std::vector<std::uint32_t>
+        m_groupOf;  // by edge, as seen from its source: place in m_groups + 1, 0 for none
     std::vector<Group> m_groups;
     std::vector<RVEdge*> m_members;
 };
@@ -162,7 +166,9 @@ RVServiceErrorCodeEnum RVInternalGraphAlgorithm::run() { return RVAlgorithm::run
 
 RVServiceErrorCodeEnum RVInternalGraphAlgorithm::internalRun() { return RVAlgorithm::run(); }
 
-RVServiceErrorCodeEnum RVInternalGraphAlgorithm::checkData() {
+RVServiceErrorCodeEnum RVInternalGraphAlgorithm::checkData() { return checkInputGraph(); }
+
+RVServiceErrorCodeEnum RVInternalGraphAlgorithm::checkInputGraph() {
     const RVServiceErrorCodeEnum code = RVInternalAlgorithm::checkData();
     return code != RV_NO_ERROR ? code : rv::checkInputGraph(*pInputData());
 }
@@ -198,9 +204,17 @@ void RVInternalGraphAlgorithm::cleanup() {
 void RVInternalGraphAlgorithm::preprocess() { preprocessGraph(); }
 
 void RVInternalGraphAlgorithm::postprocess() {
-    postprocessGraph();
-    if (m_orders.get() != nullptr) rv::GraphAccess::restoreOrders(pAssociatedGraph(), *m_orders.get());
-    m_orders = nullptr;
+    const auto putOrdersBack = [this] {
+        if (m_orders.get() != nullptr) rv::GraphAccess::restoreOrders(pAssociatedGraph(), *m_orders.get());
+        m_orders = nullptr;
+    };
+    try {
+        postprocessGraph();
+    } catch (...) {
+        putOrdersBack();
+        throw;
+    }
+    putOrdersBack();
 }
 
 void RVInternalGraphAlgorithm::preprocessGraph() { privatePreprocessGraph(); }
@@ -227,10 +241,17 @@ void RVInternalGraphAlgorithm::preprocessUndirectedEdges() {
     // Gathered before the first reverse edge is added, which the walk must not meet.
     std::vector<RVEdge*> undirected;
     for (RVEdge* edge : *graph->pEdgeList()) {
-        if (edge->pSourceNode() != edge->pTargetNode() && data->directed(edge) == 0) undirected.push_back(edge);
+        if (edge->pSourceNode() != edge->pTargetNode() && data->directed(edge) == 0)
+            undirected.push_back(edge);
     }
     for (RVEdge* edge : undirected) {
-        actOnAddReverseEdge(graph->addEdge(edge->pTargetNode(), edge->pSourceNode(), 0), edge);
+        RVEdge* reverse = graph->addEdge(edge->pTargetNode(), edge->pSourceNode(), 0);
+        try {
+            actOnAddReverseEdge(reverse, edge);
+        } catch (...) {
+            graph->discardEdge(reverse);  // perhaps not yet marked as a dummy
+            throw;
+        }
     }
 }
 
@@ -262,14 +283,16 @@ void RVInternalGraphAlgorithm::preprocessMultiEdges(RVGraph* graph) {
     std::vector<RVEdge*> representatives;
     representatives.reserve(static_cast<std::size_t>(graph->numberOfEdges()));
     for (RVEdge* edge : *graph->pEdgeList()) {
-        if (RVEdge* representative = pRepresentativeEdge(edge, direction)) representatives.push_back(representative);
+        if (RVEdge* representative = pRepresentativeEdge(edge, direction))
+            representatives.push_back(representative);
     }
     m_parallelEdges = nullptr;
 
     const RVAnalysisInternalData* data = pAnalysisInternalData();
     RVEdgeDList none;
     for (RVEdge* representative : representatives) {
-        const auto* record = static_cast<const RVEdgeAnalysisExtension*>(data->pExistingExtension(representative));
+        const auto* record =
+            static_cast<const RVEdgeAnalysisExtension*>(data->pExistingExtension(representative));
         if (record == nullptr || !record->hasMultiEdges()) {
             // An edge without parallels needs no list of its own, unless the hook fills it.
             actOnRemoveMultiEdges(representative, &none);
@@ -327,7 +350,9 @@ void RVInternalGraphAlgorithm::actOnRemoveMultiEdges(RVEdge*, RVEdgeDList*) {}
 
 void RVInternalGraphAlgorithm::actOnInsertMultiEdge(RVEdge*) {}
 
-void RVInternalGraphAlgorithm::preprocessDisconnectedNodes() { preprocessDisconnectedNodes(pAssociatedGraph()); }
+void RVInternalGraphAlgorithm::preprocessDisconnectedNodes() {
+    preprocessDisconnectedNodes(pAssociatedGraph());
+}
 
 void RVInternalGraphAlgorithm::preprocessDisconnectedNodes(RVGraph* graph) {
     for (RVNodeIter it(graph); it;) {
@@ -344,7 +369,9 @@ void RVInternalGraphAlgorithm::preprocessDisconnectedNodes(RVGraph* graph) {
 
 void RVInternalGraphAlgorithm::privatePostprocessGraph() { privatePostprocessGraph(pAssociatedGraph()); }
 
-// What is to be attached is gathered before it is, so that no walk meets it.
+// What is to be attached is gathered before it is, so that no walk meets it. After a hook has thrown while
+// preprocessing, edges may be listed that were not yet detached; those stay where they are. A hook that
+// throws here does not keep the rest from coming back.
 void RVInternalGraphAlgorithm::privatePostprocessGraph(RVGraph* graph) {
     RVAnalysisInternalData* data = pAnalysisInternalData();
     for (RVNode* node : *data->pDisconnectedNodeList()) graph->insertNode(node);
@@ -364,20 +391,27 @@ void RVInternalGraphAlgorithm::privatePostprocessGraph(RVGraph* graph) {
         if (record == nullptr) continue;
         if (record->dummyEdge() != 0) anyDummy = true;
         if (!record->hasMultiEdges()) continue;
-        for (RVEdge* parallel : *record->pMultiEdgeList()) parallels.push_back(parallel);
+        for (RVEdge* parallel : *record->pMultiEdgeList()) {
+            if (parallel->pOwnerGraph() == nullptr) parallels.push_back(parallel);
+        }
     }
+    std::exception_ptr failure;
     for (RVEdge* edge : parallels) {
-        actOnInsertMultiEdge(edge);
+        try {
+            actOnInsertMultiEdge(edge);
+        } catch (...) {
+            if (failure == nullptr) failure = std::current_exception();
+        }
         graph->insertEdge(edge, edge->pSourceNode(), edge->pTargetNode());
     }
 
     // A reverse edge may be among the parallels of another edge.
-    if (!anyDummy && parallels.empty()) return;
-    for (RVEdgeIter it(graph); it;) {
+    for (RVEdgeIter it(anyDummy || !parallels.empty() ? graph : nullptr); it;) {
         RVEdge* edge = it.pEdge();
         it++;
         if (data->dummyEdge(edge) != 0) graph->discardEdge(edge);
     }
+    if (failure != nullptr) std::rethrow_exception(failure);
 }
 
 RVEdge* RVInternalGraphAlgorithm::findEdgeBetween(const RVNode* a, const RVNode* b) {

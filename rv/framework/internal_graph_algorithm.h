@@ -96,6 +96,9 @@ protected:
     void preprocessDisconnectedNodes(RVGraph* graph);
     void privatePostprocessGraph(RVGraph* graph);
 
+    // What checkData of this class asks, for subclasses that ask no more than that.
+    RVServiceErrorCodeEnum checkInputGraph();
+
     // The internal data of this run.
     RVAnalysisInternalData* pAnalysisInternalData() const {
         return static_cast<RVAnalysisInternalData*>(pInternalData());

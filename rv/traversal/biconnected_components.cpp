@@ -2,8 +2,8 @@
 //
 // Invariant: the unfinished stack holds every discovered node that is not yet in a block but as the joint of
 // blocks below it, in discovery order; a node's low point is the smallest order number seen from it or from a
-// completed child. The reverse of a tree edge counts, so a child's low point is at most its parent's number: it
-// equals that number exactly when the parent joins the child's block to the rest.
+// completed child. The reverse of a tree edge counts, so a child's low point is at most its parent's number:
+// it equals that number exactly when the parent joins the child's block to the rest.
 
 #include "rv/traversal/biconnected_components.h"
 
@@ -27,7 +27,9 @@ int RVBiconnectedComponentsInternalData::isArticulationNode(RVNode* node, int fl
     return flag;
 }
 
-void RVBiconnectedComponentsOutputData::buildComponentList(RVDList& list) const { m_components.buildCopies(list); }
+void RVBiconnectedComponentsOutputData::buildComponentList(RVDList& list) const {
+    m_components.buildCopies(list);
+}
 
 void RVBiconnectedComponentsOutputData::buildArticulationNodeList(RVNodeDList& list) const {
     list = *m_articulationNodes;
@@ -38,7 +40,7 @@ void RVBiconnectedComponentsOutputData::reset() {
     m_articulationNodes->deleteAllCells();
 }
 
-RVServiceErrorCodeEnum RVBiconnectedComponentsAlgorithm::checkData() { return RVInternalGraphAlgorithm::checkData(); }
+RVServiceErrorCodeEnum RVBiconnectedComponentsAlgorithm::checkData() { return checkInputGraph(); }
 
 int RVBiconnectedComponentsAlgorithm::directed() const { return 0; }
 
@@ -100,7 +102,8 @@ void RVBiconnectedComponentsAlgorithm::generateOutputData() {
     output->pAssociatedGraph(data->pInputGraph());
     for (RVDListIter it(data->pComponentList()); it; it++) {
         RVNodeDList* block = output->addComponent();
-        for (RVNode* node : *RVNodeDList::castDown(it.pObject())) block->appendNode(data->pOriginalNode(node));
+        for (RVNode* node : *RVNodeDList::castDown(it.pObject()))
+            block->appendNode(data->pOriginalNode(node));
     }
     for (RVNode* node : *data->pArticulationNodeList()) {
         output->pArticulationNodeList()->appendNode(data->pOriginalNode(node));

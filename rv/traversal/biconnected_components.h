@@ -1,12 +1,12 @@
-// Biconnected components: splits a graph, with directions ignored, into its blocks, and finds the articulation
-// nodes that join them.
+// Biconnected components: splits a graph, with directions ignored, into its blocks, and finds the
+// articulation nodes that join them.
 //
 // A block lists its nodes in the reverse of their discovery order, its first node last; blocks come in the
 // order in which the depth-first search closes them. A node that joins blocks is in each of them. A node
 // without edges to other nodes is a block of its own; self-loops and parallel edges play no part.
 //
-// Articulation nodes come in the order in which they are found to be ones: a node with a parent when its first
-// block closes, the root of a search tree when its second one does.
+// Articulation nodes come in the order in which they are found to be ones: a node with a parent when its
+// first block closes, the root of a search tree when its second one does.
 //
 // No recursion. Codes of run: RV_NO_ERROR, RV_NO_INPUT_GRAPH, RV_NO_GRAPH_FACTORY, and the framework's.
 // Method: Hopcroft and Tarjan 1973. O(n + m) time and space.
@@ -60,7 +60,9 @@ public:
     RVNode* pJoiningRoot() const { return m_pJoiningRoot; }
     RVNode* pJoiningRoot(RVNode* node) { return m_pJoiningRoot = node; }
 
-    int lowptr(RVNode* node) const { return constRecord<RVNodeExtensionBiconnectedComponents>(node).lowptr(); }
+    int lowptr(RVNode* node) const {
+        return constRecord<RVNodeExtensionBiconnectedComponents>(node).lowptr();
+    }
     int lowptr(RVNode* node, int number);
     int isArticulationNode(RVNode* node) const {
         return constRecord<RVNodeExtensionBiconnectedComponents>(node).isArticulationNode();

@@ -12,7 +12,9 @@ RV_OBJECT_IMPL(RVConnectedComponentsInputData)
 RV_OBJECT_IMPL(RVConnectedComponentsOutputData)
 RV_OBJECT_IMPL(RVConnectedComponentsAlgorithm)
 
-void RVConnectedComponentsOutputData::buildComponentList(RVDList& list) const { m_components.buildCopies(list); }
+void RVConnectedComponentsOutputData::buildComponentList(RVDList& list) const {
+    m_components.buildCopies(list);
+}
 
 int RVConnectedComponentsOutputData::componentNumber(RVNode* node, int number) {
     if (auto* own = record<RVNodeExtensionTraversal>(node)) own->orderNumber(number);
@@ -28,7 +30,7 @@ RVNodeAlgorithmExtension* RVConnectedComponentsOutputData::newNodeAlgorithmExten
     return newRecord<RVNodeExtensionTraversal>(node);
 }
 
-RVServiceErrorCodeEnum RVConnectedComponentsAlgorithm::checkData() { return RVInternalGraphAlgorithm::checkData(); }
+RVServiceErrorCodeEnum RVConnectedComponentsAlgorithm::checkData() { return checkInputGraph(); }
 
 int RVConnectedComponentsAlgorithm::directed() const { return 0; }
 

@@ -40,7 +40,9 @@ public:
     // A new empty component behind all others.
     RVNodeDList* addComponent() { return m_components.add(); }
     // From 1; 0 before a run.
-    int componentNumber(RVNode* node) const { return constRecord<RVNodeExtensionTraversal>(node).orderNumber(); }
+    int componentNumber(RVNode* node) const {
+        return constRecord<RVNodeExtensionTraversal>(node).orderNumber();
+    }
     int componentNumber(RVNode* node, int number);
 
     void reset() override;

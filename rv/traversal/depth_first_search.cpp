@@ -1,6 +1,6 @@
 // The traversal engine with the candidate list as a stack: the out-edges of a newly reached node go in front.
-// An edge stays in front while what it leads to is searched, and is taken off when it comes up again; the node
-// whose last edge is taken off is complete.
+// An edge stays in front while what it leads to is searched, and is taken off when it comes up again; the
+// node whose last edge is taken off is complete.
 
 #include "rv/traversal/depth_first_search.h"
 
@@ -77,7 +77,9 @@ void RVDepthFirstSearchAlgorithm::parseInputData() {
     parseTraversalInput(*RVDepthFirstSearchInputData::castDown(pInputData()));
 }
 
-RVAlgorithmData* RVDepthFirstSearchAlgorithm::newInternalData() { return new RVDepthFirstSearchInternalData(); }
+RVAlgorithmData* RVDepthFirstSearchAlgorithm::newInternalData() {
+    return new RVDepthFirstSearchInternalData();
+}
 
 RVEdge* RVDepthFirstSearchAlgorithm::pNextEdge() {
     RVDepthFirstSearchInternalData* data = pDepthFirstSearchInternalData();
@@ -86,7 +88,8 @@ RVEdge* RVDepthFirstSearchAlgorithm::pNextEdge() {
         RVEdge* edge = RVTraversalAlgorithm::pNextEdge();
         if (edge == nullptr || data->traversed(edge) == 0) return edge;
         RVNode* source = edge->pSourceNode();
-        if (data->firedNumber(source) == source->outDegree()) completeNodeVisit(source, data->pParentNode(source));
+        if (data->firedNumber(source) == source->outDegree())
+            completeNodeVisit(source, data->pParentNode(source));
         candidates->discardCell(candidates->pFirstCell());
     }
 }
@@ -128,7 +131,8 @@ void RVDepthFirstSearchAlgorithm::generateOutputData() {
         output->orderNumber(original, data->orderNumber(node));
         output->completionNumber(original, data->completionNumber(node));
         output->pParentNode(original, data->pOriginalNode(data->pParentNode(node)));
-        for (RVEdge* loop : data->reflexiveEdges(node)) output->edgeType(data->pOriginalEdge(loop), RVBackEdge);
+        for (RVEdge* loop : data->reflexiveEdges(node))
+            output->edgeType(data->pOriginalEdge(loop), RVBackEdge);
     }
     for (RVEdge* edge : *data->pTraversedEdgeList()) {
         const RVAnalysisEdgeTypeEnum type = typeOf(edge);
@@ -148,13 +152,14 @@ RVAnalysisEdgeTypeEnum RVDepthFirstSearchAlgorithm::typeOf(RVEdge* edge) const {
     return directed() == 0 || data->directed(edge) == 0 ? RVBackEdge : RVForwardEdge;
 }
 
-RVAnalysisEdgeTypeEnum RVDepthFirstSearchAlgorithm::typeOfParallel(RVEdge* parallel,
-                                                                   RVAnalysisEdgeTypeEnum representativeType) const {
+RVAnalysisEdgeTypeEnum RVDepthFirstSearchAlgorithm::typeOfParallel(
+    RVEdge* parallel, RVAnalysisEdgeTypeEnum representativeType) const {
     const RVDepthFirstSearchInternalData* data = pDepthFirstSearchInternalData();
     if (representativeType == RVCrossEdge) return RVCrossEdge;
     if (directed() == 0 || data->directed(parallel) == 0) return RVBackEdge;
-    return data->orderNumber(parallel->pSourceNode()) < data->orderNumber(parallel->pTargetNode()) ? RVForwardEdge
-                                                                                                   : RVBackEdge;
+    return data->orderNumber(parallel->pSourceNode()) < data->orderNumber(parallel->pTargetNode())
+               ? RVForwardEdge
+               : RVBackEdge;
 }
 
 // A reverse edge never spoils the tree edge for which it was made.

@@ -24,14 +24,21 @@
 
 #include "rv/traversal/traversal.h"
 
-enum RVAnalysisEdgeTypeEnum { RVNoEdgeType = 0, RVTreeEdge = 1, RVForwardEdge = 2, RVBackEdge = 3, RVCrossEdge = 4 };
+enum RVAnalysisEdgeTypeEnum {
+    RVNoEdgeType = 0,
+    RVTreeEdge = 1,
+    RVForwardEdge = 2,
+    RVBackEdge = 3,
+    RVCrossEdge = 4
+};
 
 class RV_EXPORT RVNodeExtensionDepthFirstSearch : public RVNodeExtensionTraversal {
     RV_PLAIN_RECORD(RVNodeExtensionDepthFirstSearch)
 
 public:
     RVNodeExtensionDepthFirstSearch() = default;
-    RVNodeExtensionDepthFirstSearch(RVNode* node, const RVAlgorithmData* data) : RVNodeExtensionTraversal(node, data) {}
+    RVNodeExtensionDepthFirstSearch(RVNode* node, const RVAlgorithmData* data)
+        : RVNodeExtensionTraversal(node, data) {}
 
     int completionNumber() const { return m_completionNumber; }
     int completionNumber(int number) { return m_completionNumber = number; }
@@ -49,7 +56,8 @@ class RV_EXPORT RVEdgeExtensionDepthFirstSearch : public RVEdgeExtensionTraversa
 
 public:
     RVEdgeExtensionDepthFirstSearch() = default;
-    RVEdgeExtensionDepthFirstSearch(RVEdge* edge, const RVAlgorithmData* data) : RVEdgeExtensionTraversal(edge, data) {}
+    RVEdgeExtensionDepthFirstSearch(RVEdge* edge, const RVAlgorithmData* data)
+        : RVEdgeExtensionTraversal(edge, data) {}
 
     RVAnalysisEdgeTypeEnum edgeType() const { return m_edgeType; }
     RVAnalysisEdgeTypeEnum edgeType(RVAnalysisEdgeTypeEnum type) { return m_edgeType = type; }
@@ -70,7 +78,9 @@ public:
         return constRecord<RVNodeExtensionDepthFirstSearch>(node).completionNumber();
     }
     int completionNumber(RVNode* node, int number);
-    int firedNumber(RVNode* node) const { return constRecord<RVNodeExtensionDepthFirstSearch>(node).firedNumber(); }
+    int firedNumber(RVNode* node) const {
+        return constRecord<RVNodeExtensionDepthFirstSearch>(node).firedNumber();
+    }
     int firedNumber(RVNode* node, int number);
 
 protected:

@@ -30,7 +30,7 @@ void RVPathExistsTestOutputData::reset() {
 }
 
 RVServiceErrorCodeEnum RVPathExistsTestAlgorithm::checkData() {
-    RVServiceErrorCodeEnum code = RVInternalGraphAlgorithm::checkData();
+    RVServiceErrorCodeEnum code = checkInputGraph();
     if (code != RV_NO_ERROR) return code;
     const auto* input = RVPathExistsTestInputData::castDown(pInputData());
     code = rv::checkNode(input->pStartNode(), *input, RV_NO_START_NODE, RV_START_NODE_NOT_IN_GRAPH);
@@ -68,7 +68,8 @@ void RVPathExistsTestAlgorithm::generateOutputData() {
     output->pAssociatedGraph(data->pInputGraph());
     output->pathExists(data->reached());
     if (data->reached() == 0) {
-        for (RVNode* node : *data->pVisitedNodeList()) output->pVisitedNodeList()->appendNode(data->pOriginalNode(node));
+        for (RVNode* node : *data->pVisitedNodeList())
+            output->pVisitedNodeList()->appendNode(data->pOriginalNode(node));
         return;
     }
     for (RVNode* node = data->pFinishNode(); node != data->pStartNode();) {

@@ -1,8 +1,8 @@
 // The nodes or edges of a graph that a run has not dealt with yet, in graph order. Internal to the library.
 //
-// Most runs only take members away and ask for the first one left. So members are kept as an array with marks,
-// which costs little, and become a list when somebody asks for the list. From then on the list, which may
-// be changed by whoever asked, is what holds, and members are taken out of it by handles.
+// Most runs only take members away and ask for the first one left. So members are kept as an array with
+// marks, which costs little, and become a list when somebody asks for the list. From then on the list, which
+// may be changed by whoever asked, is what holds, and members are taken out of it by handles.
 #pragma once
 
 #include <cstddef>

@@ -49,9 +49,7 @@ RVNodeAlgorithmExtension* RVStronglyConnectedComponentsOutputData::newNodeAlgori
     return newRecord<RVNodeExtensionTraversal>(node);
 }
 
-RVServiceErrorCodeEnum RVStronglyConnectedComponentsAlgorithm::checkData() {
-    return RVInternalGraphAlgorithm::checkData();
-}
+RVServiceErrorCodeEnum RVStronglyConnectedComponentsAlgorithm::checkData() { return checkInputGraph(); }
 
 int RVStronglyConnectedComponentsAlgorithm::directed() const { return 1; }
 
@@ -111,7 +109,8 @@ void RVStronglyConnectedComponentsAlgorithm::generateOutputData() {
     }
 }
 
-void RVStronglyConnectedComponentsAlgorithm::createEdgeList(const RVNodeDList& componentNodes, RVEdgeDList& edges) {
+void RVStronglyConnectedComponentsAlgorithm::createEdgeList(const RVNodeDList& componentNodes,
+                                                            RVEdgeDList& edges) {
     RVStronglyConnectedComponentsInternalData* data = pData();
     for (RVNode* node : componentNodes) data->touched(node, 1);
     for (RVNode* node : componentNodes) {

@@ -2,8 +2,8 @@
 // another, with the edges inside each set.
 //
 // Components are numbered from 1 in reverse topological order: a component comes before every one from which
-// it can be reached. Its nodes stand in the reverse of their discovery order, and its edges node after node in
-// that order, each node's out-edges followed by its self-loops; parallel edges follow the first of them.
+// it can be reached. Its nodes stand in the reverse of their discovery order, and its edges node after node
+// in that order, each node's out-edges followed by its self-loops; parallel edges follow the first of them.
 //
 // No recursion. Codes of run: RV_NO_ERROR, RV_NO_INPUT_GRAPH, RV_NO_GRAPH_FACTORY, and the framework's.
 // Method: Gabow 2000. O(n + m) time and space.
@@ -59,7 +59,9 @@ public:
         return constRecord<RVNodeExtensionStronglyConnectedComponents>(node).inUnfinished();
     }
     int inUnfinished(RVNode* node, int flag);
-    int touched(RVNode* node) const { return constRecord<RVNodeExtensionStronglyConnectedComponents>(node).touched(); }
+    int touched(RVNode* node) const {
+        return constRecord<RVNodeExtensionStronglyConnectedComponents>(node).touched();
+    }
     int touched(RVNode* node, int flag);
 
 protected:
@@ -98,7 +100,9 @@ public:
     void buildComponentList(RVDList& list) const;
     void buildEdgeComponentList(RVDList& list) const;
     // From 1; 0 before a run.
-    int componentNumber(RVNode* node) const { return constRecord<RVNodeExtensionTraversal>(node).orderNumber(); }
+    int componentNumber(RVNode* node) const {
+        return constRecord<RVNodeExtensionTraversal>(node).orderNumber();
+    }
     int componentNumber(RVNode* node, int number);
 
     void reset() override;

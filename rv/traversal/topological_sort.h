@@ -64,7 +64,8 @@ class RV_EXPORT RVNodeExtensionTopologicalSort : public RVNodeAnalysisExtension 
 
 public:
     RVNodeExtensionTopologicalSort() = default;
-    RVNodeExtensionTopologicalSort(RVNode* node, const RVAlgorithmData* data) : RVNodeAnalysisExtension(node, data) {}
+    RVNodeExtensionTopologicalSort(RVNode* node, const RVAlgorithmData* data)
+        : RVNodeAnalysisExtension(node, data) {}
     int orderNumber() const { return m_orderNumber; }
     int orderNumber(int number) { return m_orderNumber = number; }
 
@@ -82,7 +83,9 @@ protected:
     RVServiceErrorCodeEnum algorithmBody() override;
 
 private:
-    int inDegree(const RVNode* node) const { return m_inDegrees[static_cast<std::size_t>(node->denseIndex())]; }
+    int inDegree(const RVNode* node) const {
+        return m_inDegrees[static_cast<std::size_t>(node->denseIndex())];
+    }
     int inDegree(const RVNode* node, int value) {
         return m_inDegrees[static_cast<std::size_t>(node->denseIndex())] = value;
     }

@@ -90,7 +90,8 @@ RVNode* RVTraversalInternalData::pFirstUnvisitedNode(int enough) {
     RVNode* first = unvisited.first();
     if (first == nullptr || first->inDegree() <= enough) return first;
     StartNodes& start = m_startNodes.get();
-    const bool sorted = start.enough == enough && start.modifications == pAssociatedGraph()->modificationCount();
+    const bool sorted =
+        start.enough == enough && start.modifications == pAssociatedGraph()->modificationCount();
     if (!sorted || !unvisited.isUntouched()) sortUnvisited(enough);
     while (start.next < start.nodes.size() && !unvisited.isPending(start.nodes[start.next])) ++start.next;
     return start.next < start.nodes.size() ? start.nodes[start.next] : first;
@@ -151,6 +152,7 @@ void RVTraversalAlgorithm::privatePreprocessGraph() {
         addReverseEdges();
         pTraversalInternalData()->wasMadeDirected(1);
     }
+    // NOLINTNEXTLINE(clang-analyzer-core.CallAndMessage): there is internal data throughout a run
     pTraversalInternalData()->listUnvisited(pAssociatedGraph());
 }
 
@@ -172,7 +174,16 @@ void RVTraversalAlgorithm::copyEdgeProperties(RVEdge* newEdge, RVEdge* edge) {
 }
 
 void RVTraversalAlgorithm::privatePostprocessGraph() {
-    RVInternalGraphAlgorithm::privatePostprocessGraph();
+    try {
+        RVInternalGraphAlgorithm::privatePostprocessGraph();
+    } catch (...) {
+        removeReverseEdges();
+        throw;
+    }
+    removeReverseEdges();
+}
+
+void RVTraversalAlgorithm::removeReverseEdges() {
     if (directed() != 0) return;
     pTraversalInternalData()->wasMadeDirected(0);
     RVGraph* graph = pAssociatedGraph();

@@ -26,7 +26,8 @@ class RV_EXPORT RVNodeExtensionTraversal : public RVNodeAnalysisExtension {
 
 public:
     RVNodeExtensionTraversal() = default;
-    RVNodeExtensionTraversal(RVNode* node, const RVAlgorithmData* data) : RVNodeAnalysisExtension(node, data) {}
+    RVNodeExtensionTraversal(RVNode* node, const RVAlgorithmData* data)
+        : RVNodeAnalysisExtension(node, data) {}
 
     // For the subclass's use; the searches count how often the node was reached.
     int counter() const { return m_counter; }
@@ -50,7 +51,8 @@ class RV_EXPORT RVEdgeExtensionTraversal : public RVEdgeAnalysisExtension {
 
 public:
     RVEdgeExtensionTraversal() = default;
-    RVEdgeExtensionTraversal(RVEdge* edge, const RVAlgorithmData* data) : RVEdgeAnalysisExtension(edge, data) {}
+    RVEdgeExtensionTraversal(RVEdge* edge, const RVAlgorithmData* data)
+        : RVEdgeAnalysisExtension(edge, data) {}
 
     int traversed() const { return m_traversed; }
     int traversed(int flag) { return m_traversed = flag; }
@@ -69,7 +71,8 @@ class RV_EXPORT RVEdgeExtensionTraversalInput : public RVEdgeAlgorithmExtension 
 
 public:
     RVEdgeExtensionTraversalInput() = default;
-    RVEdgeExtensionTraversalInput(RVEdge* edge, const RVAlgorithmData* data) : RVEdgeAlgorithmExtension(edge, data) {}
+    RVEdgeExtensionTraversalInput(RVEdge* edge, const RVAlgorithmData* data)
+        : RVEdgeAlgorithmExtension(edge, data) {}
 
     int directed() const { return m_directed; }
     int directed(int flag) { return m_directed = flag; }
@@ -217,9 +220,9 @@ protected:
     void privatePreprocessGraph() override;
     void privatePostprocessGraph() override;
 
-    // The edge to be traversed next; none ends the search. Here: the first candidate, which stays in its list;
-    // before that, when there is no candidate, findStartNode's node is visited, and when there still is none,
-    // the source of findStartEdge's edge.
+    // The edge to be traversed next; none ends the search. Here: the first candidate, which stays in its
+    // list; before that, when there is no candidate, findStartNode's node is visited, and when there still is
+    // none, the source of findStartEdge's edge.
     virtual RVEdge* pNextEdge();
     // Where to start, or to start again; none ends the search unless findStartEdge gives an edge.
     virtual RVNode* findStartNode();
@@ -245,6 +248,7 @@ protected:
 
 private:
     void addReverseEdges();
+    void removeReverseEdges();
 
     // The detached reverse edges of a run on the caller's graph, which cleanup destroys.
     rv::Uncopied<std::vector<RVEdge*>> m_reverseEdges;

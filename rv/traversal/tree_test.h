@@ -1,8 +1,8 @@
 // Tree test: whether a graph is a forest and whether it is a tree.
 //
 // Directions are ignored, unless the input says directed: then every tree of a forest must have one root, a
-// node without in-edges, and no node more than one in-edge. Self-loops and parallel edges count as edges, so a
-// graph with either is neither. The empty graph is a tree but no forest.
+// node without in-edges, and no node more than one in-edge. Self-loops and parallel edges count as edges, so
+// a graph with either is neither. The empty graph is a tree but no forest.
 //
 // Codes of run: RV_NO_ERROR, RV_NO_INPUT_GRAPH, RV_NO_GRAPH_FACTORY, RV_ALGORITHM_FAILURE when the component
 // search that it runs fails, and the framework's. Debug mode then prints the code. Every run starts afresh.
