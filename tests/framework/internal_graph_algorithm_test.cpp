@@ -1,0 +1,381 @@
+// The working copy: what the body sees, which hooks are called, and that nothing of it is left.
+
+#include "rv/framework/internal_graph_algorithm.h"
+
+#include <gtest/gtest.h>
+
+#include <map>
+#include <set>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "rv/foundation/graph_iterators.h"
+#include "tests/snapshot.h"
+#include "tests/test_graph.h"
+
+namespace {
+
+using rvtest::drawing;
+using rvtest::orders;
+using rvtest::randomText;
+using rvtest::rearrange;
+using rvtest::Runner;
+using rvtest::snapshot;
+using rvtest::TestGraph;
+using rvtest::text;
+
+class NoOutput : public RVAnalysisOutputData {
+public:
+    void reset() override {}
+};
+
+class Plain : public RVInternalGraphAlgorithm {
+public:
+    int direction = 1;
+    int directed() const override { return direction; }
+
+protected:
+    RVServiceErrorCodeEnum algorithmBody() override { return RV_NO_ERROR; }
+};
+
+// Notes the calls of hooks: +reverse edge, ?edge that is to be represented, edge[its parallels], {graph /
+// isolated nodes / loops} in the body, !edge that comes back, {graph} at last.
+class Probe : public Plain {
+public:
+    bool takesLast = false;  // of a group
+    int throwAt = -1;        // the number of the note that throws
+    RVGraph* forbidden = nullptr;
+    std::string trace;
+
+protected:
+    void note(const std::string& step) {
+        trace += " " + step;
+        if (throwAt-- == 0) throw std::runtime_error(step);
+    }
+    RVServiceErrorCodeEnum algorithmBody() override {
+        EXPECT_NE(pAssociatedGraph(), forbidden);
+        const RVAnalysisInternalData* const data = pAnalysisInternalData();
+        RVEdgeDList loops;
+        for (const RVNodeDList* nodes : {pAssociatedGraph()->pNodeList(), data->pDisconnectedNodeList()}) {
+            for (RVNode* node : *nodes) loops.copyAppendList(&data->reflexiveEdges(node));
+        }
+        note("{" + drawing(pAssociatedGraph()) + " / " + text(*data->pDisconnectedNodeList()) + " / " +
+             text(loops) + "}");
+        return RV_NO_ERROR;
+    }
+    void postprocessGraph() override {
+        RVInternalGraphAlgorithm::postprocessGraph();
+        note("{" + drawing(pAssociatedGraph()) + "}");
+    }
+
+    void parseInputData() override {
+        for (RVEdge* edge : *pAssociatedGraph()->pEdgeList()) {
+            EXPECT_EQ(text(pInternalData()->pOriginalEdge(edge)), text(edge));
+            pAnalysisInternalData()->directed(edge, rvtest::undirected(edge) ? 0 : 1);
+        }
+    }
+    void actOnAddReverseEdge(RVEdge* newEdge, RVEdge* edge) override {
+        newEdge->pNameString(L":r");
+        note("+" + text(newEdge));
+        RVInternalGraphAlgorithm::actOnAddReverseEdge(newEdge, edge);
+        RVAnalysisInternalData* const data = pAnalysisInternalData();
+        EXPECT_EQ(data->dummyEdge(newEdge), 1);
+        EXPECT_EQ(data->directed(newEdge), 0);
+        EXPECT_EQ(data->pOriginalEdge(newEdge), data->pOriginalEdge(edge));
+    }
+    void preprocessMultiEdges() override {
+        const std::size_t from = trace.size();
+        const std::string expected = multiEdgesByRule();
+        RVInternalGraphAlgorithm::preprocessMultiEdges();
+        EXPECT_EQ(trace.substr(from), expected);
+    }
+    RVEdge* selectRepresentativeEdge(RVEdge* edge) override {
+        note("?" + text(edge));
+        return takesLast ? parallelsByRule(edge).back()
+                         : RVInternalGraphAlgorithm::selectRepresentativeEdge(edge);
+    }
+    void actOnRemoveMultiEdges(RVEdge* edge, RVEdgeDList* list) override {
+        note(text(edge) + "[" + text(*list) + "]");
+        for (RVEdge* parallel : *list) {
+            EXPECT_EQ(parallel->pOwnerGraph(), pAssociatedGraph());
+            EXPECT_EQ(pAnalysisInternalData()->removedAsMultiEdge(parallel), 1);
+        }
+    }
+    void actOnInsertMultiEdge(RVEdge* edge) override {
+        EXPECT_EQ(edge->pOwnerGraph(), nullptr);
+        note("!" + text(edge));
+    }
+
+private:
+    // Edge by edge and list by list.
+    std::vector<RVEdge*> parallelsByRule(const RVEdge* edge) const {
+        std::vector<RVEdge*> all;
+        for (RVEdge* other : *edge->pSourceNode()->pOutEdgeList()) {
+            if (other->pTargetNode() == edge->pTargetNode()) all.push_back(other);
+        }
+        for (RVEdge* other : *edge->pSourceNode()->pInEdgeList()) {
+            if (direction == 0 && other->pSourceNode() == edge->pTargetNode()) all.push_back(other);
+        }
+        return all;
+    }
+    std::string multiEdgesByRule() const {
+        std::set<RVEdge*> removed;
+        std::map<RVEdge*, std::string> lists;
+        std::string asked;
+        std::vector<RVEdge*> representatives;
+        for (RVEdge* edge : *pAssociatedGraph()->pEdgeList()) {
+            if (removed.count(edge) != 0 || !lists[edge].empty()) continue;
+            asked += " ?" + text(edge);
+            const std::vector<RVEdge*> parallels = parallelsByRule(edge);
+            representatives.push_back(takesLast ? parallels.back() : edge);
+            for (RVEdge* other : parallels) {
+                if (other == representatives.back()) continue;
+                removed.insert(other);
+                lists[representatives.back()] += " " + text(other);
+            }
+        }
+        for (RVEdge* each : representatives) {
+            asked += " " + text(each) + "[" + (lists[each].empty() ? "" : lists[each].substr(1)) + "]";
+        }
+        return asked;
+    }
+};
+
+using ProbeRun = Runner<Probe, RVAnalysisInputData, NoOutput>;
+
+TEST(InternalGraphAlgorithm, NormalisesAndRestoresStepByStep) {
+    const struct {
+        const char* what;
+        int directed;
+        bool takesLast;
+        const char* graph;
+        const char* trace;
+    } cases[] = {
+        {"nothing", 1, false, "", " { /  / } {}"},
+        {"reverse of an undirected edge", 1, false, "a--b",
+         " +b->a:r ?a--b ?b->a:r a--b[] b->a:r[] {a b a--b b->a:r /  / } {a b a--b}"},
+        {"none in an undirected run", 0, false, "a--b", " ?a--b a--b[] {a b a--b /  / } {a b a--b}"},
+        {"none of a loop", 1, false, "a--a a->b", " ?a->b a->b[] {a b a->b /  / a--a} {a b a->b a--a}"},
+        {"reverse edges behind all others", 1, false, "a--b b->a b--c",
+         " +b->a:r +c->b:r ?a--b ?b->a ?b--c ?c->b:r a--b[] b->a[b->a:r] b--c[] c->b:r[]"
+         " {a b c a--b b->a b--c c->b:r /  / } !b->a:r {a b c a--b b->a b--c}"},
+        {"parallels in a directed run", 1, false, "a->b:1 a->b:2 b->a a->b:3",
+         " ?a->b:1 ?b->a a->b:1[a->b:2 a->b:3] b->a[] {a b a->b:1 b->a /  / }"
+         " !a->b:2 !a->b:3 {a b a->b:1 b->a a->b:2 a->b:3}"},
+        {"and in an undirected one: out-edges before in-edges", 0, false, "b->a:1 a->b:2 b--a:3 a->b:4",
+         " ?b->a:1 b->a:1[b--a:3 a->b:2 a->b:4] {b a b->a:1 /  / }"
+         " !b--a:3 !a->b:2 !a->b:4 {b a b->a:1 b--a:3 a->b:2 a->b:4}"},
+        {"groups in the order of their first edges", 1, true, "a->b:1 c->d a->b:2 c->d:5",
+         " ?a->b:1 ?c->d a->b:2[a->b:1] c->d:5[c->d] {a b c d a->b:2 c->d:5 /  / }"
+         " !a->b:1 !c->d {a b c d a->b:2 c->d:5 a->b:1 c->d}"},
+        {"the last of an undirected group is an in-edge", 0, true, "b->a:1 a->b:2 b->a:3",
+         " ?b->a:1 a->b:2[b->a:1 b->a:3] {b a a->b:2 /  / } !b->a:1 !b->a:3 {b a a->b:2 b->a:1 b->a:3}"},
+        {"loops leave nodes isolated, which come back before them", 1, false, "c a->a:1 b->d a->a:2 e b->b",
+         " ?b->d b->d[] {b d b->d / c a e / b->b a->a:1 a->a:2}"
+         " {b d c a e b->d b->b a->a:1 a->a:2}"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.what);
+        const TestGraph g(c.graph);
+        ProbeRun run(g);
+        run.algorithm.direction = c.directed;
+        run.algorithm.takesLast = c.takesLast;
+        run.algorithm.forbidden = g;
+        EXPECT_EQ(run.run(), RV_NO_ERROR);
+        EXPECT_EQ(run.algorithm.trace, c.trace);
+    }
+}
+
+// A graph, and records of some other data on a part of its objects.
+struct Marked {
+    explicit Marked(const std::string& tokens, unsigned seed) : graph(tokens) {
+        rearrange(graph, seed);
+        for (RVNode* node : *graph->pNodeList()) {
+            if (data.pReflexiveEdgeList(node)->appendEdge(nullptr) != nullptr) node->pUserField(&data);
+        }
+        for (RVEdge* edge : *graph->pEdgeList()) data.directed(edge, 5);
+    }
+    RVAnalysisInternalData data;
+    TestGraph graph;
+};
+
+// Many runs of one object in all four ways, on graphs whose lists stand in all orders.
+TEST(InternalGraphAlgorithm, LeavesTheCallersGraphAsItWas) {
+    for (unsigned seed = 0; seed < 300; ++seed) {
+        const std::string tokens = randomText(seed, {.edges = 14, .least = 0, .most = 9, .undirected = 30});
+        SCOPED_TRACE("seed " + std::to_string(seed) + ": " + tokens);
+        Marked marked(tokens, seed);
+        const TestGraph& g = marked.graph;
+        const std::string before = snapshot(g);
+        ProbeRun run(g);
+        std::string traces[2][2];
+        for (const int way : {0, 1, 2, 3, 2, 1}) {
+            run.algorithm.direction = way % 2;
+            run.algorithm.useOriginalGraph(way / 2);
+            run.algorithm.takesLast = seed % 2 != 0;
+            run.algorithm.trace.clear();
+            const std::uint64_t changes = g->modificationCount();
+            ASSERT_EQ(run.run(), RV_NO_ERROR);
+            ASSERT_EQ(snapshot(g), before);
+            EXPECT_EQ(way < 2 ? g->modificationCount() : changes, changes);
+            std::string& trace = traces[way % 2][way / 2];
+            if (trace.empty()) trace = run.algorithm.trace;
+            EXPECT_EQ(run.algorithm.trace, trace);
+        }
+        for (const auto& sameDirection : traces) EXPECT_EQ(sameDirection[0], sameDirection[1]);
+    }
+}
+
+// Every call of a hook throws once, on the way there and back.
+TEST(InternalGraphAlgorithm, LeavesTheCallersGraphAsItWasWhenAHookThrows) {
+    const char* const graphs[] = {"a--b b->c b->c c->b a--a:1 d a->b b--c e->e", "a->b c->d a->b d->c c->d",
+                                  "a--b c--d:2"};
+    for (int way = 0; way < 12; ++way) {
+        Marked marked(graphs[way / 4], 1);
+        const TestGraph& g = marked.graph;
+        const std::string before = snapshot(g);
+        ProbeRun run(g);
+        run.algorithm.direction = way % 2;
+        run.algorithm.useOriginalGraph(way / 2 % 2);
+        bool isDone = false;
+        for (int call = 0; call < 50 && !isDone; ++call) {
+            run.algorithm.throwAt = call;
+            run.algorithm.trace.clear();
+            try {
+                EXPECT_EQ(run.run(), RV_NO_ERROR);
+                isDone = true;
+                EXPECT_GT(call, 5);
+            } catch (const std::runtime_error&) {
+            }
+            EXPECT_EQ(snapshot(g), before) << "way " << way << ", thrown after" << run.algorithm.trace;
+            EXPECT_EQ(run.algorithm.pInternalData(), nullptr);
+        }
+        EXPECT_TRUE(isDone);
+    }
+}
+
+TEST(InternalGraphAlgorithm, GrowsNothingInAThousandRuns) {
+    TestGraph g("a--b b->c b->c c->b c--c a->a d b--e e--b f--g:1 f--g:2");
+    ProbeRun run(g);
+    for (int i = 0; i < 4; ++i) {
+        run.algorithm.direction = i % 2;
+        run.algorithm.useOriginalGraph(i / 2);
+        run.run();
+    }
+    const std::string before = snapshot(g);
+    const int nodes = g->nodeIndexLimit();
+    const int edges = g->edgeIndexLimit();
+    for (int i = 0; i < 1000; ++i) {
+        run.algorithm.direction = i % 2;
+        run.algorithm.useOriginalGraph(i / 2 % 2);
+        ASSERT_EQ(run.run(), RV_NO_ERROR);
+    }
+    EXPECT_EQ(snapshot(g), before);
+    EXPECT_EQ(g->nodeIndexLimit(), nodes);
+    EXPECT_EQ(g->edgeIndexLimit(), edges);
+}
+
+// All spokes twice, first out of the centre and then into it: a walk over the centre's edges per edge would
+// take hours.
+TEST(InternalGraphAlgorithm, TakesAStarOfParallelEdges) {
+    constexpr int kSpokes = 50000;
+    class Counter : public Plain {
+    public:
+        int representatives = 0;
+        int parallels = 0;
+        int bodyEdges = 0;
+
+    protected:
+        void actOnRemoveMultiEdges(RVEdge*, RVEdgeDList* list) override {
+            ++representatives;
+            parallels += list->length();
+        }
+        RVServiceErrorCodeEnum algorithmBody() override {
+            bodyEdges = pAssociatedGraph()->numberOfEdges();
+            return RV_NO_ERROR;
+        }
+    };
+    TestGraph g("centre");
+    std::vector<RVNode*> ends(kSpokes);
+    for (RVNode*& end : ends) end = g->addNode();
+    for (int i = 0; i < 4 * kSpokes; ++i) {
+        RVNode* const end = ends[static_cast<std::size_t>(i % kSpokes)];
+        i < 2 * kSpokes ? g->addEdge(g->pFirstNode(), end) : g->addEdge(end, g->pFirstNode());
+    }
+    for (int way = 0; way < 4; ++way) {
+        Runner<Counter, RVAnalysisInputData, NoOutput> run(g);
+        run.algorithm.direction = way % 2;
+        run.algorithm.useOriginalGraph(way / 2);
+        ASSERT_EQ(run.run(), RV_NO_ERROR);
+        const int groups = way % 2 == 0 ? kSpokes : 2 * kSpokes;
+        EXPECT_EQ(run.algorithm.representatives, groups);
+        EXPECT_EQ(run.algorithm.bodyEdges, groups);
+        EXPECT_EQ(run.algorithm.parallels, 4 * kSpokes - groups);
+        EXPECT_EQ(g->numberOfEdges(), 4 * kSpokes);
+    }
+}
+
+// A subclass that hides edges which are no parallels, and one that must have a copy.
+TEST(InternalGraphAlgorithm, LetsSubclassesDecide) {
+    class Hider : public Probe {
+    public:
+        int canUseOriginalGraph() const override { return 0; }
+
+    protected:
+        void actOnRemoveMultiEdges(RVEdge* edge, RVEdgeDList* list) override {
+            Probe::actOnRemoveMultiEdges(edge, list);
+            if (text(edge) == "a->b")
+                list->appendEdge(findEdgeBetween(edge->pTargetNode(), edge->pSourceNode()));
+        }
+    };
+    const TestGraph g("a->b c->b b->a a->c");
+    Runner<Hider, RVAnalysisInputData, NoOutput> run(g);
+    run.algorithm.useOriginalGraph(1);
+    run.algorithm.forbidden = g;
+    EXPECT_EQ(run.run(), RV_NO_ERROR);
+    EXPECT_NE(run.algorithm.trace.find("{a b c a->b c->b a->c /  / } !b->a {a b c a->b c->b a->c b->a}"),
+              std::string::npos)
+        << run.algorithm.trace;
+}
+
+TEST(InternalGraphAlgorithm, ChecksItsDataInOrder) {
+    const TestGraph good("a");
+    RVGraph factoryless;
+    RVAnalysisInputData inputs[] = {RVAnalysisInputData(), RVAnalysisInputData(&factoryless),
+                                    RVAnalysisInputData(good)};
+    NoOutput output;
+    const struct {
+        RVAnalysisInputData* input;
+        RVAnalysisOutputData* output;
+        int code;
+    } cases[] = {
+        {nullptr, nullptr, 1001},    {nullptr, &output, 1001},  {&inputs[0], nullptr, 1002},
+        {&inputs[2], nullptr, 1002}, {&inputs[0], &output, 22}, {&inputs[1], &output, 21},
+        {&inputs[2], &output, 0},
+    };
+    for (const auto& c : cases) {
+        Probe probe;
+        probe.pInputData(c.input);
+        probe.pOutputData(c.output);
+        EXPECT_EQ(probe.run(), c.code);
+        EXPECT_EQ(probe.internalRun(), c.code);
+        EXPECT_EQ(probe.trace.empty(), c.code != 0);
+    }
+}
+
+TEST(InternalGraphAlgorithm, FindsTheFirstEdgeBetween) {
+    const TestGraph g("c->a a->b:1 a->b:2 c->b b->b");
+    const auto between = [&](const char* a, const char* b) {
+        return text(RVInternalGraphAlgorithm::findEdgeBetween(g.node(a), g.node(b)));
+    };
+    EXPECT_EQ(between("a", "b"), "a->b:1");
+    g.edge("a->b:1")->invertDirection();
+    EXPECT_EQ(between("a", "b"), "a->b:2");
+    EXPECT_EQ(between("b", "a"), "b->a:1");
+    EXPECT_EQ(between("a", "c"), "none");
+    EXPECT_EQ(between("b", "b"), "b->b");
+    EXPECT_EQ(RVInternalGraphAlgorithm::findEdgeBetween(nullptr, g.node("a")), nullptr);
+}
+
+}  // namespace
