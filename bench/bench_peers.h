@@ -1,0 +1,88 @@
+// The same graphs in this library and in those it is measured against, behind one interface: made from an
+// edge array, with the nodes in the order of their numbers.
+#pragma once
+
+#include <cstddef>
+#include <memory>
+#include <type_traits>
+#include <utility>
+#include <vector>
+
+#include "bench_graphs.h"
+#include "rv/foundation/graph.h"
+
+#ifdef RV_BENCH_BOOST
+#include <boost/graph/adjacency_list.hpp>
+#endif
+
+namespace bench {
+
+// Adds nodes and edges to a graph, in the order of their numbers, and gives the nodes.
+inline std::vector<RVNode*> build(RVGraph& graph, const EdgeArray& array) {
+    std::vector<RVNode*> nodes(static_cast<std::size_t>(array.nodes));
+    for (RVNode*& node : nodes) node = graph.addNode(0);
+    for (const auto& [source, target] : array.edges) {
+        graph.addEdge(nodes[static_cast<std::size_t>(source)], nodes[static_cast<std::size_t>(target)], 0);
+    }
+    return nodes;
+}
+
+struct RvGraph {
+    static constexpr const char* kName = "rv";
+
+    explicit RvGraph(const EdgeArray& array)
+        : graph(std::make_unique<RVGraph>(&factory)), nodes(build(*graph, array)) {}
+
+    void forgetNodes() { std::vector<RVNode*>().swap(nodes); }
+
+    RVAFactory factory;
+    std::unique_ptr<RVGraph> graph;
+    std::vector<RVNode*> nodes;
+};
+
+#ifdef RV_BENCH_BOOST
+
+template <class Selector, class NodeProperty = boost::no_property>
+struct BoostGraph {
+    using Graph = boost::adjacency_list<Selector, Selector, boost::bidirectionalS, NodeProperty>;
+    using Node = typename boost::graph_traits<Graph>::vertex_descriptor;
+    using Edge = typename boost::graph_traits<Graph>::edge_descriptor;
+
+    explicit BoostGraph(const EdgeArray& array) {
+        nodes.reserve(static_cast<std::size_t>(array.nodes));
+        for (int i = 0; i < array.nodes; ++i) {
+            if constexpr (std::is_same_v<NodeProperty, boost::no_property>) {
+                nodes.push_back(boost::add_vertex(graph));
+            } else {
+                nodes.push_back(boost::add_vertex(NodeProperty(static_cast<std::size_t>(i)), graph));
+            }
+        }
+        for (const auto& [source, target] : array.edges) {
+            boost::add_edge(nodes[static_cast<std::size_t>(source)], nodes[static_cast<std::size_t>(target)],
+                            graph);
+        }
+    }
+
+    void forgetNodes() { std::vector<Node>().swap(nodes); }
+
+    Graph graph;
+    std::vector<Node> nodes;
+};
+
+struct BoostListGraph : BoostGraph<boost::listS> {
+    static constexpr const char* kName = "boost_listS";
+    using BoostGraph::BoostGraph;
+};
+struct BoostVecGraph : BoostGraph<boost::vecS> {
+    static constexpr const char* kName = "boost_vecS";
+    using BoostGraph::BoostGraph;
+};
+// With the index that Boost's algorithms need of a graph whose nodes are not numbers.
+struct BoostIndexedGraph : BoostGraph<boost::listS, boost::property<boost::vertex_index_t, std::size_t>> {
+    static constexpr const char* kName = "boost_listS";
+    using BoostGraph::BoostGraph;
+};
+
+#endif
+
+}  // namespace bench
