@@ -1,0 +1,474 @@
+#include "rv/foundation/graph.h"
+
+#include <gtest/gtest.h>
+#include <pthread.h>
+
+#include <algorithm>
+#include <array>
+#include <deque>
+#include <map>
+#include <memory>
+#include <optional>
+#include <random>
+#include <set>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "rv/foundation/graph_iterators.h"
+#include "rv/framework/analysis_data.h"
+#include "tests/test_graph.h"
+
+namespace {
+
+using Ids = std::vector<int>;
+constexpr int kNone = -1;
+
+// Every member has its number in its user field.
+int idOf(const RVGraphObject* member) {
+    return member->pUserField() == nullptr ? kNone : *static_cast<const int*>(member->pUserField());
+}
+
+template <class List>
+Ids ids(const List& list) {
+    Ids result;
+    for (const auto* member : list) result.push_back(idOf(member));
+    return result;
+}
+
+// Three graphs beside a model of what they should be after surgery of all kinds. An edge is attached; or it
+// waits, and stands in the lists of exactly one detached end, its host; or it was removed by itself.
+class Surgery {
+public:
+    explicit Surgery(unsigned seed, int graphs) : m_random(seed), m_graphs(static_cast<std::size_t>(graphs)) {
+        for (std::size_t g = 0; g < m_graphs; ++g) m_real[g].emplace();
+    }
+
+    void step() {
+        static const std::string actions[] = {
+            "addNode",    "addNode",    "addEdge",    "addEdge",      "addEdge",      "removeNode",
+            "removeNode", "insertNode", "insertNode", "insertNode",   "removeEdge",   "insertEdge",
+            "insertEdge", "discard",    "invert",     "changeSource", "changeTarget", "newGraph"};
+        const std::string& action = actions[m_random() % std::size(actions)];
+        const std::size_t g = m_random() % m_graphs;
+        RVGraph& graph = *m_real[g];
+        const int n = pick(m_nodes);
+        const int n2 = pick(m_nodes);
+        const int e = pick(m_edges);
+        RVNode* const node = n == kNone ? nullptr : m_nodes[n].real;
+        RVNode* const node2 = n2 == kNone ? nullptr : m_nodes[n2].real;
+        RVEdge* const edge = e == kNone ? nullptr : m_edges[e].real;
+        const bool nodeIsHere = n != kNone && m_nodes[n].home == g;
+        const bool bothAreHere = nodeIsHere && n2 != kNone && m_nodes[n2].home == g;
+        const bool edgeIsHere = e != kNone && m_edges[e].home == g;
+        log << action << " in " << g << " nodes " << n << " " << n2 << " edge " << e << "; ";
+        if (action == "addNode" && m_nodes.size() < 4 + 3 * m_graphs) {
+            addNode(g);
+        } else if (action == "addEdge" && m_edges.size() < 24) {
+            RVEdge* const made = graph.addEdge(node, node2, 0);
+            ASSERT_EQ(made != nullptr, bothAreHere);
+            if (made != nullptr) addEdge(made, g, n, n2);
+        } else if (action == "removeNode") {
+            const bool expected = nodeIsHere && m_nodes[n].in;
+            EXPECT_EQ(graph.removeNode(node), expected ? node : nullptr);
+            if (expected) removeNode(n);
+        } else if (action == "insertNode") {
+            const bool expected = n != kNone && !m_nodes[n].in;
+            EXPECT_EQ(graph.insertNode(node), expected ? node : nullptr);
+            if (expected) insertNode(g, n);
+        } else if (action == "removeEdge") {
+            const bool expected = edgeIsHere && m_edges[e].state != Removed;
+            EXPECT_EQ(graph.removeEdge(edge), expected ? edge : nullptr);
+            if (!expected) return;
+            leave(e);
+            m_edges[e].state = Removed;
+        } else if (action == "insertEdge") {
+            const bool expected = bothAreHere && e != kNone && (edgeIsHere || m_edges[e].state != Attached);
+            EXPECT_EQ(graph.insertEdge(edge, node, node2), expected ? edge : nullptr);
+            if (!expected) return;
+            leave(e);
+            m_edges[e] = {edge, g, n, n2, Waiting};
+            enter(e);
+        } else if (action == "newGraph" && m_random() % 8 == 0) {
+            m_real[g].reset();
+            destroyed([&](int id) { return m_nodes[id].home == g; },
+                      [&](int id) { return m_edges[id].home == g; });
+            m_real[g].emplace();  // where the old one was
+        } else if (action == "discard" && m_random() % 2 == 0) {
+            graph.discardNode(nodeIsHere ? nullptr : node);
+            check();
+            if (n == kNone) return;
+            destroy(node, &RVGraph::discardNode);
+            destroyed([&](int id) { return id == n; }, [](int) { return false; });
+        } else if (action == "discard") {
+            graph.discardEdge(edgeIsHere ? nullptr : edge);
+            check();
+            if (e == kNone) return;
+            destroy(edge, &RVGraph::discardEdge);
+            destroyed([](int) { return false; }, [&](int id) { return id == e; });
+        } else if (edge != nullptr && (action == "changeSource" || action == "changeTarget")) {
+            const bool source = action == "changeSource";
+            source ? edge->changeSourceNode(node) : edge->changeTargetNode(node);
+            if (n != kNone && m_nodes[n].home == m_edges[e].home) changeEnd(e, n, source);
+        } else if (edge != nullptr && action == "invert") {
+            edge->invertDirection();
+            Edge& model = m_edges[e];
+            const Ids before = m_orders[model.home].edges;
+            leave(e);
+            std::swap(model.source, model.target);
+            enter(e);
+            m_orders[model.home].edges = before;
+        }
+    }
+
+    void check() {
+        std::set<std::pair<std::size_t, int>> nodeIndices;
+        std::set<std::pair<std::size_t, int>> edgeIndices;
+        for (std::size_t g = 0; g < m_graphs; ++g) {
+            if (!m_real[g]) continue;
+            const RVGraph& graph = *m_real[g];
+            EXPECT_EQ(ids(*graph.pNodeList()), m_orders[g].nodes);
+            EXPECT_EQ(ids(*graph.pEdgeList()), m_orders[g].edges);
+            EXPECT_EQ(graph.numberOfEdges(), static_cast<int>(m_orders[g].edges.size()));
+        }
+        for (const auto& [id, node] : m_nodes) {
+            SCOPED_TRACE(testing::Message() << "node " << id);
+            EXPECT_EQ(ids(*node.real->pOutEdgeList()), node.out);
+            EXPECT_EQ(ids(*node.real->pInEdgeList()), node.into);
+            EXPECT_EQ(node.real->degree(), static_cast<int>(node.out.size() + node.into.size()));
+            checkMember(*node.real, id, node.home, node.in);
+            EXPECT_LT(node.real->denseIndex(), m_real[node.home]->nodeIndexLimit());
+            EXPECT_TRUE(nodeIndices.emplace(node.home, node.real->denseIndex()).second);
+        }
+        for (const auto& [id, edge] : m_edges) {
+            SCOPED_TRACE(testing::Message() << "edge " << id);
+            EXPECT_EQ(edge.real->pSourceNode(), edge.source == kNone ? nullptr : m_nodes[edge.source].real);
+            EXPECT_EQ(edge.real->pTargetNode(), edge.target == kNone ? nullptr : m_nodes[edge.target].real);
+            checkMember(*edge.real, id, edge.home, edge.state == Attached);
+            EXPECT_EQ(m_data.directed(edge.real), id) << "the record stays with the edge";
+            EXPECT_LT(edge.real->denseIndex(), m_real[edge.home]->edgeIndexLimit());
+            EXPECT_TRUE(edgeIndices.emplace(edge.home, edge.real->denseIndex()).second);
+        }
+    }
+
+    // Copies each graph, and then destroys them one after the other.
+    void finish() {
+        for (std::size_t g = 0; g < m_graphs; ++g) {
+            RVGraph copy;
+            RVAlgorithmData data;
+            data.copyGraph(&*m_real[g], &copy);
+            EXPECT_EQ(rvtest::orders(&copy), rvtest::orders(&*m_real[g]));
+        }
+        for (std::size_t g = m_graphs; g-- > 0; check()) {
+            m_real[g].reset();
+            destroyed([&](int id) { return m_nodes[id].home == g; },
+                      [&](int id) { return m_edges[id].home == g; });
+        }
+    }
+
+    std::ostringstream log;
+
+private:
+    enum State { Attached, Waiting, Removed };
+    struct Node {
+        RVNode* real;
+        std::size_t home;
+        bool in;
+        Ids out, into;
+    };
+    struct Edge {
+        RVEdge* real;
+        std::size_t home;
+        int source, target;
+        State state;
+    };
+    struct Orders {
+        Ids nodes, edges;
+    };
+
+    template <class Map>
+    int pick(const Map& map) {
+        const std::size_t i = m_random() % (map.size() + 1);
+        return i == map.size() ? kNone : std::next(map.begin(), static_cast<std::ptrdiff_t>(i))->first;
+    }
+
+    void checkMember(const RVGraphMember& member, int id, std::size_t home, bool in) {
+        EXPECT_EQ(member.pHomeGraph(), &*m_real[home]);
+        EXPECT_EQ(member.pOwnerGraph(), in ? &*m_real[home] : nullptr);
+        EXPECT_EQ(member.pNameString(), std::to_wstring(id));
+        EXPECT_EQ(idOf(&member), id);
+        EXPECT_EQ(member.pIUserField(), id % 2 == 0 ? &m_data : nullptr);
+    }
+    // A new member has no name and empty fields, whatever one before it with its index had.
+    int enroll(RVGraphMember* member) {
+        EXPECT_STREQ(member->pNameString(), L"");
+        EXPECT_EQ(member->pUserField(), nullptr);
+        EXPECT_EQ(member->pIUserField(), nullptr);
+        const int id = static_cast<int>(m_ids.size());
+        member->pNameString(std::to_wstring(id).c_str());
+        member->pUserField(&m_ids.emplace_back(id));
+        if (id % 2 == 0) member->pIUserField(&m_data);
+        return id;
+    }
+    void addNode(std::size_t g) {
+        RVNode* const node = m_real[g]->addNode(0);
+        const int id = enroll(node);
+        m_nodes[id] = {node, g, true, {}, {}};
+        m_orders[g].nodes.push_back(id);
+    }
+    void addEdge(RVEdge* edge, std::size_t g, int source, int target) {
+        const int id = enroll(edge);
+        m_data.directed(edge, id);
+        m_edges[id] = {edge, g, source, target, Waiting};
+        enter(id);
+    }
+
+    // The edge leaves all lists.
+    void leave(int id) {
+        const Edge& edge = m_edges[id];
+        std::erase(m_orders[edge.home].edges, id);
+        if (edge.source != kNone) std::erase(m_nodes[edge.source].out, id);
+        if (edge.target != kNone) std::erase(m_nodes[edge.target].into, id);
+    }
+    // And enters those where it belongs at the end.
+    void enter(int id) {
+        Edge& edge = m_edges[id];
+        if (edge.state == Removed) return;
+        Node& source = m_nodes[edge.source];
+        Node& target = m_nodes[edge.target];
+        if (source.in && target.in && source.home != target.home) {
+            edge.state = Removed;
+        } else if (source.in && target.in) {
+            edge.state = Attached;
+            edge.home = source.home;
+            m_orders[edge.home].edges.push_back(id);
+            source.out.push_back(id);
+            target.into.push_back(id);
+        } else {
+            edge.state = Waiting;
+            // Of two detached ends either may be the host.
+            const int host = source.in                                                         ? edge.target
+                             : target.in                                                       ? edge.source
+                             : source.real->pOutEdgeList()->searchObject(edge.real) != nullptr ? edge.source
+                                                                                               : edge.target;
+            if (edge.source == host) source.out.push_back(id);
+            if (edge.target == host) target.into.push_back(id);
+        }
+    }
+
+    void removeNode(int n) {
+        Node& node = m_nodes[n];
+        node.in = false;
+        std::erase(m_orders[node.home].nodes, n);
+        for (const Ids* list : {&node.out, &node.into}) {
+            for (int id : *list) {
+                Edge& edge = m_edges[id];
+                edge.state = Waiting;
+                std::erase(m_orders[node.home].edges, id);
+                if (edge.source != n) std::erase(m_nodes[edge.source].out, id);
+                if (edge.target != n) std::erase(m_nodes[edge.target].into, id);
+            }
+        }
+    }
+    void insertNode(std::size_t g, int n) {
+        Node& node = m_nodes[n];
+        node.in = true;
+        node.home = g;
+        m_orders[g].nodes.push_back(n);
+        const Ids out = node.out;
+        const Ids into = node.into;
+        for (const Ids* list : {&out, &into}) {
+            for (int id : *list) {
+                Edge& edge = m_edges[id];
+                const bool isLoop = edge.source == edge.target;
+                if (isLoop && list == &into) continue;
+                const Node& other = m_nodes[edge.source == n ? edge.target : edge.source];
+                if (!other.in || other.home != g) {
+                    leave(id);
+                    enter(id);
+                    continue;
+                }
+                // Back from the node's own lists, where it keeps its place.
+                edge.state = Attached;
+                edge.home = g;
+                m_orders[g].edges.push_back(id);
+                if (isLoop) continue;
+                if (list == &out) m_nodes[edge.target].into.push_back(id);
+                if (list == &into) m_nodes[edge.source].out.push_back(id);
+            }
+        }
+    }
+    // The edge goes to the end of the new end's list and keeps its place in all others where it stays.
+    void changeEnd(int id, int n, bool source) {
+        Edge& edge = m_edges[id];
+        int& end = source ? edge.source : edge.target;
+        const int other = source ? edge.target : edge.source;
+        if (end == n) return;
+        const auto listOf = [&](int node) -> Ids& { return source ? m_nodes[node].out : m_nodes[node].into; };
+        const bool otherIsHost =
+            edge.state == Waiting &&
+            std::ranges::count(source ? m_nodes[other].into : m_nodes[other].out, id) > 0;
+        const bool staysAttached = edge.state == Attached && m_nodes[n].in;
+        if (staysAttached || otherIsHost) {
+            std::erase(listOf(end), id);
+            end = n;
+            if (staysAttached || n == other) listOf(n).push_back(id);
+        } else {
+            leave(id);
+            end = n;
+            enter(id);
+        }
+    }
+
+    // All ways to destroy a member are one.
+    template <class Member>
+    void destroy(Member* member, void (RVGraph::*discard)(Member*)) {
+        RVObject* const object = member;
+        const auto way = m_random() % 3;
+        if (way == 0) delete object;
+        if (way == 1) object->vRelease();
+        if (way == 2) (member->pHomeGraph()->*discard)(member);
+    }
+    // Edges that lose an end are destroyed with it, but for those that were removed.
+    template <class OfNodes, class OfEdges>
+    void destroyed(OfNodes nodeIsDestroyed, OfEdges edgeIsDestroyed) {
+        std::erase_if(m_edges, [&](const auto& entry) {
+            Edge& edge = m_edges[entry.first];
+            const bool sourceIs = edge.source != kNone && nodeIsDestroyed(edge.source);
+            const bool targetIs = edge.target != kNone && nodeIsDestroyed(edge.target);
+            const bool gone =
+                edgeIsDestroyed(entry.first) || (edge.state != Removed && (sourceIs || targetIs));
+            if (gone) leave(entry.first);
+            if (sourceIs) edge.source = kNone;
+            if (targetIs) edge.target = kNone;
+            return gone;
+        });
+        std::erase_if(m_nodes, [&](const auto& entry) {
+            const bool gone = nodeIsDestroyed(entry.first);
+            if (gone) std::erase(m_orders[entry.second.home].nodes, entry.first);
+            return gone;
+        });
+    }
+
+    std::minstd_rand m_random;
+    std::size_t m_graphs;
+    RVAnalysisInternalData m_data;
+    std::array<std::optional<RVGraph>, 3> m_real;
+    std::array<Orders, 3> m_orders;
+    std::map<int, Node> m_nodes;
+    std::map<int, Edge> m_edges;
+    std::deque<int> m_ids;
+};
+
+TEST(Graph, SurgeryAgreesWithAModel) {
+    for (unsigned seed = 0; seed < 150; ++seed) {
+        Surgery surgery(seed, 1 + static_cast<int>(seed % 3));
+        for (int i = 0; i < 200 && !HasFailure(); ++i) {
+            surgery.step();
+            surgery.check();
+        }
+        if (!HasFailure()) surgery.finish();
+        ASSERT_FALSE(HasFailure()) << "seed " << seed << "; " << surgery.log.str();
+    }
+}
+
+TEST(Graph, WalksItsEdges) {
+    rvtest::TestGraph graph("a->b b->b c->b b->a");
+    RVNode* const b = graph.node("b");
+    const auto walk = [&](auto it, RVIterDirectionEnum direction) {
+        std::string all;
+        for (it.init(b, direction); it; it++) all += rvtest::text(it.pEdge()) + " ";
+        return all;
+    };
+    EXPECT_EQ(walk(RVInAndOutEdgeIter(), RVForward), "a->b b->b c->b b->b b->a ");
+    EXPECT_EQ(walk(RVInAndOutEdgeIter(), RVBackward), "b->a b->b c->b b->b a->b ");
+    EXPECT_EQ(walk(RVOutEdgeIter(), RVBackward), "b->a b->b ");
+    EXPECT_EQ(walk(RVInEdgeIter(), RVForward), "a->b b->b c->b ");
+
+    RVInAndOutEdgeIter it(b);
+    for (int i = 0; i < 3; ++i) it++;
+    it--;
+    EXPECT_EQ(rvtest::text(it.pEdge()), "c->b") << "back from the out-edges to the in-edges";
+    EXPECT_EQ(graph.edge("b->b")->pOtherNode(b), b);
+    EXPECT_EQ(graph.edge("a->b")->pOtherNode(b), graph.node("a"));
+    EXPECT_EQ(graph.edge("a->b")->pOtherNode(graph.node("c")), nullptr);
+
+    // Each walk is live: edges that are added behind are reached, and those before it may go.
+    int met = 0;
+    for (RVOutEdgeIter out(b); out; ++met) {
+        RVEdge* const edge = out.pEdge();
+        if (met < 5) graph->addEdge(b, b, 0);
+        out++;
+        graph->discardEdge(edge);
+    }
+    EXPECT_EQ(met, 7);
+}
+
+TEST(Graph, DiesInAnyOrderWithItsFactoryAndItsData) {
+    std::string order = "dfg";  // data, factory, graph
+    do {
+        SCOPED_TRACE(order);
+        auto factory = std::make_unique<RVAFactory>();
+        std::unique_ptr<RVGraph> graph(factory->newGraph());
+        auto data = std::make_unique<RVAnalysisInternalData>();
+        data->pAssociatedGraph(graph.get());
+        RVEdge* const edge = graph->addEdge(graph->addNode(0), graph->addNode(0), 0);
+        data->pReflexiveEdgeList(edge->pSourceNode())->appendEdge(edge);
+        data->directed(edge, 0);
+        graph->removeNode(edge->pTargetNode());
+        for (char which : order) {
+            if (which == 'f') factory.reset();
+            if (which == 'g') graph.reset();
+            if (which == 'd') data.reset();
+            if (graph != nullptr) {
+                EXPECT_EQ(graph->pFactory(), factory.get());
+                EXPECT_EQ(edge->pFactory(), factory.get());
+                EXPECT_EQ(edge->pAnalysisExtensions()->pFirstExtension() != nullptr, data != nullptr);
+            }
+            if (data != nullptr) {
+                EXPECT_EQ(data->pAssociatedGraph(), graph.get());
+            }
+        }
+    } while (std::next_permutation(order.begin(), order.end()));
+}
+
+// Nothing goes deep, and nothing searches: either would not come to an end here.
+void buildAndDestroyLargeGraphs() {
+    constexpr int kSize = 1000000;
+    auto star = std::make_unique<RVGraph>();
+    RVNode* const center = star->addNode(0);
+    for (int i = 0; i < kSize; ++i) star->addEdge(center, star->addNode(0), 0);
+    for (RVNodeIter it(star.get(), RVBackward); it.pNode() != center;) {
+        RVNode* const leaf = it.pNode();
+        it++;
+        if (leaf->denseIndex() % 4 == 0) star->removeNode(leaf);
+        if (leaf->denseIndex() % 8 == 0) star->insertNode(leaf);
+    }
+    EXPECT_EQ(center->outDegree(), kSize - kSize / 8);
+    star->insertNode(star->removeNode(center));
+    EXPECT_EQ(star->numberOfEdges(), kSize - kSize / 8);
+    star->discardNode(center);
+    EXPECT_EQ(star->numberOfEdges(), 0);
+
+    auto chain = std::make_unique<RVGraph>();
+    RVNode* last = chain->addNode(0);
+    for (int i = 1; i < kSize; ++i) {
+        RVNode* const next = chain->addNode(0);
+        chain->addEdge(last, next, 0);
+        last = next;
+    }
+    EXPECT_EQ(chain->numberOfEdges(), kSize - 1);
+}
+
+TEST(Graph, LargeGraphsNeedLittleStack) {
+    pthread_attr_t attributes;
+    pthread_attr_init(&attributes);
+    ASSERT_EQ(pthread_attr_setstacksize(&attributes, std::size_t{256} << 10), 0);
+    pthread_t thread = 0;
+    const auto body = [](void*) -> void* { return buildAndDestroyLargeGraphs(), nullptr; };
+    ASSERT_EQ(pthread_create(&thread, &attributes, body, nullptr), 0);
+    pthread_join(thread, nullptr);
+    pthread_attr_destroy(&attributes);
+}
+
+}  // namespace
