@@ -1,0 +1,371 @@
+// The engine of the searches, through subclasses as a caller writes them.
+
+#include "rv/traversal/traversal.h"
+
+#include <gtest/gtest.h>
+#include <pthread.h>
+
+#include <algorithm>
+#include <functional>
+#include <memory>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "rv/analysis.h"
+#include "tests/snapshot.h"
+#include "tests/test_graph.h"
+
+namespace {
+
+using rvtest::drawing;
+using rvtest::randomText;
+using rvtest::rearrange;
+using rvtest::Runner;
+using rvtest::snapshot;
+using rvtest::TestGraph;
+using rvtest::text;
+
+class NoOutput : public RVAnalysisOutputData {
+public:
+    void reset() override {}
+};
+
+// Best-first search: of all candidates the one with the smallest number comes next. Notes its hooks.
+class BestFirstSearch : public RVTraversalAlgorithm {
+public:
+    std::string steps;
+    std::string result;
+    std::string restored;
+    std::function<void(RVTraversalInternalData*)> meddle;
+
+protected:
+    void parseInputData() override { parseTraversalInput(*RVTraversalInputData::castDown(pInputData())); }
+    RVEdge* pNextEdge() override {
+        if (RVTraversalAlgorithm::pNextEdge() == nullptr) {
+            steps += " end";
+            return nullptr;
+        }
+        RVEdgeDList* const candidates = pTraversalInternalData()->pCandidateEdgeList();
+        RVEdge* best = candidates->pFirstEdge();
+        for (RVEdge* edge : *candidates) {
+            if (number(edge) < number(best)) best = edge;
+        }
+        delete candidates->searchAndRemoveObject(best);
+        return best;
+    }
+    RVNode* findStartNode() override {
+        RVNode* const node = RVTraversalAlgorithm::findStartNode();
+        steps += " node:" + text(node);
+        return node;
+    }
+    RVEdge* findStartEdge() override {
+        RVEdge* const edge = RVTraversalAlgorithm::findStartEdge();
+        steps += " edge:" + text(edge);
+        return edge;
+    }
+    void visitNodeBeforeTraverse(RVNode* node, RVEdge* edge) override {
+        EXPECT_EQ(edge == nullptr ? node : edge->pSourceNode(), node);
+        if (edge == nullptr) steps += " isolated";
+    }
+    void privateTraverseEdge(RVEdge* edge) override {
+        EXPECT_EQ(pTraversalInternalData()->traversed(edge), 0);
+        RVTraversalAlgorithm::privateTraverseEdge(edge);
+        EXPECT_EQ(pTraversalInternalData()->traversed(edge), 1);
+        steps += " " + text(edge);
+    }
+    void visitNodeAfterTraverse(RVNode* node, RVEdge* edge) override {
+        EXPECT_EQ(edge == nullptr ? node : edge->pTargetNode(), node);
+        RVTraversalInternalData* const data = pTraversalInternalData();
+        const bool isNew = data->orderNumber(node) == 0;
+        RVTraversalAlgorithm::visitNodeAfterTraverse(node, edge);
+        if (isNew) {
+            steps += " (" + text(node) + ")";
+            for (RVEdge* next : *node->pOutEdgeList()) data->pCandidateEdgeList()->appendEdge(next);
+        }
+        if (meddle) meddle(data);
+    }
+    void generateOutputData() override {
+        RVTraversalInternalData* const data = pTraversalInternalData();
+        result.clear();
+        int last = 0;
+        for (RVNode* node : *data->pVisitedNodeList()) {
+            EXPECT_EQ(data->orderNumber(node), ++last);
+            result += text(node);
+            if (data->pParentNode(node) != nullptr) result += "<" + text(data->pParentNode(node));
+            result += " ";
+        }
+        EXPECT_EQ(data->traversalOrderNumber(), last + 1);
+        result += "| " + text(*data->pUnvisitedNodeList()) + " | " + text(*data->pUntraversedEdgeList());
+    }
+    void postprocess() override {
+        RVTraversalAlgorithm::postprocess();
+        restored = drawing(pAssociatedGraph());
+        EXPECT_EQ(pTraversalInternalData()->wasMadeDirected(), 0);
+    }
+
+private:
+    // A reverse edge has the number of its edge.
+    int number(RVEdge* edge) const { return rvtest::number(pInternalData()->pOriginalEdge(edge)); }
+};
+
+using BestFirst = Runner<BestFirstSearch, RVTraversalInputData, NoOutput>;
+
+TEST(TraversalEngine, DrivesACallersSearch) {
+    const struct {
+        const char* what;
+        const char* graph;
+        const char* start;
+        int undirected;
+        const char* result;  // visited nodes with their parents | unvisited nodes | untraversed edges
+        const char* steps;
+    } cases[] = {
+        {"nothing", "", "", 0, "|  | ", " node:none edge:none end"},
+        {"the best edge, not the first one", "a->b:5 a->c:1 c->d:2 c->b:3", "a", 0, "a c<a d<c b<c |  | ",
+         " node:a (a) a->c:1 (c) c->d:2 (d) c->b:3 (b) a->b:5 node:none edge:none end"},
+        {"what cannot be reached stays", "e a->b c->a:3 d->c:4", "a", 0, "a b<a | c d | c->a:3 d->c:4",
+         " node:a (a) a->b (b) node:none edge:none end"},
+        {"sources first, isolated nodes last", "e a->b:2 b->a:2 c->a:9 f", "", 0, "c a<c b<a e f |  | ",
+         " node:c (c) c->a:9 (a) a->b:2 (b) b->a:2 node:none edge:none end isolated (e) isolated (f)"},
+        {"isolated start", "b->c e f", "e", 0, "e | b c | b->c", " node:e (e) edge:none end"},
+        {"against an edge", "a->b:7", "b", 1, "b a<b |  | ",
+         " node:b (b) b->a (a) a->b:7 node:none edge:none end"},
+        {"a leaf first", "a->b:3 a->c:2 c->b:4 d->c", "", 1, "d c<d a<c b<a |  | ",
+         " node:d (d) d->c (c) c->d c->a (a) a->c:2 a->b:3 (b) b->a c->b:4 b->c node:none edge:none end"},
+        {"both ways over an undirected edge", "a--b:1 c->b:2 b->b b->a:3", "b", 0, "b a<b | c | c->b:2",
+         " node:b (b) b->a:3 (a) a--b:1 node:none edge:none end"},
+    };
+    for (const auto& c : cases) {
+        const TestGraph g(c.graph);
+        const std::string before = snapshot(g);
+        for (const int original : {0, 1, 1, 0}) {
+            SCOPED_TRACE(c.what + std::string(original != 0 ? " without a copy" : ""));
+            BestFirst search(g);
+            search.algorithm.useOriginalGraph(original);
+            search.input.undirected(c.undirected);
+            for (RVEdge* edge : *g->pEdgeList()) search.input.undirected(edge, rvtest::undirected(edge));
+            if (*c.start != '\0') search.input.pStartNode(g.node(c.start));
+            EXPECT_EQ(search.run(), RV_NO_ERROR);
+            EXPECT_EQ(search.algorithm.result, c.result);
+            EXPECT_EQ(search.algorithm.steps, c.steps);
+            // Without the reverse edges; in a copy, what was detached stands behind.
+            const std::string& left = search.algorithm.restored;
+            const std::string all = drawing(g);
+            EXPECT_TRUE(std::is_permutation(left.begin(), left.end(), all.begin(), all.end())) << left;
+            EXPECT_TRUE(original == 0 || left == all) << left;
+        }
+        EXPECT_EQ(snapshot(g), before) << c.what;
+    }
+}
+
+// Walks only some edges, so that it has to start often, and compares each start with the rule.
+class OftenStarting : public BestFirstSearch {
+public:
+    explicit OftenStarting(unsigned seed = 0) : m_random(seed) {}
+    bool readsList = false;
+    bool changesGraph = false;
+    int starts = 0;
+
+protected:
+    RVNode* findStartNode() override {
+        RVTraversalInternalData* const data = pTraversalInternalData();
+        RVNode* expected = nullptr;
+        int smallest = 2147483647;
+        RVNodeDList unvisited;
+        if (readsList) unvisited = *data->pUnvisitedNodeList();
+        for (RVNode* node : *pAssociatedGraph()->pNodeList()) {
+            if (!readsList && data->orderNumber(node) == 0) unvisited.appendNode(node);
+        }
+        for (RVNode* node : unvisited) {
+            if (node->inDegree() >= smallest) continue;
+            expected = node;
+            smallest = node->inDegree();
+            if (smallest == 0 || (smallest == 1 && data->wasMadeDirected() == 1)) break;
+        }
+        RVNode* const node = RVTraversalAlgorithm::findStartNode();
+        EXPECT_EQ(node, expected) << text(node) << ", expected " << text(expected);
+        starts += node != nullptr ? 1 : 0;
+        return node;
+    }
+    void visitNodeAfterTraverse(RVNode* node, RVEdge* edge) override {
+        RVTraversalAlgorithm::visitNodeAfterTraverse(node, edge);
+        if (node->pOutEdge() == nullptr) return;
+        RVEdge* const next = node->pOutEdgeList()->pEdgeInPosition(1 + below(node->outDegree()));
+        if (below(2) == 0 || pTraversalInternalData()->traversed(next) != 0) return;
+        pTraversalInternalData()->pCandidateEdgeList()->appendEdge(next);
+        if (changesGraph && below(2) == 0) pAssociatedGraph()->removeEdge(node->pOutEdgeList()->pLastEdge());
+    }
+
+private:
+    int below(int limit) { return static_cast<int>(m_random() % static_cast<unsigned>(limit)); }
+    std::mt19937 m_random;
+};
+
+TEST(TraversalEngine, StartsByTheRule) {
+    int starts = 0;
+    for (unsigned seed = 0; seed < 600; ++seed) {
+        const std::string tokens = randomText(seed, {.nodes = 12, .edges = 25, .undirected = 20});
+        SCOPED_TRACE("seed " + std::to_string(seed) + ": " + tokens);
+        const TestGraph g(tokens);
+        OftenStarting search(seed);
+        RVTraversalInputData input(g);
+        NoOutput output;
+        search.pInputData(&input);
+        search.pOutputData(&output);
+        search.readsList = seed % 2 != 0;
+        search.changesGraph = seed % 3 == 0;
+        input.undirected(seed % 5 < 2 ? 1 : 0);
+        EXPECT_EQ(search.run(), RV_NO_ERROR);
+        starts += search.starts;
+    }
+    EXPECT_GT(starts, 900);
+}
+
+// Lists that somebody else changes may change the search, but it ends and leaves the graph as it was.
+TEST(TraversalEngine, BearsHooksThatChangeItsLists) {
+    using Data = RVTraversalInternalData;
+    const std::function<void(Data*)> meddlers[] = {
+        [](Data* data) { data->pUnvisitedNodeList()->reverse(); },
+        [](Data* data) { data->pUntraversedEdgeList()->reverse(); },
+        [](Data* data) { data->pUnvisitedNodeList()->discardCell(data->pUnvisitedNodeList()->pLastCell()); },
+        [](Data* data) {
+            data->pUntraversedEdgeList()->discardCell(data->pUntraversedEdgeList()->pFirstCell());
+        },
+        [](Data* data) { data->pUnvisitedNodeList()->deleteAllCells(); },
+        [](Data* data) { data->pUntraversedEdgeList()->deleteAllCells(); },
+        [](Data* data) { data->pUnvisitedNodeList()->appendNode(data->pVisitedNodeList()->pLastNode()); },
+        [](Data* data) {
+            RVNodeDList* const list = data->pUnvisitedNodeList();
+            if (list->length() != 0) list->appendObject(list->pFirstObject());
+            list->discardCell(list->pFirstCell());
+        },
+        [](Data* data) {
+            RVEdgeDList again = *data->pUntraversedEdgeList();
+            *data->pUntraversedEdgeList() = again;
+        },
+        [](Data* data) { data->pCandidateEdgeList()->reverse(); },
+        [](Data* data) { data->pCandidateEdgeList()->deleteAllCells(); },
+    };
+    for (unsigned seed = 0; seed < 60; ++seed) {
+        const TestGraph g(randomText(seed, {.nodes = 9, .edges = 16}));
+        rearrange(g, seed);
+        const std::string before = snapshot(g);
+        for (const auto& meddler : meddlers) {
+            BestFirst search(g);
+            search.algorithm.meddle = meddler;
+            search.algorithm.useOriginalGraph(static_cast<int>(seed % 2));
+            search.input.undirected(static_cast<int>(seed / 2 % 2));
+            EXPECT_EQ(search.run(), RV_NO_ERROR);
+            EXPECT_EQ(snapshot(g), before) << "seed " << seed << ", meddler " << &meddler - meddlers;
+        }
+    }
+}
+
+#ifdef NDEBUG
+constexpr int kMany = 1000000;
+constexpr int kCycles = 250000;
+#else
+constexpr int kMany = 30000;
+constexpr int kCycles = 50000;
+#endif
+
+// Runs something in a thread with a small stack.
+void withSmallStack(const std::function<void()>& f) {
+    pthread_attr_t attributes;
+    ASSERT_EQ(pthread_attr_init(&attributes), 0);
+    ASSERT_EQ(pthread_attr_setstacksize(&attributes, 256 * 1024), 0);
+    pthread_t thread;
+    const auto call = [](void* function) -> void* {
+        (*static_cast<const std::function<void()>*>(function))();
+        return nullptr;
+    };
+    ASSERT_EQ(pthread_create(&thread, &attributes, call, const_cast<std::function<void()>*>(&f)), 0);
+    pthread_join(thread, nullptr);
+    pthread_attr_destroy(&attributes);
+}
+
+enum class Deep { chain, cycle, comb };
+
+// A comb is a chain of half as many nodes, each with a tooth that it leads to.
+std::unique_ptr<RVGraph> deepGraph(RVAFactory& factory, Deep kind) {
+    std::unique_ptr<RVGraph> graph(factory.newGraph());
+    RVNode* last = graph->addNode();
+    for (int i = 1; i < kMany; ++i) {
+        RVNode* const node = graph->addNode();
+        graph->addEdge(last, node);
+        if (kind != Deep::comb || i % 2 == 0) last = node;
+    }
+    if (kind == Deep::cycle) graph->addEdge(last, graph->pFirstNode());
+    return graph;
+}
+
+TEST(TraversalEngine, NeedsNoStackForDeepGraphs) {
+    RVAFactory factory;
+    for (const Deep kind : {Deep::chain, Deep::cycle, Deep::comb}) {
+        SCOPED_TRACE(static_cast<int>(kind));
+        const auto graph = deepGraph(factory, kind);
+        withSmallStack([&] {
+            Runner<RVBreadthFirstSearchAlgorithm, RVBreadthFirstSearchInputData,
+                   RVBreadthFirstSearchOutputData>
+                breadth(graph.get());
+            EXPECT_EQ(breadth.run(), RV_NO_ERROR);
+            EXPECT_EQ(breadth.output.pNodeList()->length(), kMany);
+            EXPECT_EQ(breadth.output.pNodeList()->pLastNode(), graph->pLastNode());
+        });
+        withSmallStack([&] {
+            Runner<RVDepthFirstSearchAlgorithm, RVDepthFirstSearchInputData, RVDepthFirstSearchOutputData>
+                depth(graph.get());
+            EXPECT_EQ(depth.run(), RV_NO_ERROR);
+            EXPECT_EQ(depth.output.completionNumber(graph->pFirstNode()), kMany);
+        });
+        withSmallStack([&] {
+            Runner<RVBiconnectedComponentsAlgorithm, RVBiconnectedComponentsInputData,
+                   RVBiconnectedComponentsOutputData>
+                blocks(graph.get());
+            EXPECT_EQ(blocks.run(), RV_NO_ERROR);
+            EXPECT_EQ(blocks.output.pComponentList()->length(), kind == Deep::cycle ? 1 : kMany - 1);
+        });
+        withSmallStack([&] {
+            Runner<RVStronglyConnectedComponentsAlgorithm, RVStronglyConnectedComponentsInputData,
+                   RVStronglyConnectedComponentsOutputData>
+                strong(graph.get());
+            EXPECT_EQ(strong.run(), RV_NO_ERROR);
+            EXPECT_EQ(strong.output.pComponentList()->length(), kind == Deep::cycle ? 1 : kMany);
+        });
+    }
+}
+
+// As many starts as cycles, and no node at which a search for the smallest in-degree could stop early:
+// looking at all unvisited nodes for each of them would run out of time.
+TEST(TraversalEngine, StartsAgainAndAgainInLinearTime) {
+    RVAFactory factory;
+    const std::unique_ptr<RVGraph> graph(factory.newGraph());
+    for (int i = 0; i < kCycles; ++i) {
+        RVNode* const first = graph->addNode();
+        RVNode* last = first;
+        for (int j = 1; j < 4; ++j) {
+            RVNode* const node = graph->addNode();
+            graph->addEdge(last, node);
+            last = node;
+        }
+        graph->addEdge(last, first);
+    }
+    for (const int undirected : {0, 1}) {
+        Runner<RVBreadthFirstSearchAlgorithm, RVBreadthFirstSearchInputData, RVBreadthFirstSearchOutputData>
+            breadth(graph.get());
+        breadth.input.undirected(undirected);
+        ASSERT_EQ(breadth.run(), RV_NO_ERROR);
+        int number = 1;
+        for (RVNodeIter it(graph.get()); it; number += 4) {
+            ASSERT_EQ(breadth.output.orderNumber(it.pNode()), number);
+            for (int j = 0; j < 4; ++j) it++;
+        }
+    }
+    Runner<RVConnectedComponentsAlgorithm, RVConnectedComponentsInputData, RVConnectedComponentsOutputData>
+        components(graph.get());
+    ASSERT_EQ(components.run(), RV_NO_ERROR);
+    EXPECT_EQ(components.output.pComponentList()->length(), kCycles);
+    EXPECT_EQ(components.output.componentNumber(graph->pLastNode()), kCycles);
+}
+
+}  // namespace
