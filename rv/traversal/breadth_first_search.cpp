@@ -3,6 +3,7 @@
 
 #include "rv/traversal/breadth_first_search.h"
 
+#include "rv/foundation/prefetch.h"
 #include "rv/framework/check_input.h"
 
 RV_OBJECT_IMPL(RVBreadthFirstSearchInputData)
@@ -36,11 +37,25 @@ void RVBreadthFirstSearchAlgorithm::parseInputData() {
     parseTraversalInput(*RVBreadthFirstSearchInputData::castDown(pInputData()));
 }
 
+namespace {
+
+// The candidates are the future of the search: asks the memory for the edge of the third one, and for the
+// target of the first one, whose edge was asked for two steps ago.
+void prefetchCandidates(const RVDListCell* first) {
+    if (first == nullptr) return;
+    rv::prefetch(static_cast<const RVEdge*>(first->pObject())->pTargetNode());
+    const RVDListCell* second = first->pNextCell();
+    if (second != nullptr && second->pNextCell() != nullptr) rv::prefetch(second->pNextCell()->pObject());
+}
+
+}  // namespace
+
 RVEdge* RVBreadthFirstSearchAlgorithm::pNextEdge() {
     RVEdge* edge = RVTraversalAlgorithm::pNextEdge();
     if (edge != nullptr) {
         RVEdgeDList* candidates = pTraversalInternalData()->pCandidateEdgeList();
         candidates->discardCell(candidates->pFirstCell());
+        prefetchCandidates(candidates->pFirstCell());
     }
     return edge;
 }
