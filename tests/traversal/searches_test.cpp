@@ -1,0 +1,399 @@
+// Breadth-first and depth-first search.
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <functional>
+#include <map>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "rv/traversal/breadth_first_search.h"
+#include "rv/traversal/depth_first_search.h"
+#include "tests/snapshot.h"
+#include "tests/test_graph.h"
+
+namespace {
+
+using rvtest::randomText;
+using rvtest::rearrange;
+using rvtest::Runner;
+using rvtest::TestGraph;
+using rvtest::text;
+
+// A run of the searches, kept over all cases, so that nothing of one graph may be left for the next one.
+template <class Algorithm, class Input, class Output>
+struct Search : Runner<Algorithm, Input, Output> {
+    // Edges drawn as undirected are.
+    RVServiceErrorCodeEnum run(RVGraph* graph, RVNode* start, int undirected) {
+        this->input.pStartNode(start);
+        this->input.undirected(undirected);
+        for (RVEdge* edge : *graph->pEdgeList()) this->input.undirected(edge, rvtest::undirected(edge));
+        return Runner<Algorithm, Input, Output>::run(graph);
+    }
+};
+using BreadthFirst =
+    Search<RVBreadthFirstSearchAlgorithm, RVBreadthFirstSearchInputData, RVBreadthFirstSearchOutputData>;
+using DepthFirst =
+    Search<RVDepthFirstSearchAlgorithm, RVDepthFirstSearchInputData, RVDepthFirstSearchOutputData>;
+
+// The nodes in visiting order, after comparing the numbers of all nodes.
+template <class Output>
+std::string order(const Output& output, RVGraph* graph) {
+    std::map<RVNode*, int> numbers;
+    for (RVNode* node : *output.pNodeList()) numbers.emplace(node, static_cast<int>(numbers.size()) + 1);
+    for (RVNode* node : *graph->pNodeList()) EXPECT_EQ(output.orderNumber(node), numbers[node]) << text(node);
+    RVNodeDList list;
+    list.appendNode(graph->pFirstNode());
+    output.buildNodeOrderList(list);
+    EXPECT_EQ(text(list), text(*output.pNodeList()));
+    return text(list);
+}
+
+// Visiting order / completion order / parents / kinds of edges.
+std::string answer(const RVDepthFirstSearchOutputData& output, RVGraph* graph) {
+    std::string all = order(output, graph) + " /";
+    std::map<int, RVNode*> completed;
+    std::string parents;
+    for (RVNode* node : *graph->pNodeList()) {
+        if (output.completionNumber(node) != 0) completed.emplace(output.completionNumber(node), node);
+        RVNode* const parent = output.pParentNode(node);
+        if (parent != nullptr) parents += " " + text(node) + "<" + text(parent);
+    }
+    EXPECT_EQ(static_cast<int>(completed.size()), output.pNodeList()->length());
+    EXPECT_TRUE(completed.empty() || completed.rbegin()->first == output.pNodeList()->length());
+    for (const auto& [number, node] : completed) all += " " + text(node);
+    all += " /" + parents + " /";
+    for (RVEdge* edge : *graph->pEdgeList())
+        all += " " + text(edge) + "=" + std::to_string(output.edgeType(edge));
+    return all;
+}
+
+TEST(BreadthFirstSearch, NumbersNodes) {
+    const struct {
+        const char* what;
+        const char* graph;
+        const char* start;
+        int undirected;
+        const char* order;
+    } cases[] = {
+        {"nothing", "", "", 0, ""},
+        {"two ways", "a->b a->c b->d c->d", "a", 0, "a b c d"},
+        {"first source, then isolated nodes", "f a->b a->c b->d c->d e", "", 0, "a b c d f e"},
+        {"not against an edge", "a->d", "d", 0, "d"},
+        {"but in an undirected search", "a->d", "d", 1, "d a"},
+        {"and over an undirected edge", "a--d b->d", "d", 0, "d a"},
+        {"which is followed forward, too", "a--d b->d", "a", 0, "a d"},
+        {"smallest in-degree", "b->a a->b c->a", "", 0, "c a b"},
+        {"the first of several", "b->a a->b d->c c->d", "", 0, "b a d c"},
+        {"leaf first", "b->a b->c", "", 1, "a b c"},
+        {"a start that leads nowhere, then the first edge left", "a c b b->c c->b b->a", "", 0, "a b c"},
+        {"isolated start", "e a->b", "e", 0, "e"},
+        {"a loop does not count", "e->e a->b", "", 0, "a b e"},
+        {"parallels do not count", "b->a:1 b->a:2 a->b c->b", "", 0, "c b a"},
+        {"reverse edges from the last one to the first", "a->b c->b d->b", "b", 1, "b d c a"},
+        {"opposite edges are one", "b->a a->b a->c c->a", "", 1, "b a c"},
+    };
+    BreadthFirst search;
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.what);
+        const TestGraph g(c.graph);
+        RVNode* const start = *c.start == '\0' ? nullptr : g.node(c.start);
+        EXPECT_EQ(search.run(g, start, c.undirected), RV_NO_ERROR);
+        EXPECT_EQ(order(search.output, g), c.order);
+    }
+}
+
+TEST(DepthFirstSearch, NumbersNodesAndTellsKindsOfEdges) {
+    const struct {
+        const char* what;
+        const char* graph;
+        const char* start;
+        int undirected;
+        const char* answer;
+    } cases[] = {
+        {"nothing", "", "", 0, " / / /"},
+        {"last edge first", "a->b a->c", "a", 0, "a c b / c b a / b<a c<a / a->b=1 a->c=1"},
+        {"cycle", "a->b b->a", "a", 0, "a b / b a / b<a / a->b=1 b->a=3"},
+        {"forward edge", "a->b a->c c->b", "a", 0, "a c b / b c a / b<c c<a / a->b=2 a->c=1 c->b=1"},
+        {"cross edge", "a->b a->c b->c", "a", 0, "a c b / c b a / b<a c<a / a->b=1 a->c=1 b->c=4"},
+        {"between trees", "b->c a->c", "", 0, "b c a / c b a / c<b / b->c=1 a->c=4"},
+        {"parallels of a tree and a back edge", "a->b:1 a->b:2 b->a:1 b->a:2", "a", 0,
+         "a b / b a / b<a / a->b:1=1 a->b:2=2 b->a:1=3 b->a:2=3"},
+        {"of a forward and a cross edge", "a->b:1 a->b:2 a->c c->b a->d d->c:1 d->c:2", "a", 0,
+         "a d c b / b c d a / b<c c<d d<a / a->b:1=2 a->b:2=2 a->c=2 c->b=1 a->d=1 d->c:1=1 d->c:2=2"},
+        {"of a cross edge", "a->b a->c b->c:1 b->c:2", "a", 0,
+         "a c b / c b a / b<a c<a / a->b=1 a->c=1 b->c:1=4 b->c:2=4"},
+        {"loops", "a->a a->b b->b", "a", 0, "a b / b a / b<a / a->a=3 a->b=1 b->b=3"},
+        {"loops of isolated nodes", "e->e a->b", "", 0, "a b e / b a e / b<a / e->e=3 a->b=1"},
+        {"that are not reached", "e->e a->b", "a", 0, "a b / b a / b<a / e->e=0 a->b=1"},
+        {"or the start", "e->e a->b", "e", 0, "e / e / / e->e=3 a->b=0"},
+        {"not reached", "b->a c->b", "b", 0, "b a / a b / a<b / b->a=1 c->b=0"},
+        {"undirected edge", "a--b", "b", 0, "b a / a b / a<b / a--b=1"},
+        {"undirected edges: no forward edge", "a--b a--c b--c", "", 0,
+         "a c b / b c a / b<c c<a / a--b=3 a--c=1 b--c=1"},
+        {"a tree edge backwards", "a--b b->c c--a", "a", 0, "a c b / c b a / b<a c<a / a--b=1 b->c=4 c--a=1"},
+        {"undirected parallel of a tree edge", "a->b a--b", "a", 0, "a b / b a / b<a / a->b=1 a--b=3"},
+        {"undirected search", "a->b b->c a->c", "c", 1, "c b a / a b c / a<b b<c / a->b=1 b->c=1 a->c=3"},
+        {"opposite and parallel edges in it", "a->b b->a a->b:2", "b", 1,
+         "b a / a b / a<b / a->b=1 b->a=3 a->b:2=3"},
+    };
+    DepthFirst search;
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.what);
+        const TestGraph g(c.graph);
+        RVNode* const start = *c.start == '\0' ? nullptr : g.node(c.start);
+        EXPECT_EQ(search.run(g, start, c.undirected), RV_NO_ERROR);
+        EXPECT_EQ(answer(search.output, g), c.answer);
+    }
+}
+
+// The stated rules on structures of our own.
+class Model {
+public:
+    struct Arc {
+        RVNode* source;
+        RVNode* target;
+        RVEdge* original;
+        bool directed;
+        bool isReverse = false;
+        std::vector<RVEdge*> parallels;
+    };
+
+    Model(RVGraph* graph, int undirected) : m_undirected(undirected != 0), m_graph(graph) {
+        std::vector<Arc> all;
+        for (RVEdge* edge : *graph->pEdgeList()) {
+            all.push_back(
+                {edge->pSourceNode(), edge->pTargetNode(), edge, !rvtest::undirected(edge), false, {}});
+        }
+        for (std::size_t i = 0, n = all.size(); i < n && !m_undirected; ++i) {
+            if (!all[i].directed)
+                all.push_back({all[i].target, all[i].source, all[i].original, false, true, {}});
+        }
+        std::vector<Arc*> kept;
+        for (Arc& arc : all) {
+            if (arc.source == arc.target) continue;
+            const auto first = std::find_if(kept.begin(), kept.end(), [&](const Arc* other) {
+                return (other->source == arc.source && other->target == arc.target) ||
+                       (m_undirected && other->source == arc.target && other->target == arc.source);
+            });
+            first == kept.end() ? kept.push_back(&arc) : (*first)->parallels.push_back(arc.original);
+        }
+        // As the nodes' out-lists have them, and behind them the reverse edges.
+        for (RVNode* node : *graph->pNodeList()) {
+            m_arcs[node];
+            for (RVEdge* edge : *node->pOutEdgeList()) {
+                for (const Arc* arc : kept) {
+                    if (arc->original == edge && !arc->isReverse) m_arcs[node].push_back(*arc);
+                }
+            }
+        }
+        for (const Arc* arc : kept) {
+            if (arc->isReverse) m_arcs[arc->source].push_back(*arc);
+        }
+        for (const Arc* arc : kept) m_sources.push_back(arc->source);
+        std::reverse(kept.begin(), kept.end());
+        for (const Arc* arc : kept) {
+            if (m_undirected)
+                m_arcs[arc->target].push_back({arc->target, arc->source, arc->original, false, true, {}});
+        }
+        for (const auto& [node, arcs] : m_arcs) {
+            for (const Arc& arc : arcs) ++m_inDegrees[arc.target];
+        }
+    }
+
+    bool isIsolated(RVNode* node) { return m_arcs[node].empty() && m_inDegrees[node] == 0; }
+
+    // Where to start after a root: at the source of the first edge that is left if the root led nowhere, else
+    // at the first unvisited node of smallest in-degree; isolated nodes last.
+    RVNode* nextRoot(RVNode* root, const std::set<RVNode*>& visited) {
+        if (root != nullptr && m_arcs[root].empty()) {
+            for (RVNode* source : m_sources) {
+                if (visited.count(source) == 0) return source;
+            }
+        }
+        RVNode* best = nullptr;
+        const auto key = [&](RVNode* node) { return isIsolated(node) ? 1000000 : m_inDegrees[node]; };
+        for (RVNode* node : *m_graph->pNodeList()) {
+            if (visited.count(node) == 0 && (best == nullptr || key(node) < key(best))) best = node;
+        }
+        return best;
+    }
+    // Searches from a node, or everywhere.
+    void forEachRoot(RVNode* from, std::set<RVNode*>& visited, const std::function<void(RVNode*)>& search) {
+        if (from != nullptr) return search(from);
+        for (RVNode* root = nullptr; (root = nextRoot(root, visited)) != nullptr;) search(root);
+    }
+
+    std::string breadthFirst(RVNode* from) {
+        std::vector<RVNode*> order;
+        std::set<RVNode*> visited;
+        forEachRoot(from, visited, [&](RVNode* root) {
+            std::size_t next = order.size();
+            visited.insert(root);
+            for (order.push_back(root); next < order.size(); ++next) {
+                for (const Arc& arc : m_arcs[order[next]]) {
+                    if (visited.insert(arc.target).second) order.push_back(arc.target);
+                }
+            }
+        });
+        RVNodeDList list;
+        for (RVNode* node : order) list.appendNode(node);
+        return text(list);
+    }
+
+    std::string depthFirst(RVNode* from) {
+        std::set<RVNode*> visited;
+        forEachRoot(from, visited, [&](RVNode* root) { visit(root, nullptr, visited); });
+        for (const Arc& arc : m_traversed) {
+            int kind = m_parents[arc.target] == arc.source  ? 1
+                       : isAncestor(arc.source, arc.target) ? 2
+                       : isAncestor(arc.target, arc.source) ? 3
+                                                            : 4;
+            const auto set = [&](RVEdge* edge, int value) {
+                if (m_kinds[edge] != 1) m_kinds[edge] = value;
+            };
+            if (kind == 2 && (m_undirected || !arc.directed)) kind = 3;
+            set(arc.original, kind);
+            for (RVEdge* edge : arc.parallels) {
+                const bool forward = !m_undirected && !rvtest::undirected(edge) &&
+                                     isAncestor(edge->pSourceNode(), edge->pTargetNode());
+                set(edge, kind == 4 ? 4 : forward ? 2 : 3);
+            }
+        }
+        std::string all =
+            text(m_order) + " /" + (m_completed.length() == 0 ? "" : " ") + text(m_completed) + " /";
+        for (RVNode* node : *m_graph->pNodeList()) {
+            if (m_parents[node] != nullptr) all += " " + text(node) + "<" + text(m_parents[node]);
+        }
+        all += " /";
+        for (RVEdge* edge : *m_graph->pEdgeList()) {
+            const bool isLoop = edge->pSourceNode() == edge->pTargetNode();
+            const int loopKind = visited.count(edge->pSourceNode()) != 0 ? 3 : 0;
+            all += " " + text(edge) + "=" + std::to_string(isLoop ? loopKind : m_kinds[edge]);
+        }
+        return all;
+    }
+
+    // Steps to all nodes by relaxing every edge again and again.
+    std::map<RVNode*, int> distances(RVNode* from) {
+        std::map<RVNode*, int> steps = {{from, 0}};
+        for (int round = 0; round < m_graph->numberOfNodes(); ++round) {
+            for (RVEdge* edge : *m_graph->pEdgeList()) {
+                RVNode* ends[] = {edge->pSourceNode(), edge->pTargetNode()};
+                for (int way = 0; way < (m_undirected || rvtest::undirected(edge) ? 2 : 1); ++way) {
+                    if (steps.count(ends[0]) != 0) {
+                        int& known = steps.emplace(ends[1], 1000).first->second;
+                        known = std::min(known, steps[ends[0]] + 1);
+                    }
+                    std::swap(ends[0], ends[1]);
+                }
+            }
+        }
+        return steps;
+    }
+
+private:
+    void visit(RVNode* node, RVNode* parent, std::set<RVNode*>& visited) {
+        visited.insert(node);
+        m_order.appendNode(node);
+        m_parents[node] = parent;
+        for (auto arc = m_arcs[node].rbegin(); arc != m_arcs[node].rend(); ++arc) {
+            m_traversed.push_back(*arc);
+            if (visited.count(arc->target) == 0) visit(arc->target, node, visited);
+        }
+        m_completed.appendNode(node);
+    }
+    bool isAncestor(RVNode* node, RVNode* of) {
+        while (of != nullptr && of != node) of = m_parents[of];
+        return of == node;
+    }
+
+    bool m_undirected;
+    RVGraph* m_graph;
+    std::map<RVNode*, std::vector<Arc>> m_arcs;  // out of a node
+    std::map<RVNode*, int> m_inDegrees;
+    std::vector<RVNode*> m_sources;  // of the edges, in graph order
+    RVNodeDList m_order;
+    RVNodeDList m_completed;
+    std::map<RVNode*, RVNode*> m_parents;
+    std::vector<Arc> m_traversed;
+    std::map<RVEdge*, int> m_kinds;
+};
+
+// All graphs directed and undirected, from the start of the rule and from a given one, with lists in all
+// orders.
+TEST(Searches, FollowTheRules) {
+    BreadthFirst breadth;
+    DepthFirst depth;
+    for (unsigned seed = 0; seed < 300; ++seed) {
+        const std::string tokens = randomText(seed, {.nodes = 8, .edges = 14, .undirected = 25});
+        const TestGraph g(tokens);
+        rearrange(g, seed % 2 == 0 ? seed : 0);
+        RVNode* const last = g->pLastNode();
+        for (int way = 0; way < 4; ++way) {
+            SCOPED_TRACE("seed " + std::to_string(seed) + ", way " + std::to_string(way) + ": " + tokens);
+            RVNode* const start = way / 2 == 0 ? nullptr : last;
+            ASSERT_EQ(breadth.run(g, start, way % 2), RV_NO_ERROR);
+            ASSERT_EQ(depth.run(g, start, way % 2), RV_NO_ERROR);
+            EXPECT_EQ(order(breadth.output, g), Model(g, way % 2).breadthFirst(start));
+            EXPECT_EQ(answer(depth.output, g), Model(g, way % 2).depthFirst(start));
+            if (start == nullptr) {
+                EXPECT_EQ(breadth.output.pNodeList()->length(), g->numberOfNodes());
+                continue;
+            }
+            // Nearest first, and all that can be reached.
+            const std::map<RVNode*, int> steps = Model(g, way % 2).distances(start);
+            EXPECT_EQ(breadth.output.pNodeList()->length(), static_cast<int>(steps.size()));
+            int before = 0;
+            for (RVNode* node : *breadth.output.pNodeList()) {
+                ASSERT_EQ(steps.count(node), 1U);
+                EXPECT_GE(steps.at(node), before);
+                before = steps.at(node);
+            }
+        }
+        if (testing::Test::HasFailure()) break;
+    }
+}
+
+template <class S>
+class AnySearch : public testing::Test {};
+using AllSearches = testing::Types<BreadthFirst, DepthFirst>;
+TYPED_TEST_SUITE(AnySearch, AllSearches);
+
+TYPED_TEST(AnySearch, TakesItsQuestionByName) {
+    const TestGraph g("a->b b--c d->c");
+    RVTraversalInputData question(g);
+    question.pStartNode(g.node("c"));
+    question.undirected(g.edge("b--c"), 1);
+    TypeParam search;
+    search.input.pAssociatedGraph(g);
+    search.input.copyData(&question);
+    EXPECT_EQ(search.input.pObjectField("startNode", nullptr), g.node("c"));
+    EXPECT_EQ(search.input.intField("edgeUndirected", g.edge("b--c")), 1);
+    EXPECT_EQ(search.algorithm.run(), RV_NO_ERROR);
+    EXPECT_EQ(order(search.output, g), "c b");
+    question.undirected(2);
+    question.undirected(g.edge("b--c"), 0);
+    search.input.copyData(&question);
+    EXPECT_EQ(search.algorithm.run(), RV_NO_ERROR);
+    EXPECT_EQ(search.output.pNodeList()->length(), 4);
+}
+
+TYPED_TEST(AnySearch, ChecksTheStartNodeAndResets) {
+    const TestGraph g("a->b");
+    const TestGraph other("x");
+    TypeParam search;
+    EXPECT_EQ(search.run(g, nullptr, 0), RV_NO_ERROR);
+    EXPECT_EQ(search.run(g, other.node("x"), 0), RV_START_NODE_NOT_IN_GRAPH);
+    EXPECT_EQ(order(search.output, g), "a b");  // the answer stays
+    g->removeNode(g.node("a"));
+    EXPECT_EQ(search.run(g, g.node("a"), 0), RV_START_NODE_NOT_IN_GRAPH);
+    search.input.pAssociatedGraph(nullptr);
+    EXPECT_EQ(search.algorithm.run(), RV_NO_INPUT_GRAPH);
+    search.output.reset();
+    EXPECT_EQ(search.output.orderNumber(g.node("b")) + search.output.pNodeList()->length(), 0);
+}
+
+}  // namespace
