@@ -1,0 +1,386 @@
+// Searches and components beside the same work in Boost.Graph and LEMON.
+//
+//   traversal_bench                                       everything at 10^4 and 10^5 nodes
+//   traversal_bench --benchmark_filter='/random/'         one family of graphs
+//   traversal_bench --large --benchmark_filter=...        10^6 nodes too
+//
+// Rows are named algorithm/family/library/n and report the fastest processor time per edge (ns_per_edge).
+//   rv            the whole run: copy of the graph, normalisation, search, output, restoring
+//   rv_original   the same on the caller's graph, without the copy
+//   boost_listS   copy_graph of a graph of lists, the algorithm, its results in arrays
+//   boost_vecS    the same with vectors
+//   lemon         the algorithm with its results in maps, without a copy
+// All cover the whole graph. The row of a size can be compared with the one before for the growth.
+// Phases/.../n gives the share of each step of a breadth-first run, in ns per edge.
+
+#include <benchmark/benchmark.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <cstring>
+#include <iterator>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "bench_graphs.h"
+#include "bench_measure.h"
+#include "bench_peers.h"
+#include "rv/analysis.h"
+
+#ifdef RV_BENCH_BOOST
+#include <boost/graph/biconnected_components.hpp>
+#include <boost/graph/breadth_first_search.hpp>
+#include <boost/graph/connected_components.hpp>
+#include <boost/graph/copy.hpp>
+#include <boost/graph/depth_first_search.hpp>
+#include <boost/graph/strong_components.hpp>
+#endif
+#ifdef RV_BENCH_LEMON
+#include "lemon_searches.h"
+#endif
+
+namespace {
+
+using bench::EdgeArray;
+
+constexpr const char* kPerEdge = "ns_per_edge";
+
+// This library
+
+template <class Algorithm, class Input, class Output>
+struct Family {
+    static void run(RVGraph* graph, int useOriginalGraph) {
+        Algorithm algorithm;
+        Input input(graph);
+        Output output;
+        algorithm.useOriginalGraph(useOriginalGraph);
+        algorithm.pInputData(&input);
+        algorithm.pOutputData(&output);
+        if (algorithm.run() != RV_NO_ERROR) std::abort();
+    }
+};
+using Breadth =
+    Family<RVBreadthFirstSearchAlgorithm, RVBreadthFirstSearchInputData, RVBreadthFirstSearchOutputData>;
+using Depth = Family<RVDepthFirstSearchAlgorithm, RVDepthFirstSearchInputData, RVDepthFirstSearchOutputData>;
+using Connected =
+    Family<RVConnectedComponentsAlgorithm, RVConnectedComponentsInputData, RVConnectedComponentsOutputData>;
+using Biconnected = Family<RVBiconnectedComponentsAlgorithm, RVBiconnectedComponentsInputData,
+                           RVBiconnectedComponentsOutputData>;
+using Strong = Family<RVStronglyConnectedComponentsAlgorithm, RVStronglyConnectedComponentsInputData,
+                      RVStronglyConnectedComponentsOutputData>;
+
+template <class F>
+void runRv(benchmark::State& state, const EdgeArray& array, int useOriginalGraph) {
+    const bench::RvGraph subject(array);
+    bench::measure(state, kPerEdge, array.size(), [&] { F::run(subject.graph.get(), useOriginalGraph); });
+}
+
+// A breadth-first search that notes when its steps end.
+class PhasedSearch : public RVBreadthFirstSearchAlgorithm {
+public:
+    static constexpr const char* kNames[] = {"copy",   "parse",   "preprocess", "body",
+                                             "output", "restore", "cleanup"};
+    double seconds[7] = {};
+    RVServiceErrorCodeEnum run() override {
+        m_last = bench::processorSeconds();
+        return RVBreadthFirstSearchAlgorithm::run();
+    }
+
+protected:
+    using Base = RVBreadthFirstSearchAlgorithm;
+    void initialize() override { Base::initialize(), note(0); }
+    void parseInputData() override { Base::parseInputData(), note(1); }
+    void preprocess() override { Base::preprocess(), note(2); }
+    RVServiceErrorCodeEnum algorithmBody() override {
+        const RVServiceErrorCodeEnum code = Base::algorithmBody();
+        note(3);
+        return code;
+    }
+    void generateOutputData() override { Base::generateOutputData(), note(4); }
+    void postprocess() override { Base::postprocess(), note(5); }
+    void cleanup() override { Base::cleanup(), note(6); }
+
+private:
+    void note(int phase) {
+        const double now = bench::processorSeconds();
+        seconds[phase] += now - m_last;
+        m_last = now;
+    }
+    double m_last = 0;
+};
+
+void phases(benchmark::State& state, const EdgeArray& array) {
+    const bench::RvGraph subject(array);
+    constexpr int kRuns = 3;
+    PhasedSearch search;
+    RVBreadthFirstSearchInputData input(subject.graph.get());
+    RVBreadthFirstSearchOutputData output;
+    search.pInputData(&input);
+    search.pOutputData(&output);
+    for (auto _ : state) {
+        const double start = bench::processorSeconds();
+        for (int i = 0; i < kRuns; ++i) search.run();
+        state.SetIterationTime((bench::processorSeconds() - start) / kRuns);
+    }
+    for (int i = 0; i < 7; ++i) {
+        state.counters[PhasedSearch::kNames[i]] = search.seconds[i] * 1e9 / kRuns / array.size();
+    }
+}
+
+// Boost.Graph
+
+#ifdef RV_BENCH_BOOST
+
+using Index = boost::property<boost::vertex_index_t, std::size_t>;
+using Kind = boost::property<boost::edge_weight_t, int>;
+template <class Selector>
+using Directed = boost::adjacency_list<Selector, Selector, boost::bidirectionalS, Index, Kind>;
+template <class Selector>
+using Undirected = boost::adjacency_list<Selector, Selector, boost::undirectedS, Index, Kind>;
+
+template <class Graph>
+Graph buildBoost(const EdgeArray& array) {
+    Graph graph;
+    std::vector<typename boost::graph_traits<Graph>::vertex_descriptor> nodes;
+    for (int i = 0; i < array.nodes; ++i) {
+        nodes.push_back(boost::add_vertex(Index(static_cast<std::size_t>(i)), graph));
+    }
+    for (const auto& [source, target] : array.edges) {
+        boost::add_edge(nodes[static_cast<std::size_t>(source)], nodes[static_cast<std::size_t>(target)],
+                        Kind(0), graph);
+    }
+    return graph;
+}
+
+// Results by node number.
+template <class Graph, class T>
+class ByNode {
+public:
+    ByNode(Graph& graph, T initial)
+        : m_values(boost::num_vertices(graph), initial), m_index(boost::get(boost::vertex_index, graph)) {}
+    auto map() { return boost::make_iterator_property_map(m_values.begin(), m_index); }
+
+private:
+    std::vector<T> m_values;
+    typename boost::property_map<Graph, boost::vertex_index_t>::type m_index;
+};
+
+struct BoostBreadth {
+    template <class Selector>
+    using Copy = Directed<Selector>;
+
+    template <class Map>
+    struct Numbering : boost::default_bfs_visitor {
+        explicit Numbering(Map target) : numbers(target) {}
+        template <class Node, class Graph>
+        void discover_vertex(Node node, const Graph&) {
+            boost::put(numbers, node, ++*last);
+        }
+        Map numbers;
+        std::shared_ptr<int> last = std::make_shared<int>(0);
+    };
+
+    template <class Graph>
+    static void run(Graph& graph) {
+        ByNode<Graph, int> numbers(graph, 0);
+        ByNode<Graph, boost::default_color_type> colors(graph, boost::white_color);
+        auto color = colors.map();
+        Numbering<decltype(numbers.map())> visitor(numbers.map());
+        boost::queue<typename boost::graph_traits<Graph>::vertex_descriptor> queue;
+        for (auto [node, end] = boost::vertices(graph); node != end; ++node) {
+            if (boost::get(color, *node) != boost::white_color) continue;
+            boost::breadth_first_visit(graph, *node, queue, visitor, color);
+        }
+    }
+};
+
+struct BoostDepth {
+    template <class Selector>
+    using Copy = Directed<Selector>;
+
+    template <class Graph, class Map>
+    struct Visitor : boost::default_dfs_visitor {
+        Visitor(Graph& g, Map d, Map f) : graph(&g), discovered(d), finished(f) {}
+        template <class Node, class G>
+        void discover_vertex(Node node, const G&) {
+            boost::put(discovered, node, ++*last);
+        }
+        template <class Node, class G>
+        void finish_vertex(Node node, const G&) {
+            boost::put(finished, node, ++*last);
+        }
+        template <class Edge, class G>
+        void tree_edge(Edge edge, const G&) {
+            boost::put(boost::edge_weight, *graph, edge, 1);
+        }
+        template <class Edge, class G>
+        void back_edge(Edge edge, const G&) {
+            boost::put(boost::edge_weight, *graph, edge, 3);
+        }
+        template <class Edge, class G>
+        void forward_or_cross_edge(Edge edge, const G&) {
+            boost::put(boost::edge_weight, *graph, edge, 4);
+        }
+        Graph* graph;
+        Map discovered;
+        Map finished;
+        std::shared_ptr<int> last = std::make_shared<int>(0);
+    };
+
+    template <class Graph>
+    static void run(Graph& graph) {
+        ByNode<Graph, int> discovered(graph, 0);
+        ByNode<Graph, int> finished(graph, 0);
+        ByNode<Graph, boost::default_color_type> colors(graph, boost::white_color);
+        using Map = decltype(discovered.map());
+        Visitor<Graph, Map> visitor(graph, discovered.map(), finished.map());
+        boost::depth_first_search(graph, boost::visitor(visitor).color_map(colors.map()));
+    }
+};
+
+struct BoostConnected {
+    template <class Selector>
+    using Copy = Undirected<Selector>;
+    template <class Graph>
+    static void run(Graph& graph) {
+        ByNode<Graph, int> components(graph, 0);
+        ByNode<Graph, boost::default_color_type> colors(graph, boost::white_color);
+        boost::connected_components(graph, components.map(), boost::color_map(colors.map()));
+    }
+};
+
+struct BoostBiconnected {
+    template <class Selector>
+    using Copy = Undirected<Selector>;
+    template <class Graph>
+    static void run(Graph& graph) {
+        std::vector<typename boost::graph_traits<Graph>::vertex_descriptor> joints;
+        boost::biconnected_components(graph, boost::get(boost::edge_weight, graph),
+                                      std::back_inserter(joints));
+    }
+};
+
+struct BoostStrong {
+    template <class Selector>
+    using Copy = Directed<Selector>;
+    template <class Graph>
+    static void run(Graph& graph) {
+        using Node = typename boost::graph_traits<Graph>::vertex_descriptor;
+        ByNode<Graph, int> components(graph, 0);
+        ByNode<Graph, int> discovered(graph, 0);
+        ByNode<Graph, boost::default_color_type> colors(graph, boost::white_color);
+        ByNode<Graph, Node> roots(graph, Node());
+        boost::strong_components(
+            graph, components.map(),
+            boost::root_map(roots.map()).discover_time_map(discovered.map()).color_map(colors.map()));
+    }
+};
+
+template <class Work, class Selector>
+void runBoost(benchmark::State& state, const EdgeArray& array) {
+    const auto original = buildBoost<Directed<Selector>>(array);
+    bench::measure(state, kPerEdge, array.size(), [&] {
+        typename Work::template Copy<Selector> copy;
+        boost::copy_graph(original, copy);
+        Work::run(copy);
+    });
+}
+
+#endif
+
+#ifdef RV_BENCH_LEMON
+void runLemon(benchmark::State& state, const EdgeArray& array, void (bench::LemonSearches::*search)()) {
+    bench::LemonSearches subject(array);
+    bench::measure(state, kPerEdge, array.size(), [&] { (subject.*search)(); });
+}
+#endif
+
+// Rows
+
+struct NamedFamily {
+    const char* name;
+    EdgeArray (*make)(int n);
+};
+
+constexpr NamedFamily kFamilies[] = {
+    {"random", [](int n) { return bench::randomGraph(n); }},
+    {"grid", [](int n) { return bench::gridGraph(n); }},
+    {"powerlaw", [](int n) { return bench::powerLawGraph(n); }},
+    {"star", [](int n) { return bench::starGraph(n); }},
+    {"chain", [](int n) { return bench::chainGraph(n); }},
+    {"cycles", [](int n) { return bench::cyclesOfFour(n); }},
+    {"layered", [](int n) { return bench::layeredDag(n); }},
+};
+
+template <class F, class Boost>
+void addRows(const char* algorithm, const NamedFamily& family, int n, [[maybe_unused]] bool withPeers) {
+    const std::string name = std::string(algorithm) + "/" + family.name + "/";
+    const auto make = family.make;
+    bench::add(name + "rv", n, [=](benchmark::State& s) { runRv<F>(s, make(n), 0); });
+    bench::add(name + "rv_original", n, [=](benchmark::State& s) { runRv<F>(s, make(n), 1); });
+#ifdef RV_BENCH_BOOST
+    if (!withPeers) return;
+    bench::add(name + "boost_listS", n,
+               [=](benchmark::State& s) { runBoost<Boost, boost::listS>(s, make(n)); });
+    bench::add(name + "boost_vecS", n,
+               [=](benchmark::State& s) { runBoost<Boost, boost::vecS>(s, make(n)); });
+#endif
+}
+
+#ifdef RV_BENCH_LEMON
+void addLemonRow(const char* algorithm, const NamedFamily& family, int n,
+                 void (bench::LemonSearches::*search)()) {
+    const auto make = family.make;
+    bench::add(std::string(algorithm) + "/" + family.name + "/lemon", n,
+               [=](benchmark::State& s) { runLemon(s, make(n), search); });
+}
+#endif
+
+#ifndef RV_BENCH_BOOST
+using BoostBreadth = void;
+using BoostDepth = void;
+using BoostConnected = void;
+using BoostBiconnected = void;
+using BoostStrong = void;
+#endif
+
+void addSize(int n) {
+    for (const NamedFamily& family : kFamilies) {
+        const bool isStar = std::strcmp(family.name, "star") == 0;
+        addRows<Breadth, BoostBreadth>("breadth_first", family, n, true);
+        addRows<Depth, BoostDepth>("depth_first", family, n, true);
+        addRows<Connected, BoostConnected>("connected", family, n, true);
+        addRows<Biconnected, BoostBiconnected>("biconnected", family, n, !isStar);
+        addRows<Strong, BoostStrong>("strong", family, n, true);
+#ifdef RV_BENCH_LEMON
+        using L = bench::LemonSearches;
+        addLemonRow("breadth_first", family, n, &L::breadthFirst);
+        addLemonRow("depth_first", family, n, &L::depthFirst);
+        addLemonRow("connected", family, n, &L::connected);
+        addLemonRow("biconnected", family, n, &L::biconnected);
+        addLemonRow("strong", family, n, &L::stronglyConnected);
+#endif
+    }
+    const auto make = kFamilies[0].make;
+    bench::add("Phases/random/rv", n, [=](benchmark::State& s) { phases(s, make(n)); });
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    bool large = false;
+    for (int i = 1; i < argc; ++i) {
+        if (std::strcmp(argv[i], "--large") != 0) continue;
+        large = true;
+        std::rotate(argv + i, argv + i + 1, argv + argc);
+        --argc;
+    }
+    addSize(10'000);
+    addSize(100'000);
+    if (large) addSize(1'000'000);
+    benchmark::Initialize(&argc, argv);
+    if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
+    benchmark::RunSpecifiedBenchmarks();
+    return 0;
+}
