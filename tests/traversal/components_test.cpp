@@ -1,0 +1,344 @@
+// Connected, biconnected and strongly connected components.
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <map>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "rv/foundation/graph_iterators.h"
+#include "rv/traversal/biconnected_components.h"
+#include "rv/traversal/connected_components.h"
+#include "rv/traversal/strongly_connected_components.h"
+#include "tests/snapshot.h"
+#include "tests/test_graph.h"
+
+namespace {
+
+using rvtest::randomText;
+using rvtest::rearrange;
+using rvtest::Runner;
+using rvtest::TestGraph;
+using rvtest::text;
+
+using Connected =
+    Runner<RVConnectedComponentsAlgorithm, RVConnectedComponentsInputData, RVConnectedComponentsOutputData>;
+using Blocks = Runner<RVBiconnectedComponentsAlgorithm, RVBiconnectedComponentsInputData,
+                      RVBiconnectedComponentsOutputData>;
+using Strong = Runner<RVStronglyConnectedComponentsAlgorithm, RVStronglyConnectedComponentsInputData,
+                      RVStronglyConnectedComponentsOutputData>;
+using DepthFirst =
+    Runner<RVDepthFirstSearchAlgorithm, RVDepthFirstSearchInputData, RVDepthFirstSearchOutputData>;
+
+template <class List>
+std::string lists(const RVDList* list) {
+    std::string all;
+    for (RVDListIter it(list); it; it++) all += "[" + text(*static_cast<List*>(it.pObject())) + "]";
+    return all;
+}
+std::vector<RVNodeDList*> nodeLists(const RVDList* list) {
+    std::vector<RVNodeDList*> all;
+    for (RVDListIter it(list); it; it++) all.push_back(static_cast<RVNodeDList*>(it.pObject()));
+    return all;
+}
+
+// Numbers say what the lists say.
+template <class Output>
+void expectNumbers(const Output& output, const RVGraph* graph) {
+    std::map<RVNode*, int> numbers;
+    int number = 0;
+    for (const RVNodeDList* component : nodeLists(output.pComponentList())) {
+        ++number;
+        for (RVNode* node : *component) EXPECT_TRUE(numbers.emplace(node, number).second) << text(node);
+    }
+    EXPECT_EQ(static_cast<int>(numbers.size()), graph->numberOfNodes());
+    for (RVNode* node : *graph->pNodeList())
+        EXPECT_EQ(output.componentNumber(node), numbers[node]) << text(node);
+}
+
+// What they answer, as text; each on one object for all graphs.
+struct AllComponents {
+    std::string connectedOf(RVGraph* graph) {
+        EXPECT_EQ(connected.run(graph), RV_NO_ERROR);
+        expectNumbers(connected.output, graph);
+        return lists<RVNodeDList>(connected.output.pComponentList());
+    }
+    std::string blocksOf(RVGraph* graph) {
+        EXPECT_EQ(blocks.run(graph), RV_NO_ERROR);
+        return lists<RVNodeDList>(blocks.output.pComponentList()) + " " +
+               text(*blocks.output.pArticulationNodeList());
+    }
+    std::string strongOf(RVGraph* graph) {
+        EXPECT_EQ(strong.run(graph), RV_NO_ERROR);
+        expectNumbers(strong.output, graph);
+        return lists<RVNodeDList>(strong.output.pComponentList()) + " " +
+               lists<RVEdgeDList>(strong.output.pEdgeComponentList());
+    }
+    Connected connected;
+    Blocks blocks;
+    Strong strong;
+};
+
+TEST(Components, ComeInTheStatedOrders) {
+    const struct {
+        const char* what;
+        const char* graph;
+        const char* connected;
+        const char* blocks;  // and articulation nodes
+        const char* strong;  // and edges
+    } cases[] = {
+        {"nothing", "", "", " ", " "},
+        {"isolated nodes", "c a b", "[c][a][b]", "[c][a][b] ", "[c][a][b] [][][]"},
+        {"two into one", "a->b c->b", "[a b c]", "[c b][b a] b", "[b][a][c] [][][]"},
+        {"isolated nodes last", "e a->b c->d", "[a b][c d][e]", "[b a][d c][e] ",
+         "[b][a][d][c][e] [][][][][]"},
+        {"numbered by edges, listed by nodes", "d c b a a->b c->d", "[b a][d c]", "[c d][a b] ",
+         "[d][c][b][a] [][][][]"},
+        {"chain", "a->b b->c", "[a b c]", "[c b][b a] b", "[c][b][a] [][][]"},
+        {"triangle", "a->b b->c c->a", "[a b c]", "[b c a] ", "[c b a] [c->a b->c a->b]"},
+        {"a cycle and a way out", "a->b b->c c->a c->d", "[a b c d]", "[a b c][c d] c",
+         "[d][c b a] [][c->a b->c a->b]"},
+        {"two triangles with a common node", "a->x x->b b->a x->c c->d d->x", "[a x b c d]",
+         "[c d x][x b a] x", "[b d c x a] [b->a d->x c->d x->b x->c a->x]"},
+        {"loops and parallels", "a->a b->c:1 b->c:2 c->b c->c", "[b c][a]", "[c b][a] ",
+         "[c b][a] [c->b c->c b->c:1 b->c:2][a->a]"},
+        {"a root that joins", "x->a a->b b->c c->d d->a a->c b->d x->e e->f f->g g->h h->e e->g f->h",
+         "[x a b c d e f g h]", "[f g h e][e x][b c d a][a x] e a x",
+         "[f h g e][b d c a][x] [f->g f->h h->e g->h e->f e->g][b->c b->d d->a c->d a->b a->c][]"},
+        {"a joint of three blocks", "a->b b->c b->d", "[a b c d]", "[d b][c b][b a] b",
+         "[d][c][b][a] [][][][]"},
+    };
+    AllComponents all;
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.what);
+        const TestGraph g(c.graph);
+        EXPECT_EQ(all.connectedOf(g), c.connected);
+        EXPECT_EQ(all.blocksOf(g), c.blocks);
+        EXPECT_EQ(all.strongOf(g), c.strong);
+    }
+}
+
+// Which nodes reach which, by transitive closure, without the nodes that are left out.
+class Closure {
+public:
+    Closure(const RVGraph* graph, bool directed, const std::set<RVNode*>& without = {}) {
+        for (RVNode* node : *graph->pNodeList()) m_reaches.emplace(node, node);
+        for (RVEdge* edge : *graph->pEdgeList()) {
+            RVNode* const source = edge->pSourceNode();
+            RVNode* const target = edge->pTargetNode();
+            if (without.count(source) != 0 || without.count(target) != 0) continue;
+            m_reaches.emplace(source, target);
+            if (!directed) m_reaches.emplace(target, source);
+        }
+        for (RVNode* via : *graph->pNodeList())
+            for (RVNode* from : *graph->pNodeList())
+                for (RVNode* to : *graph->pNodeList())
+                    if ((*this)(from, via) && (*this)(via, to)) m_reaches.emplace(from, to);
+    }
+    bool operator()(RVNode* from, RVNode* to) const { return m_reaches.count({from, to}) != 0; }
+
+private:
+    std::set<std::pair<RVNode*, RVNode*>> m_reaches;
+};
+
+bool isLoop(const RVEdge* edge) { return edge->pSourceNode() == edge->pTargetNode(); }
+
+// In the order of the edges, then of the isolated nodes.
+std::string connectedByRule(const RVGraph* graph) {
+    const Closure reaches(graph, false);
+    std::set<RVNode*> done;
+    std::string all;
+    const auto add = [&](RVNode* from) {
+        RVNodeDList component;
+        for (RVNode* node : *graph->pNodeList()) {
+            if (reaches(from, node) && done.insert(node).second) component.appendNode(node);
+        }
+        if (component.length() != 0) all += "[" + text(component) + "]";
+    };
+    for (RVEdge* edge : *graph->pEdgeList())
+        if (!isLoop(edge)) add(edge->pSourceNode());
+    for (RVNode* node : *graph->pNodeList()) add(node);
+    return all;
+}
+
+// Whether some nodes hang together, also when any one of them is taken away.
+bool isBiconnected(const RVGraph* graph, const std::set<RVNode*>& nodes) {
+    std::set<RVNode*> outside;
+    for (RVNode* node : *graph->pNodeList())
+        if (nodes.count(node) == 0) outside.insert(node);
+    const auto hangTogether = [&](RVNode* without) {
+        std::set<RVNode*> missing = outside;
+        missing.insert(without);
+        const Closure reaches(graph, false, missing);
+        for (RVNode* a : nodes)
+            for (RVNode* b : nodes)
+                if (a != without && b != without && !reaches(a, b)) return false;
+        return true;
+    };
+    return hangTogether(nullptr) && std::all_of(nodes.begin(), nodes.end(), hangTogether);
+}
+
+std::set<std::set<RVNode*>> blocksByDefinition(const RVGraph* graph) {
+    std::set<std::set<RVNode*>> all;
+    for (unsigned subset = (1U << graph->numberOfNodes()) - 1; subset > 0; --subset) {
+        std::set<RVNode*> nodes;
+        unsigned bit = 1;
+        for (RVNode* node : *graph->pNodeList()) {
+            if ((subset & bit) != 0) nodes.insert(node);
+            bit *= 2;
+        }
+        // Subsets come after what they are part of.
+        const bool isPart = std::any_of(all.begin(), all.end(), [&](const std::set<RVNode*>& block) {
+            return std::includes(block.begin(), block.end(), nodes.begin(), nodes.end());
+        });
+        if (!isPart && isBiconnected(graph, nodes)) all.insert(nodes);
+    }
+    return all;
+}
+
+void expectBlocks(const RVBiconnectedComponentsOutputData& output, RVGraph* graph) {
+    DepthFirst search(graph);
+    search.input.undirected(1);
+    ASSERT_EQ(search.run(), RV_NO_ERROR);
+    std::set<std::set<RVNode*>> found;
+    std::map<RVNode*, int> joins;
+    std::string articulations;
+    int closed = 0;
+    for (const RVNodeDList* block : nodeLists(output.pComponentList())) {
+        std::set<RVNode*> nodes;
+        for (RVNode* node : *block) nodes.insert(node);
+        found.insert(nodes);
+        for (int i = 2; i <= block->length(); ++i) {
+            EXPECT_LT(search.output.orderNumber(block->pNodeInPosition(i)),
+                      search.output.orderNumber(block->pNodeInPosition(i - 1)));
+        }
+        // Closed by the node before the last one, which its parent joins to the rest.
+        RVNode* const closing = block->pNodeInPosition(std::max(block->length() - 1, 1));
+        EXPECT_GT(search.output.completionNumber(closing), closed);
+        closed = search.output.completionNumber(closing);
+        RVNode* const joint = block->pLastNode();
+        const int needed = search.output.pParentNode(joint) == nullptr ? 2 : 1;
+        if (block->length() > 1 && ++joins[joint] == needed) articulations += " " + text(joint);
+    }
+    EXPECT_EQ(found, blocksByDefinition(graph));
+    EXPECT_EQ(" " + text(*output.pArticulationNodeList()), articulations.empty() ? " " : articulations);
+    for (RVNode* node : *graph->pNodeList()) {
+        // Taking an articulation node away separates two others.
+        const Closure before(graph, false);
+        const Closure after(graph, false, {node});
+        bool separates = false;
+        for (RVNode* a : *graph->pNodeList())
+            for (RVNode* b : *graph->pNodeList())
+                if (a != node && b != node && before(a, b) && !after(a, b)) separates = true;
+        EXPECT_EQ(output.pArticulationNodeList()->searchObject(node) != nullptr, separates) << text(node);
+    }
+}
+
+// The edges inside a component: out-edges in order, each first one of parallels followed by the others, then
+// loops.
+std::string edgesByRule(const RVGraph* graph, const RVNodeDList& component) {
+    RVEdgeDList edges;
+    for (RVNode* node : component) {
+        for (RVEdge* edge : *node->pOutEdgeList()) {
+            if (isLoop(edge) || component.searchObject(edge->pTargetNode()) == nullptr) continue;
+            const auto isParallel = [&](const RVEdge* other) {
+                return other->pSourceNode() == node && other->pTargetNode() == edge->pTargetNode();
+            };
+            RVEdgeIter first(graph);
+            while (!isParallel(first.pEdge())) first++;
+            if (first.pEdge() != edge) continue;
+            edges.appendEdge(edge);
+            for (RVEdge* parallel : *node->pOutEdgeList()) {
+                if (parallel != edge && isParallel(parallel)) edges.appendEdge(parallel);
+            }
+        }
+        for (RVEdge* edge : *graph->pEdgeList()) {
+            if (isLoop(edge) && edge->pSourceNode() == node) edges.appendEdge(edge);
+        }
+    }
+    return "[" + text(edges) + "]";
+}
+
+void expectStrong(const RVStronglyConnectedComponentsOutputData& output, RVGraph* graph) {
+    DepthFirst search(graph);
+    ASSERT_EQ(search.run(), RV_NO_ERROR);
+    const Closure reaches(graph, true);
+    std::string edges;
+    for (const RVNodeDList* component : nodeLists(output.pComponentList())) {
+        for (int i = 2; i <= component->length(); ++i) {
+            EXPECT_LT(search.output.orderNumber(component->pNodeInPosition(i)),
+                      search.output.orderNumber(component->pNodeInPosition(i - 1)));
+        }
+        edges += edgesByRule(graph, *component);
+    }
+    EXPECT_EQ(lists<RVEdgeDList>(output.pEdgeComponentList()), edges);
+    for (RVNode* a : *graph->pNodeList()) {
+        for (RVNode* b : *graph->pNodeList()) {
+            const bool together = reaches(a, b) && reaches(b, a);
+            EXPECT_EQ(output.componentNumber(a) == output.componentNumber(b), together) << text(a) << text(b);
+            EXPECT_TRUE(!reaches(a, b) || output.componentNumber(a) >= output.componentNumber(b));
+        }
+    }
+}
+
+TEST(Components, AgreeWithSlowWays) {
+    AllComponents all;
+    for (unsigned seed = 0; seed < 250; ++seed) {
+        const std::string tokens = randomText(seed, {.nodes = 6, .edges = seed % 3 == 0 ? 16 : 9});
+        SCOPED_TRACE("seed " + std::to_string(seed) + ": " + tokens);
+        const TestGraph g(tokens);
+        rearrange(g, seed % 2 == 0 ? seed : 0);
+        EXPECT_EQ(all.connectedOf(g), connectedByRule(g));
+        all.blocksOf(g);
+        expectBlocks(all.blocks.output, g);
+        all.strongOf(g);
+        expectStrong(all.strong.output, g);
+        if (HasFailure()) break;
+    }
+}
+
+// Built lists belong to the caller, as do the lists in the list that is filled.
+TEST(Components, AreHandedOutAsCopies) {
+    RVDList built[4];
+    for (RVDList& list : built) list.appendObject(new RVNodeDList);
+    const TestGraph g("a->b b->a b->c c->c");
+    {
+        AllComponents all;
+        all.connectedOf(g);
+        all.blocksOf(g);
+        all.strongOf(g);
+        for (int again = 0; again < 2; ++again) {
+            all.connected.output.buildComponentList(built[0]);
+            all.blocks.output.buildComponentList(built[1]);
+            all.strong.output.buildComponentList(built[2]);
+            all.strong.output.buildEdgeComponentList(built[3]);
+        }
+        RVNodeDList joints = g.nodes("a c");
+        all.blocks.output.buildArticulationNodeList(joints);
+        EXPECT_EQ(text(joints), "b");
+        static_cast<RVNodeDList*>(built[0].pFirstObject())->deleteAllCells();
+        EXPECT_EQ(lists<RVNodeDList>(all.connected.output.pComponentList()), "[a b c]");
+
+        all.connected.output.reset();
+        all.blocks.output.reset();
+        all.strong.output.reset();
+        EXPECT_EQ(
+            all.connected.output.pComponentList()->length() + all.blocks.output.pComponentList()->length(),
+            0);
+        EXPECT_EQ(all.blocks.output.pArticulationNodeList()->length(), 0);
+        EXPECT_EQ(
+            all.strong.output.pComponentList()->length() + all.strong.output.pEdgeComponentList()->length(),
+            0);
+        EXPECT_EQ(all.connected.output.componentNumber(g.node("a")), 0);
+        EXPECT_EQ(all.strong.output.componentNumber(g.node("a")), 0);
+    }
+    EXPECT_EQ(lists<RVNodeDList>(&built[0]), "[]");
+    EXPECT_EQ(lists<RVNodeDList>(&built[1]), "[c b][b a]");
+    EXPECT_EQ(lists<RVNodeDList>(&built[2]), "[c][b a]");
+    EXPECT_EQ(lists<RVEdgeDList>(&built[3]), "[c->c][b->a a->b]");
+    for (RVDList& list : built) list.deleteAllCellsAndObjects();
+}
+
+}  // namespace
