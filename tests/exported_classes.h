@@ -1,0 +1,51 @@
+// The exported classes of the library, for tests of what all of them have in common. A new class goes here.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "rv/analysis.h"
+
+namespace rvtest {
+
+// Those that can be made without arguments and copied.
+using CopyableClasses = testing::Types<
+    RVConstraint, RVInt, RVDouble, RVSimpleRandom, RVDList, RVNodeDList, RVEdgeDList, RVGraphDList, RVBinTree,
+    RVSortedBinTree, RVDListSort, RVHashMap, RVHashSet, RVAlgorithmExtension, RVNodeAlgorithmExtension,
+    RVEdgeAlgorithmExtension, RVNodeAnalysisExtension, RVEdgeAnalysisExtension, RVNodeExtensionInteger,
+    RVEdgeValuePair, RVAlgorithmData, RVAlgorithmInputData, RVAnalysisInputData, RVAnalysisInternalData,
+    RVNodeExtensionTopologicalSort, RVTopologicalSortInputData, RVTopologicalSortOutputData,
+    RVTopologicalSortAlgorithm, RVNodeExtensionTraversal, RVEdgeExtensionTraversal,
+    RVEdgeExtensionTraversalInput, RVTraversalInputData, RVTraversalInternalData,
+    RVBreadthFirstSearchInputData, RVBreadthFirstSearchOutputData, RVBreadthFirstSearchAlgorithm,
+    RVNodeExtensionDepthFirstSearch, RVEdgeExtensionDepthFirstSearch, RVDepthFirstSearchInputData,
+    RVDepthFirstSearchInternalData, RVDepthFirstSearchOutputData, RVDepthFirstSearchAlgorithm,
+    RVConnectedComponentsInputData, RVConnectedComponentsOutputData, RVConnectedComponentsAlgorithm,
+    RVNodeExtensionBiconnectedComponents, RVBiconnectedComponentsInputData,
+    RVBiconnectedComponentsInternalData, RVBiconnectedComponentsOutputData, RVBiconnectedComponentsAlgorithm,
+    RVNodeExtensionStronglyConnectedComponents, RVStronglyConnectedComponentsInputData,
+    RVStronglyConnectedComponentsInternalData, RVStronglyConnectedComponentsOutputData,
+    RVStronglyConnectedComponentsAlgorithm, RVPathExistsTestInputData, RVPathExistsTestInternalData,
+    RVPathExistsTestOutputData, RVPathExistsTestAlgorithm, RVAcyclicTestInputData, RVAcyclicTestOutputData,
+    RVAcyclicTestAlgorithm, RVTreeTestInputData, RVTreeTestOutputData, RVTreeTestAlgorithm>;
+
+using AbstractClasses = testing::Types<RVAlgorithm, RVInternalAlgorithm, RVBaseGraphAlgorithm,
+                                       RVInternalGraphAlgorithm, RVAlgorithmOutputData, RVAnalysisOutputData>;
+
+using UncopyableClasses = testing::Types<RVGraph, RVAFactory>;
+
+using InputClasses = testing::Types<RVAlgorithmInputData, RVAnalysisInputData, RVTopologicalSortInputData,
+                                    RVTraversalInputData, RVBreadthFirstSearchInputData,
+                                    RVDepthFirstSearchInputData, RVConnectedComponentsInputData,
+                                    RVBiconnectedComponentsInputData, RVStronglyConnectedComponentsInputData,
+                                    RVPathExistsTestInputData, RVAcyclicTestInputData, RVTreeTestInputData>;
+
+struct ClassNames {
+    template <class C>
+    static std::string GetName(int) {
+        return testing::internal::GetTypeName<C>();
+    }
+};
+
+}  // namespace rvtest

@@ -1,0 +1,280 @@
+// The pipeline of a run: hooks, codes, exceptions, and the data of one run.
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <optional>
+#include <random>
+#include <stdexcept>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "rv/analysis.h"
+#include "tests/test_graph.h"
+
+namespace {
+
+using rvtest::orders;
+using rvtest::randomText;
+using rvtest::TestGraph;
+using rvtest::text;
+
+// Notes the steps of a run; those that are named in `throwing` throw.
+struct Log {
+    void note(const std::string& step) {
+        steps += (steps.empty() ? "" : " ") + step;
+        const bool throws = (" " + throwing + " ").find(" " + step + " ") != std::string::npos;
+        if (throws) throw std::runtime_error(step);
+    }
+    std::string take() { return std::exchange(steps, ""); }
+    std::string steps;
+    std::string throwing;
+};
+
+class LoggingOutput : public RVAnalysisOutputData {
+public:
+    explicit LoggingOutput(Log& log) : m_log(log) {}
+    void reset() override {
+        const RVGraph* graph = pAssociatedGraph();
+        m_log.note(graph == nullptr ? "reset" : "reset:" + text(graph->pFirstNode()));
+    }
+
+private:
+    Log& m_log;
+};
+
+// Works on a copy of the graph, with records on both and a graph aside, and looks at what it has there.
+class LoggingAlgorithm : public RVInternalAlgorithm {
+public:
+    explicit LoggingAlgorithm(Log& log) : m_log(log) {}
+    RVServiceErrorCodeEnum checkCode = RV_NO_ERROR;
+    RVServiceErrorCodeEnum bodyCode = RV_NO_ERROR;
+    bool hasOwnData = true;
+
+    RVServiceErrorCodeEnum checkData() override {
+        m_log.note("checkData");
+        return checkCode;
+    }
+
+protected:
+    class RunData : public RVAlgorithmData {
+        RVNodeAlgorithmExtension* newNodeAlgorithmExtension(RVNode* node) override {
+            return new RVNodeExtensionInteger(node, this);
+        }
+    };
+    RVAlgorithmData* newInternalData() override { return hasOwnData ? new RunData : nullptr; }
+
+    void initialize() override {
+        RVInternalAlgorithm::initialize();
+        EXPECT_EQ(pAssociatedGraph(), pInputData()->pAssociatedGraph());
+        EXPECT_EQ(pInternalData()->pExistingExtension(pAssociatedGraph()->pFirstNode()), nullptr);
+        m_log.note("initialize");
+    }
+    void parseInputData() override { m_log.note("parseInputData"); }
+    void preprocess() override {
+        createGraphCopy();
+        m_copy.reset(pAssociatedGraph());
+        pInternalData()->pSecondaryGraphs()->appendGraph(m_copy->pFactory()->newGraph());
+        m_log.note("preprocess");
+    }
+    RVServiceErrorCodeEnum algorithmBody() override {
+        RVGraph* const original = pInternalData()->pInputGraph();
+        EXPECT_EQ(original, pInputData()->pAssociatedGraph());
+        EXPECT_EQ(original, pOutputData()->pAssociatedGraph());
+        EXPECT_NE(original, m_copy.get());
+        EXPECT_EQ(orders(m_copy.get()), orders(original));
+        RVAlgorithmData& data = *pInternalData();
+        for (RVNodeIter it(original), copy(m_copy.get()); it; it++, copy++) {
+            EXPECT_EQ(data.pCopyNode(it.pNode()), copy.pNode());
+            EXPECT_EQ(data.pOriginalNode(copy.pNode()), it.pNode());
+            data.pAlgorithmExtension(it.pNode());
+            data.pAlgorithmExtension(copy.pNode());
+        }
+        for (RVEdgeIter it(original), copy(m_copy.get()); it; it++, copy++) {
+            EXPECT_EQ(data.pCopyEdge(it.pEdge()), copy.pEdge());
+            EXPECT_EQ(data.pOriginalEdge(copy.pEdge()), it.pEdge());
+        }
+        m_log.note("algorithmBody");
+        return bodyCode;
+    }
+    void generateOutputData() override { m_log.note("generateOutputData"); }
+    void postprocess() override {
+        m_copy.reset();
+        m_log.note("postprocess");
+    }
+    void cleanup() override {
+        RVInternalAlgorithm::cleanup();
+        EXPECT_EQ(pInternalData(), nullptr);
+        EXPECT_EQ(pAssociatedGraph(), nullptr);
+        m_log.note("cleanup");
+    }
+
+private:
+    Log& m_log;
+    std::unique_ptr<RVGraph> m_copy;
+};
+
+class Pipeline : public testing::Test {
+protected:
+    Pipeline() {
+        m_algorithm.pInputData(&m_input);
+        m_algorithm.pOutputData(&m_output);
+    }
+    void expectNoTraces() const {
+        EXPECT_EQ(m_graph->pFirstNode()->pAnalysisExtensions()->pFirstExtension(), nullptr);
+        EXPECT_EQ(m_algorithm.pInternalData(), nullptr);
+    }
+
+    const std::string m_full =
+        "checkData reset initialize parseInputData preprocess algorithmBody generateOutputData postprocess "
+        "cleanup";
+    const std::string m_again = std::string(m_full).replace(10, 5, "reset:a");
+    TestGraph m_graph{"a->b:4 b->c b->c a->a c->b"};
+    RVAnalysisInputData m_input{m_graph};
+    Log m_log;
+    LoggingOutput m_output{m_log};
+    LoggingAlgorithm m_algorithm{m_log};
+};
+
+TEST_F(Pipeline, CallsAllHooksWhateverTheBodySays) {
+    m_algorithm.bodyCode = RV_NEGATIVE_CYCLE;
+    EXPECT_EQ(m_algorithm.run(), RV_NEGATIVE_CYCLE);
+    EXPECT_EQ(m_log.take(), m_full);
+    m_algorithm.bodyCode = RV_NO_ERROR;
+    m_algorithm.hasOwnData = false;
+    EXPECT_EQ(m_algorithm.run(), RV_NO_ERROR);
+    EXPECT_EQ(m_log.take(), m_again);
+    expectNoTraces();
+    m_algorithm.checkCode = RV_NO_EFFECT_NODES;
+    EXPECT_EQ(m_algorithm.run(), RV_NO_EFFECT_NODES);
+    EXPECT_EQ(m_log.take(), "checkData");
+}
+
+TEST_F(Pipeline, ResetsTheOutputOnItsOldGraph) {
+    std::optional<TestGraph> other("x->y");
+    m_input.pAssociatedGraph(*other);
+    m_algorithm.run();
+    m_input.pAssociatedGraph(m_graph);
+    m_log.take();
+    m_algorithm.run();
+    EXPECT_EQ(m_log.take().substr(0, 18), "checkData reset:x ");
+    EXPECT_EQ(m_output.pAssociatedGraph(), m_graph.get());
+    m_output.pAssociatedGraph(*other);
+    other.reset();
+    m_algorithm.run();
+    EXPECT_EQ(m_log.take(), m_full);
+}
+
+TEST_F(Pipeline, CleansUpAfterExceptions) {
+    const struct {
+        const char* throwing;
+        const char* steps;
+    } cases[] = {
+        {"checkData", "checkData"},
+        {"reset", "checkData reset"},
+        {"initialize", "checkData reset initialize cleanup"},
+        {"parseInputData", "checkData reset initialize parseInputData cleanup"},
+        {"preprocess", "checkData reset initialize parseInputData preprocess postprocess cleanup"},
+        {"algorithmBody",
+         "checkData reset initialize parseInputData preprocess algorithmBody postprocess cleanup"},
+        {"generateOutputData", m_full.c_str()},
+        {"postprocess", m_full.c_str()},
+        {"cleanup", m_full.c_str()},
+        {"algorithmBody postprocess cleanup",
+         "checkData reset initialize parseInputData preprocess algorithmBody postprocess cleanup"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.throwing);
+        m_log.throwing = c.throwing;
+        m_output.pAssociatedGraph(nullptr);
+        try {
+            m_algorithm.run();
+            ADD_FAILURE() << "no exception";
+        } catch (const std::runtime_error& error) {
+            EXPECT_EQ(std::string(error.what()), m_log.throwing.substr(0, m_log.throwing.find(' ')));
+        }
+        EXPECT_EQ(m_log.take(), c.steps);
+        expectNoTraces();
+        m_log.throwing = "";
+        m_output.pAssociatedGraph(m_graph);
+        EXPECT_EQ(m_algorithm.run(), RV_NO_ERROR);
+        EXPECT_EQ(m_log.take(), m_again);
+    }
+}
+
+// Also where lists do not stand in the order of the edges, or objects are detached.
+TEST(GraphCopy, HasAllOrdersAndNames) {
+    for (unsigned seed = 0; seed < 300; ++seed) {
+        const TestGraph g(randomText(seed, {.nodes = 4, .edges = 9, .most = 99}));
+        std::vector<RVNode*> nodes;
+        std::vector<RVEdge*> edges;
+        for (RVNode* node : *g->pNodeList()) nodes.push_back(node);
+        for (RVEdge* edge : *g->pEdgeList()) edges.push_back(edge);
+        std::mt19937 random(seed);
+        for (int i = 0; i < 12 && !edges.empty(); ++i) {
+            RVNode* const node = nodes[random() % nodes.size()];
+            RVEdge* const edge = edges[random() % edges.size()];
+            const auto roll = random() % 7;
+            if (roll == 0) g->removeNode(node);
+            if (roll == 1) g->insertNode(node);
+            if (roll == 2) g->removeEdge(edge);
+            if (roll == 3) g->insertEdge(edge, edge->pTargetNode(), node);
+            if (roll == 4) edge->invertDirection();
+            if (roll == 5) edge->changeSourceNode(node);
+            if (roll == 6) edge->changeTargetNode(node);
+            RVAlgorithmData data;
+            RVGraph copy;
+            data.copyGraph(g, &copy);
+            ASSERT_EQ(orders(&copy), orders(g)) << "seed " << seed << ", change " << i;
+        }
+    }
+}
+
+class CountingAlgorithm : public RVBaseGraphAlgorithm {
+public:
+    int bodies = 0;
+
+protected:
+    RVServiceErrorCodeEnum algorithmBody() override {
+        ++bodies;
+        return RV_ALGORITHM_FAILURE;
+    }
+};
+
+TEST(BaseGraphAlgorithm, ChecksItsDataInOrder) {
+    TestGraph good("a");
+    RVGraph factoryless;
+    RVAnalysisInputData inputs[] = {RVAnalysisInputData(), RVAnalysisInputData(&factoryless),
+                                    RVAnalysisInputData(good)};
+    Log log;
+    LoggingOutput output(log);
+    const struct {
+        RVAlgorithmInputData* input;
+        RVAlgorithmOutputData* output;
+        int code;
+    } cases[] = {
+        {nullptr, nullptr, 1001},    {nullptr, &output, 1001},  {&inputs[0], nullptr, 1002},
+        {&inputs[2], nullptr, 1002}, {&inputs[0], &output, 22}, {&inputs[1], &output, 21},
+        {&inputs[2], &output, 999},
+    };
+    for (const auto& c : cases) {
+        CountingAlgorithm algorithm;
+        algorithm.pInputData(c.input);
+        algorithm.pOutputData(c.output);
+        EXPECT_EQ(algorithm.run(), c.code);
+        EXPECT_EQ(algorithm.internalRun(), c.code);
+        EXPECT_EQ(algorithm.bodies, c.code == 999 ? 2 : 0);
+        EXPECT_EQ(log.take(), c.code == 999 ? "reset reset:a" : "");
+    }
+    auto factory = std::make_unique<RVAFactory>();
+    const TestGraph orphan("a", factory.get());
+    inputs[0].pAssociatedGraph(orphan);
+    factory.reset();
+    CountingAlgorithm algorithm;
+    algorithm.pInputData(&inputs[0]);
+    algorithm.pOutputData(&output);
+    EXPECT_EQ(algorithm.run(), RV_NO_GRAPH_FACTORY);
+}
+
+}  // namespace

@@ -1,0 +1,468 @@
+// Records and mappings of data objects: what they hold, and who outlives whom.
+
+#include <gtest/gtest.h>
+
+#include <map>
+#include <memory>
+#include <optional>
+#include <random>
+#include <vector>
+
+#include "rv/analysis.h"
+#include "tests/test_graph.h"
+
+namespace {
+
+using rvtest::TestGraph;
+using rvtest::text;
+
+// Counts the records that are alive.
+struct Counted {
+    Counted() { ++alive; }
+    Counted(const Counted&) { ++alive; }
+    Counted& operator=(const Counted&) = default;
+    ~Counted() { --alive; }
+    static inline int alive = 0;
+};
+
+// Records with a number; those of the first two classes are counted.
+template <class Base, class Extra>
+class Numbered : public Base {
+public:
+    using Base::Base;
+    int data() const { return m_value; }
+    int data(int value) { return m_value = value; }
+
+private:
+    int m_value = 0;
+    [[no_unique_address]] Extra m_extra;
+};
+struct Nothing {};
+
+class NodeMark : public Numbered<RVNodeAnalysisExtension, Counted> {
+    RV_OBJECT(NodeMark)
+public:
+    using Numbered::Numbered;
+    NodeMark() = default;
+};
+RV_OBJECT_IMPL(NodeMark)
+
+class EdgeMark : public Numbered<RVEdgeAnalysisExtension, Counted> {
+    RV_OBJECT(EdgeMark)
+public:
+    using Numbered::Numbered;
+    EdgeMark() = default;
+};
+RV_OBJECT_IMPL(EdgeMark)
+
+class PlainEdgeMark : public Numbered<RVEdgeAnalysisExtension, Nothing> {
+    RV_PLAIN_RECORD(PlainEdgeMark)
+public:
+    using Numbered::Numbered;
+    PlainEdgeMark() = default;
+};
+RV_OBJECT_IMPL(PlainEdgeMark)
+
+// A number for every node and edge, in records that are on the heap, as a caller makes them, or in the data's
+// own memory.
+template <class NodeRecord, class EdgeRecord, bool kHeap>
+class Notes : public RVAnalysisInputData {
+public:
+    using RVAnalysisInputData::RVAnalysisInputData;
+    static constexpr bool kCounts = std::is_same_v<NodeRecord, NodeMark>;
+
+    int value(RVGraphMember* member) const {
+        return member->isNode() ? constRecord<NodeRecord>(member).data()
+                                : constRecord<EdgeRecord>(member).data();
+    }
+    // Some records come to own a list.
+    void value(RVGraphMember* member, int number) {
+        auto* ofNode = member->isNode() ? record<NodeRecord>(member) : nullptr;
+        auto* ofEdge = member->isEdge() ? record<EdgeRecord>(member) : nullptr;
+        ofNode != nullptr ? ofNode->data(number) : ofEdge->data(number);
+        if (number % 4 != 0) return;
+        (ofNode != nullptr ? ofNode->pReflexiveEdgeList() : ofEdge->pMultiEdgeList())->appendEdge(nullptr);
+    }
+
+protected:
+    RVNodeAlgorithmExtension* newNodeAlgorithmExtension(RVNode* node) override {
+        if constexpr (kHeap) return new NodeRecord(node, this);
+        return newRecord<NodeRecord>(node);
+    }
+    RVEdgeAlgorithmExtension* newEdgeAlgorithmExtension(RVEdge* edge) override {
+        if constexpr (kHeap) return new EdgeRecord(edge, this);
+        return newRecord<EdgeRecord>(edge);
+    }
+};
+using HeapNotes = Notes<NodeMark, EdgeMark, true>;
+using SlabNotes = Notes<NodeMark, EdgeMark, false>;
+using PlainNotes = Notes<RVNodeExtensionInteger, PlainEdgeMark, false>;  // released without a visit
+
+template <class T>
+class Records : public testing::Test {};
+using AllNotes = testing::Types<HeapNotes, SlabNotes, PlainNotes>;
+TYPED_TEST_SUITE(Records, AllNotes);
+
+TYPED_TEST(Records, AreMadeOnceAndStay) {
+    TestGraph g("a->b b->c");
+    TestGraph other("x");
+    TypeParam data(g);
+    TypeParam second(g);
+    RVNode* const b = g.node("b");
+    RVEdge* const edge = g.edge("a->b");
+    const int preset = data.value(b);
+    RVAlgorithmExtension* const ofNode = data.pAlgorithmExtension(b);
+    RVAlgorithmExtension* const ofEdge = data.pAlgorithmExtension(edge);
+    const auto expectSame = [&] {
+        EXPECT_EQ(data.pAlgorithmExtension(b), ofNode);
+        EXPECT_EQ(data.pAlgorithmExtension(edge), ofEdge);
+    };
+    expectSame();
+    EXPECT_EQ(ofNode->pOwner(), b);
+    EXPECT_EQ(ofEdge->pData(), &data);
+    g->removeEdge(edge);
+    g->removeNode(b);
+    expectSame();
+    g->insertNode(b);
+    g->insertEdge(edge, b, b);
+    expectSame();
+    EXPECT_NE(data.pAlgorithmExtension(g->addEdge(b, g->addNode())), nullptr);
+    EXPECT_EQ(data.pAlgorithmExtension(g.get()), nullptr);
+    EXPECT_EQ(data.pAlgorithmExtension(nullptr), nullptr);
+
+    for (TypeParam* each : {&data, &second}) {
+        each->value(b, 1);
+        each->value(other.node("x"), 2);
+    }
+    delete data.pAlgorithmExtension(edge);
+    EXPECT_EQ(data.pExistingExtension(edge), nullptr);
+    EXPECT_EQ(data.value(edge), preset);
+    data.deleteDataReferences(g);
+    data.deleteDataReferences(nullptr);
+    EXPECT_EQ(data.pExistingExtension(b), nullptr);
+    EXPECT_EQ(data.value(b), preset);
+    EXPECT_EQ(data.value(other.node("x")), 2);
+    EXPECT_EQ(second.value(b), 1);
+}
+
+// Data, graphs and their objects under random changes, beside a model that knows objects by number. All of
+// them come back at the same addresses all the time. The edges are loops at a node of each graph that stays.
+template <class Notes>
+class World {
+public:
+    explicit World(unsigned seed) : m_random(seed) {
+        for (int i = 0; i < kCount; ++i) newGraph(i);
+        for (int i = 0; i < kCount; ++i) newData(i);
+    }
+    ~World() {
+        while (below(6) != 0) below(2) == 0 ? m_data[below(kCount)].reset() : m_graphs[below(kCount)].reset();
+    }
+
+    void step() {
+        const int roll = below(24);
+        const int graph = below(kCount);
+        const int data = below(kCount);
+        const int i = below(count() + 1);
+        if (roll < 2) return m_members.push_back(m_graphs[graph]->addNode());
+        if (roll < 4) return m_members.push_back(m_graphs[graph]->addEdge(m_hubs[graph], m_hubs[graph]));
+        if (roll == 4) return newGraph(graph);
+        if (roll == 5) return newData(data);
+        if (roll == 6) return copyGraph(data, graph, (graph + 1 + below(2)) % kCount);
+        if (roll == 7) return copyData(data, below(kCount));
+        if (roll == 8) return deleteReferences(data, graph);
+        if (!isAlive(i)) return;
+        if (roll == 9) return discard(i);
+        if (roll < 12) return detach(at(i));
+        if (roll < 14) return insert(at(i), graph);
+        if (roll < 18) return map(data, i, below(count()), roll != 14, roll != 15);
+        m_models[data].values[i] = below(1000);
+        m_data[data]->value(at(i), m_models[data].values[i]);
+    }
+
+    void expectModel() const {
+        int records = 0;
+        for (int d = 0; d < kCount; ++d) {
+            const Model& model = m_models[d];
+            const Notes& data = *m_data[d];
+            records += static_cast<int>(model.values.size());
+            ASSERT_EQ(data.pAssociatedGraph(), model.graph < 0 ? nullptr : &*m_graphs[model.graph]);
+            for (int i = 0; i < count(); ++i) {
+                if (!isAlive(i)) continue;
+                RVGraphMember* const member = at(i);
+                const auto value = model.values.find(i);
+                ASSERT_EQ(copyOf(data, member), imageOf(model.copies, i)) << d << " of " << i;
+                ASSERT_EQ(originalOf(data, member), imageOf(model.originals, i)) << d << " of " << i;
+                ASSERT_EQ(data.pExistingExtension(member) != nullptr, value != model.values.end())
+                    << d << " of " << i;
+                ASSERT_TRUE(value == model.values.end() || data.value(member) == value->second)
+                    << d << " of " << i;
+            }
+        }
+        ASSERT_EQ(Counted::alive - m_aliveBefore, Notes::kCounts ? records : 0);
+    }
+
+private:
+    static constexpr int kCount = 3;  // of graphs and of data
+    using Mapping = std::map<int, int>;
+    struct Model {
+        int graph = -1;
+        Mapping values;
+        Mapping copies;
+        Mapping originals;
+    };
+    static RVNode* node(RVGraphMember* member) { return static_cast<RVNode*>(member); }
+    static RVEdge* edge(RVGraphMember* member) { return static_cast<RVEdge*>(member); }
+
+    int count() const { return static_cast<int>(m_members.size()); }
+    RVGraphMember* at(int i) const { return m_members[static_cast<std::size_t>(i)]; }
+    int below(int limit) { return static_cast<int>(m_random() % static_cast<unsigned>(limit)); }
+    bool isAlive(int i) const { return i < count() && at(i) != nullptr; }
+    bool isOf(int i, int graph) const { return isAlive(i) && at(i)->pHomeGraph() == &*m_graphs[graph]; }
+    template <class F>
+    void forEachOf(int graph, F f) {
+        for (int i = count() - 1; i >= 0; --i) {
+            if (isOf(i, graph)) f(i);
+        }
+    }
+    RVGraphMember* imageOf(const Mapping& mapping, int i) const {
+        return at(mapping.count(i) == 0 ? i : mapping.at(i));
+    }
+    static RVGraphMember* copyOf(const Notes& data, RVGraphMember* member) {
+        if (member->isNode()) return data.pCopyNode(node(member));
+        return data.pCopyEdge(edge(member));
+    }
+    static RVGraphMember* originalOf(const Notes& data, RVGraphMember* member) {
+        if (member->isNode()) return data.pOriginalNode(node(member));
+        return data.pOriginalEdge(edge(member));
+    }
+
+    void newGraph(int graph) {
+        if (m_graphs[graph]) forEachOf(graph, [this](int i) { forget(i); });
+        m_graphs[graph].emplace(&m_factory);
+        m_hubs[graph] = m_graphs[graph]->addNode();
+        for (Model& model : m_models) model.graph = model.graph == graph ? -1 : model.graph;
+    }
+    void newData(int data) {
+        m_models[data] = Model{below(kCount), {}, {}, {}};
+        m_data[data].emplace(&*m_graphs[m_models[data].graph]);
+    }
+    void copyData(int data, int source) {
+        if (data != source && below(2) == 0) {
+            m_data[data].emplace(*m_data[source]);
+        } else {
+            *m_data[data] = *m_data[source];
+        }
+        m_models[data] = m_models[source];
+    }
+    void deleteReferences(int data, int graph) {
+        m_data[data]->deleteDataReferences(&*m_graphs[graph]);
+        forEachOf(graph, [&](int i) { m_models[data].values.erase(i); });
+    }
+    void copyGraph(int data, int original, int copy) {
+        newGraph(copy);
+        m_graphs[copy]->discardNode(m_hubs[copy]);
+        forEachOf(original, [&](int i) { insert(at(i), original); });
+        m_data[data]->copyGraph(&*m_graphs[original], &*m_graphs[copy]);
+        m_hubs[copy] = m_data[data]->pCopyNode(m_hubs[original]);
+        forEachOf(original, [&](int i) {
+            m_models[data].copies[i] = count();
+            m_models[data].originals[count()] = i;
+            m_members.push_back(copyOf(*m_data[data], at(i)));
+        });
+    }
+
+    void forget(int i) {
+        m_members[static_cast<std::size_t>(i)] = nullptr;
+        for (Model& model : m_models) {
+            model.values.erase(i);
+            for (Mapping* mapping : {&model.copies, &model.originals}) {
+                std::erase_if(*mapping,
+                              [i](const auto& entry) { return entry.first == i || entry.second == i; });
+            }
+        }
+    }
+    void discard(int i) {
+        RVGraphMember* const member = at(i);
+        forget(i);
+        delete member;
+    }
+    static void detach(RVGraphMember* member) {
+        if (member->isNode()) member->pHomeGraph()->removeNode(node(member));
+        if (member->isEdge()) member->pHomeGraph()->removeEdge(edge(member));
+    }
+    // Back into its graph, or into another one.
+    void insert(RVGraphMember* member, int graph) {
+        detach(member);
+        if (member->isNode()) m_graphs[graph]->insertNode(node(member));
+        if (member->isEdge()) m_graphs[graph]->insertEdge(edge(member), m_hubs[graph], m_hubs[graph]);
+    }
+    // To another object of the kind, or to none.
+    void map(int data, int from, int to, bool copies, bool originals) {
+        RVGraphMember* const member = at(from);
+        RVGraphMember* const image = at(to);
+        if (image != nullptr && image->isNode() != member->isNode()) return;
+        Notes& notes = *m_data[data];
+        for (auto [wanted, mapping] :
+             {std::pair(copies, &m_models[data].copies), std::pair(originals, &m_models[data].originals)}) {
+            if (wanted) mapping->erase(from);
+            if (wanted && image != nullptr) mapping->emplace(from, to);
+        }
+        if (copies && member->isNode()) notes.pCopyNode(node(member), node(image));
+        if (copies && member->isEdge()) notes.pCopyEdge(edge(member), edge(image));
+        if (originals && member->isNode()) notes.pOriginalNode(node(member), node(image));
+        if (originals && member->isEdge()) notes.pOriginalEdge(edge(member), edge(image));
+    }
+
+    const int m_aliveBefore = Counted::alive;
+    std::mt19937 m_random;
+    RVAFactory m_factory;
+    std::optional<RVGraph> m_graphs[kCount];
+    RVNode* m_hubs[kCount] = {};
+    std::optional<Notes> m_data[kCount];
+    Model m_models[kCount];
+    std::vector<RVGraphMember*> m_members;  // none where one has died
+};
+
+TYPED_TEST(Records, FollowAModelThroughRandomChanges) {
+    const TestGraph g("a->a");
+    const TypeParam data(g);
+    EXPECT_EQ(data.value(g.node("a")) + data.value(g.edge("a->a")), 0);  // makes what absent records read as
+    const int aliveBefore = Counted::alive;
+    for (unsigned seed = 0; seed < 200; ++seed) {
+        SCOPED_TRACE("seed " + std::to_string(seed));
+        auto world = std::make_unique<World<TypeParam>>(seed);
+        for (int i = 0; i < 120; ++i) {
+            world->step();
+            world->expectModel();
+            if (this->HasFailure()) FAIL() << "in step " << i;
+        }
+        world.reset();
+        ASSERT_EQ(Counted::alive, aliveBefore);
+    }
+}
+
+TEST(Mappings, GiveWhatTheyStore) {
+    TestGraph g("a->b a->b");
+    RVAlgorithmData data;
+    EXPECT_EQ(data.pCopyNode(g.node("a"), g.node("b")), g.node("b"));
+    EXPECT_EQ(data.pCopyNode(g.node("a"), nullptr), nullptr);
+    EXPECT_EQ(data.pOriginalEdge(g->pFirstEdge(), g->pLastEdge()), g->pLastEdge());
+    EXPECT_EQ(data.pOriginalEdge(nullptr, g->pLastEdge()), g->pLastEdge());
+    EXPECT_EQ(data.pCopyEdge(nullptr), nullptr);
+}
+
+std::vector<const RVAlgorithmData*> dataOf(const RVGraphMember* member) {
+    std::vector<const RVAlgorithmData*> all;
+    const RVAlgorithmExtension* record = member->pAnalysisExtensions()->pFirstExtension();
+    for (; record != nullptr; record = record->pNextExtension()) all.push_back(record->pData());
+    return all;
+}
+
+TEST(RecordLists, HaveTheNewestDataFirst) {
+    TestGraph g("a->b");
+    const HeapNotes first(g);
+    const SlabNotes second(g);
+    const PlainNotes third(g);
+    for (const RVAlgorithmData* data :
+         {static_cast<const RVAlgorithmData*>(&second), static_cast<const RVAlgorithmData*>(&third),
+          static_cast<const RVAlgorithmData*>(&first)}) {
+        data->pAlgorithmExtension(g.node("a"));
+        data->pAlgorithmExtension(g.edge("a->b"));
+    }
+    const std::vector<const RVAlgorithmData*> newestFirst = {&third, &second, &first};
+    EXPECT_EQ(dataOf(g.node("a")), newestFirst);
+    EXPECT_EQ(dataOf(g.edge("a->b")), newestFirst);
+}
+
+// The data of a run on whose edges another default stands, or no record at all.
+class UndirectedData : public RVAnalysisInternalData {
+    RVEdgeAlgorithmExtension* newEdgeAlgorithmExtension(RVEdge* edge) override {
+        auto* record = new RVEdgeAnalysisExtension(edge, this);
+        record->directed(0);
+        return record;
+    }
+};
+class RecordlessData : public RVAnalysisInternalData {
+    RVEdgeAlgorithmExtension* newEdgeAlgorithmExtension(RVEdge*) override { return nullptr; }
+};
+
+TEST(InternalData, ReadsDefaultsWithoutMakingRecords) {
+    TestGraph g("a->b");
+    RVEdge* const edge = g.edge("a->b");
+    const RVAnalysisInternalData library;
+    const UndirectedData undirected;
+    const RecordlessData recordless;
+    const struct {
+        const RVAnalysisInternalData& data;
+        int directed;
+        bool makesRecord;
+    } cases[] = {{library, 1, false}, {undirected, 0, true}, {recordless, 1, false}};
+    for (const auto& c : cases) {
+        EXPECT_EQ(c.data.directed(edge), c.directed);
+        EXPECT_EQ(c.data.dummyEdge(edge), 0);
+        EXPECT_EQ(c.data.removedAsMultiEdge(edge), 0);
+        EXPECT_EQ(c.data.pExistingExtension(edge) != nullptr, c.makesRecord);
+        EXPECT_EQ(c.data.directed(nullptr), 1);
+        EXPECT_EQ(c.data.pMultiEdgeList(nullptr), nullptr);
+    }
+    EXPECT_EQ(library.pMultiEdgeList(edge)->length(), 0);
+    EXPECT_EQ(library.pMultiEdgeList(edge), library.pMultiEdgeList(edge));
+}
+
+// Its records and its own fields belong to the run.
+TEST(InternalData, IsCopiedWithItsDefaults) {
+    TestGraph g("a->b b->b");
+    RVEdge* const edge = g.edge("a->b");
+    RVAnalysisInternalData data;
+    data.pAssociatedGraph(g);
+    data.returnCode(RV_NEGATIVE_CYCLE);
+    data.pDisconnectedNodeList()->appendNode(g.node("a"));
+    data.pReflexiveEdgeList(g.node("b"))->appendEdge(g.edge("b->b"));
+    data.pMultiEdgeList(edge)->appendEdge(edge);
+    data.directed(edge, 0);
+    data.dummyEdge(edge, 5);
+    data.removedAsMultiEdge(edge, 1);
+    const std::unique_ptr<RVAnalysisInternalData> copy(data.cloneObject());
+    EXPECT_EQ(copy->pAssociatedGraph(), g.get());
+    EXPECT_EQ(copy->returnCode(), RV_NO_ERROR);
+    EXPECT_EQ(copy->directed(edge) + copy->dummyEdge(edge) + copy->removedAsMultiEdge(edge), 1);
+    EXPECT_EQ(copy->pDisconnectedNodeList()->length() + copy->pReflexiveEdgeList(g.node("b"))->length() +
+                  copy->pMultiEdgeList(edge)->length(),
+              0);
+    EXPECT_EQ(data.dummyEdge(edge), 5);
+}
+
+TEST(SecondaryGraphs, DieWithTheirDataUnlessTakenOut) {
+    TestGraph g("a");
+    TestGraph graphs[4] = {TestGraph("a->b"), TestGraph("c"), TestGraph("d"), TestGraph("e")};
+    const RVAnalysisInputData watches[4] = {RVAnalysisInputData(graphs[0]), RVAnalysisInputData(graphs[1]),
+                                            RVAnalysisInputData(graphs[2]), RVAnalysisInputData(graphs[3])};
+    const auto expectAlive = [&](const std::vector<bool>& alive) {
+        for (std::size_t i = 0; i < 4; ++i)
+            EXPECT_EQ(watches[i].pAssociatedGraph() != nullptr, alive[i]) << i;
+    };
+    std::unique_ptr<RVGraph> kept;
+    {
+        HeapNotes data(g);
+        for (TestGraph& graph : graphs) {
+            data.value(graph->pFirstNode(), 3);
+            data.pSecondaryGraphs()->appendGraph(graph.release().release());
+        }
+        data.pAssociatedGraph(data.pSecondaryGraphs()->pLastGraph());
+        expectAlive({true, true, true, true});
+        {
+            const HeapNotes copy(data);
+            EXPECT_EQ(copy.pSecondaryGraphs()->length(), 0);
+            EXPECT_EQ(copy.value(data.pSecondaryGraphs()->pFirstGraph()->pFirstNode()), 3);
+        }
+        delete data.pSecondaryGraphs()->pGraphInPosition(2);
+        expectAlive({true, false, true, true});
+        EXPECT_EQ(data.pSecondaryGraphs()->length(), 3);
+        kept.reset(data.pSecondaryGraphs()->pFirstGraph());
+        delete data.pSecondaryGraphs()->searchAndRemoveObject(kept.get());
+    }
+    expectAlive({true, false, false, false});
+    EXPECT_EQ(dataOf(kept->pFirstNode()).size(), 0U);
+}
+
+}  // namespace
