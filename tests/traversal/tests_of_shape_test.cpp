@@ -1,0 +1,319 @@
+// Path exists test, acyclic test and tree test.
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <map>
+#include <string>
+#include <vector>
+
+#include "rv/foundation/graph_iterators.h"
+#include "rv/traversal/acyclic_test.h"
+#include "rv/traversal/path_exists_test.h"
+#include "rv/traversal/tree_test.h"
+#include "tests/snapshot.h"
+#include "tests/test_graph.h"
+
+namespace {
+
+using rvtest::randomText;
+using rvtest::rearrange;
+using rvtest::Runner;
+using rvtest::TestGraph;
+using rvtest::text;
+
+using PathTest = Runner<RVPathExistsTestAlgorithm, RVPathExistsTestInputData, RVPathExistsTestOutputData>;
+using AcyclicTest = Runner<RVAcyclicTestAlgorithm, RVAcyclicTestInputData, RVAcyclicTestOutputData>;
+using TreeTest = Runner<RVTreeTestAlgorithm, RVTreeTestInputData, RVTreeTestOutputData>;
+
+// Edges drawn as undirected are.
+RVServiceErrorCodeEnum run(PathTest& test, RVGraph* graph, RVNode* start, RVNode* finish, int undirected) {
+    test.input.pStartNode(start);
+    test.input.pFinishNode(finish);
+    test.input.undirected(undirected);
+    for (RVEdge* edge : *graph->pEdgeList()) test.input.undirected(edge, rvtest::undirected(edge));
+    return test.run(graph);
+}
+
+// The path, or the nodes that can be reached.
+std::string answer(const RVPathExistsTestOutputData& output) {
+    RVEdgeDList path;
+    path.appendEdge(nullptr);
+    output.buildEdgeList(path);
+    EXPECT_EQ(text(path), text(*output.pEdgeList()));
+    const std::string nodes = text(*output.pVisitedNodeList());
+    if (output.pathExists() == 1) return "path:" + text(path) + nodes;
+    EXPECT_EQ(output.pathExists() + path.length(), 0);
+    return "only " + nodes;
+}
+
+TEST(PathExistsTest, FindsAShortestPathOrWhatCanBeReached) {
+    const struct {
+        const char* what;
+        const char* graph;
+        const char* start;
+        const char* finish;
+        int undirected;
+        const char* answer;
+    } cases[] = {
+        {"no step", "a->b", "a", "a", 0, "path:"},
+        {"no step with a loop", "a->a a->b", "a", "a", 0, "path:"},
+        {"no step from an isolated node", "e a->b", "e", "e", 0, "path:"},
+        {"fewest edges", "a->b b->c a->c", "a", "c", 0, "path:a->c"},
+        {"from start to finish", "b->c a->b c->d a->d:9 d->e", "a", "e", 0, "path:a->d:9 d->e"},
+        {"not backwards", "c->a", "a", "c", 0, "only a"},
+        {"but in an undirected search", "c->a", "a", "c", 1, "path:c->a"},
+        {"and over an undirected edge", "b->a b--c c--d", "a", "d", 0, "only a"},
+        {"of several", "a->b c--b d--c d->e", "a", "e", 0, "path:a->b c--b d--c d->e"},
+        {"all in visiting order", "a->b a->c b->d e->a", "a", "e", 0, "only a b c d"},
+        {"isolated start", "e a->b", "e", "a", 0, "only e"},
+        {"isolated finish", "e a->b", "a", "e", 0, "only a b"},
+        {"the first of parallels", "a->b:1 a->b:2 b->c", "a", "c", 0, "path:a->b:1 b->c"},
+        {"and of opposite ones in an undirected search", "a->b b->a", "b", "a", 1, "path:a->b"},
+    };
+    PathTest test;
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.what);
+        const TestGraph g(c.graph);
+        EXPECT_EQ(run(test, g, g.node(c.start), g.node(c.finish), c.undirected), RV_NO_ERROR);
+        EXPECT_EQ(answer(test.output), c.answer);
+    }
+    test.output.reset();
+    EXPECT_EQ(answer(test.output), "only ");
+}
+
+TEST(PathExistsTest, ChecksItsDataInOrder) {
+    const TestGraph g("a->b c");
+    const TestGraph other("x y");
+    RVGraph factoryless;
+    g->removeNode(g.node("c"));
+    RVNode* const a = g.node("a");
+    RVNode* const x = other.node("x");
+    const struct {
+        RVGraph* graph;
+        RVNode* start;
+        RVNode* finish;
+        int code;
+    } cases[] = {
+        {nullptr, nullptr, nullptr, 22},
+        {&factoryless, nullptr, nullptr, 21},
+        {g, nullptr, nullptr, 8},
+        {g, nullptr, x, 8},
+        {g, x, nullptr, 5},
+        {g, x, x, 5},
+        {g, g.node("c"), a, 5},
+        {g, a, nullptr, 9},
+        {g, a, x, 6},
+        {g, a, g.node("c"), 6},
+        {g, a, a, 0},
+    };
+    for (const auto& c : cases) {
+        PathTest test(c.graph);
+        test.input.pStartNode(c.start);
+        test.input.pFinishNode(c.finish);
+        EXPECT_EQ(test.run(), c.code);
+    }
+}
+
+// Where an edge leads from a node, if it does.
+RVNode* follow(const RVEdge* edge, const RVNode* from, int undirected) {
+    if (edge->pSourceNode() == from) return edge->pTargetNode();
+    const bool isBothWays = undirected != 0 || rvtest::undirected(edge);
+    return isBothWays && edge->pTargetNode() == from ? edge->pSourceNode() : nullptr;
+}
+
+TEST(PathExistsTest, AgreesWithAllDistances) {
+    PathTest test;
+    int paths = 0;
+    int all = 0;
+    for (unsigned seed = 0; seed < 150; ++seed) {
+        const std::string tokens = randomText(seed, {.nodes = 7, .edges = 12, .undirected = 25});
+        const TestGraph g(tokens);
+        rearrange(g, seed);
+        const int undirected = seed % 3 == 0 ? 1 : 0;
+        std::map<std::pair<RVNode*, RVNode*>, int> steps;
+        const auto improve = [&](RVNode* from, RVNode* to, int length) {
+            int& known = steps.emplace(std::pair(from, to), length).first->second;
+            known = std::min(known, length);
+        };
+        for (RVNode* node : *g->pNodeList()) {
+            improve(node, node, 0);
+            for (RVEdge* edge : *g->pEdgeList()) {
+                if (RVNode* const there = follow(edge, node, undirected)) improve(node, there, 1);
+            }
+        }
+        for (RVNode* via : *g->pNodeList())
+            for (RVNode* from : *g->pNodeList())
+                for (RVNode* to : *g->pNodeList())
+                    if (steps.count({from, via}) != 0 && steps.count({via, to}) != 0)
+                        improve(from, to, steps[{from, via}] + steps[{via, to}]);
+        for (RVNode* start : *g->pNodeList()) {
+            for (RVNode* finish : *g->pNodeList()) {
+                SCOPED_TRACE("seed " + std::to_string(seed) + ", " + text(start) + " to " + text(finish) +
+                             ": " + tokens);
+                ASSERT_EQ(run(test, g, start, finish, undirected), RV_NO_ERROR);
+                const auto known = steps.find({start, finish});
+                ASSERT_EQ(test.output.pathExists(), known != steps.end() ? 1 : 0);
+                ++all;
+                paths += test.output.pathExists();
+                int reached = 0;
+                for (RVNode* node : *test.output.pVisitedNodeList())
+                    reached += steps.count({start, node}) != 0 ? 1 : 100;
+                int reachable = 0;
+                for (const auto& [ends, length] : steps) reachable += ends.first == start ? 1 : 0;
+                EXPECT_EQ(reached, known != steps.end() ? 0 : reachable);
+                if (known == steps.end()) continue;
+                EXPECT_EQ(test.output.pEdgeList()->length(), known->second);
+                const RVNode* at = start;
+                for (const RVEdge* edge : *test.output.pEdgeList()) {
+                    ASSERT_EQ(edge->pOwnerGraph(), g.get());
+                    at = follow(edge, at, undirected);
+                    ASSERT_NE(at, nullptr) << text(edge);
+                }
+                EXPECT_EQ(at, finish);
+            }
+        }
+    }
+    EXPECT_GT(paths, all / 3);
+    EXPECT_LT(paths, all * 3 / 4);
+}
+
+// Forest and tree by definition: no edge joins what earlier ones have joined; every node of a rooted forest
+// has one in-edge at most.
+std::string shapeByDefinition(const RVGraph* graph, bool directed) {
+    std::map<RVNode*, RVNode*> part;
+    for (RVNode* node : *graph->pNodeList()) part[node] = node;
+    bool isForest = graph->numberOfNodes() > 0;
+    for (RVEdge* edge : *graph->pEdgeList()) {
+        RVNode* const from = part[edge->pSourceNode()];
+        RVNode* const to = part[edge->pTargetNode()];
+        if (from == to) isForest = false;
+        for (auto& each : part) each.second = each.second == from ? to : each.second;
+    }
+    for (RVNode* node : *graph->pNodeList()) isForest = isForest && !(directed && node->inDegree() > 1);
+    const bool isConnected = std::all_of(
+        part.begin(), part.end(), [&](const auto& each) { return each.second == part.begin()->second; });
+    const bool isTree = graph->numberOfNodes() == 0 || (isForest && isConnected);
+    return std::string(isForest ? "forest " : "- ") + (isTree ? "tree" : "-");
+}
+
+std::string shape(const RVTreeTestOutputData& output) {
+    return std::string(output.isForest() == 1 ? "forest " : "- ") + (output.isTree() == 1 ? "tree" : "-");
+}
+
+// All on the same objects, where a negative answer must not stay for the next run.
+TEST(ShapeTests, TellForestsTreesAndCycles) {
+    const struct {
+        const char* what;
+        const char* graph;
+        const char* shape;
+        const char* directedShape;
+        int acyclic;
+    } cases[] = {
+        {"nothing", "", "- tree", "- tree", 1},
+        {"one node", "a", "forest tree", "forest tree", 1},
+        {"isolated nodes", "a b", "forest -", "forest -", 1},
+        {"out-tree", "a->b a->c", "forest tree", "forest tree", 1},
+        {"in-tree", "b->a c->a", "forest tree", "- -", 1},
+        {"two edges", "a->b c->d", "forest -", "forest -", 1},
+        {"rooted and not", "a->b d->c e->c", "forest -", "- -", 1},
+        {"opposite edges", "a->b b->a", "- -", "- -", 0},
+        {"parallel edges", "a->b a->b", "- -", "- -", 1},
+        {"parallel edges beside fewer edges than nodes", "a->b a->b c d e", "- -", "- -", 1},
+        {"loop", "a->a", "- -", "- -", 0},
+        {"loop beside fewer edges than nodes", "a->a b c", "- -", "- -", 0},
+        {"two ways", "a->b a->c b->d c->d", "- -", "- -", 1},
+        {"cycle beside fewer edges than nodes", "a->b b->c c->a d e f", "- -", "- -", 0},
+    };
+    TreeTest tree;
+    AcyclicTest acyclic;
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.what);
+        const TestGraph g(c.graph);
+        for (const int directed : {0, 1, 5, 0}) {
+            tree.input.directed(directed);
+            EXPECT_EQ(tree.run(g), RV_NO_ERROR);
+            EXPECT_EQ(shape(tree.output), directed == 0 ? c.shape : c.directedShape);
+            EXPECT_EQ(shapeByDefinition(g, directed != 0), shape(tree.output));
+        }
+        EXPECT_EQ(acyclic.run(g), RV_NO_ERROR);
+        EXPECT_EQ(acyclic.output.acyclic(), c.acyclic);
+    }
+    tree.output.reset();
+    acyclic.output.reset();
+    EXPECT_EQ(shape(tree.output) + std::to_string(acyclic.output.acyclic()), "forest tree1");
+}
+
+TEST(ShapeTests, AgreeWithDefinitions) {
+    TreeTest tree;
+    AcyclicTest acyclic;
+    int forests = 0;
+    int cyclic = 0;
+    for (unsigned seed = 0; seed < 500; ++seed) {
+        const std::string tokens =
+            randomText(seed, {.edges = 6, .loops = seed % 2 == 0, .acyclic = seed % 3 == 0});
+        SCOPED_TRACE("seed " + std::to_string(seed) + ": " + tokens);
+        const TestGraph g(tokens);
+        tree.input.directed(static_cast<int>(seed / 2 % 2));
+        ASSERT_EQ(tree.run(g), RV_NO_ERROR);
+        EXPECT_EQ(shape(tree.output), shapeByDefinition(g, seed / 2 % 2 != 0));
+        forests += tree.output.isForest();
+
+        // Acyclic: taking away nodes without in-edges leaves nothing.
+        ASSERT_EQ(acyclic.run(g), RV_NO_ERROR);
+        for (RVNodeIter it(g.get()); it;) {
+            if (it.pNode()->inDegree() != 0) {
+                it++;
+                continue;
+            }
+            g->removeNode(it.pNode());
+            it.init(g.get());
+        }
+        EXPECT_EQ(acyclic.output.acyclic(), g->numberOfNodes() == 0 ? 1 : 0);
+        cyclic += 1 - acyclic.output.acyclic();
+    }
+    EXPECT_GT(forests, 100);
+    EXPECT_GT(cyclic, 100);
+}
+
+// Gives its factory once, so that a part of an algorithm misses it.
+class ForgetfulGraph : public RVGraph {
+public:
+    explicit ForgetfulGraph(const RVAFactory* factory) : RVGraph(factory) {}
+    RVAFactory* pFactory() const override { return m_asked++ == 0 ? RVGraph::pFactory() : nullptr; }
+
+private:
+    mutable int m_asked = 0;
+};
+
+class FactorylessFactory : public RVAFactory {
+public:
+    RVGraph* newGraph() override { return new RVGraph(); }
+};
+
+TEST(ShapeTests, FailWithTheirParts) {
+    FactorylessFactory factory;
+    for (const int debugMode : {0, 1}) {
+        testing::internal::CaptureStdout();
+        RVGraph graph(&factory);
+        graph.addEdge(graph.addNode(), graph.addNode());
+        AcyclicTest acyclic(&graph);
+        acyclic.algorithm.debugMode(debugMode);
+        EXPECT_EQ(acyclic.run(), RV_ALGORITHM_FAILURE);
+        EXPECT_EQ(acyclic.output.acyclic(), 1);
+        EXPECT_EQ(graph.numberOfEdges(), 1);
+
+        ForgetfulGraph forgetful(&factory);
+        forgetful.addNode();
+        TreeTest tree(&forgetful);
+        tree.algorithm.debugMode(debugMode);
+        EXPECT_EQ(tree.run(), RV_ALGORITHM_FAILURE);
+        EXPECT_EQ(shape(tree.output), "- -");
+        EXPECT_EQ(testing::internal::GetCapturedStdout(),
+                  debugMode == 0
+                      ? ""
+                      : "Error in Top Sort. Return code = 21\nError in cc alg. Return code is 999\n");
+    }
+}
+
+}  // namespace
