@@ -9,6 +9,7 @@
 #include <functional>
 #include <memory>
 #include <random>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -219,6 +220,39 @@ TEST(TraversalEngine, StartsByTheRule) {
         starts += search.starts;
     }
     EXPECT_GT(starts, 900);
+}
+
+// Throws in every call of some hooks once.
+TEST(TraversalEngine, TakesItsReverseEdgesAwayWhenAHookThrows) {
+    class Throwing : public BestFirstSearch {
+    public:
+        int left = 0;  // calls until one throws
+
+    protected:
+        void copyEdgeProperties(RVEdge* newEdge, RVEdge* edge) override {
+            if (left-- == 0) throw std::runtime_error("while preprocessing");
+            BestFirstSearch::copyEdgeProperties(newEdge, edge);
+        }
+        void privateTraverseEdge(RVEdge* edge) override {
+            if (left-- == 0) throw std::runtime_error("in the body");
+            BestFirstSearch::privateTraverseEdge(edge);
+        }
+        void actOnInsertMultiEdge(RVEdge*) override {
+            if (left-- == 0) throw std::runtime_error("while postprocessing");
+        }
+    };
+    const TestGraph g("a->b b->a c->b:2 c->b:3 b->b d");
+    const std::string before = snapshot(g);
+    Runner<Throwing, RVTraversalInputData, NoOutput> search(g);
+    search.input.undirected(1);
+    search.algorithm.useOriginalGraph(1);
+    for (int call = 0; call < 8; ++call) {  // 2 reverse edges, 4 edges of the search, 2 parallels
+        search.algorithm.left = call;
+        EXPECT_THROW(search.run(), std::runtime_error) << call;
+        EXPECT_EQ(snapshot(g), before) << call;
+    }
+    EXPECT_EQ(search.run(), RV_NO_ERROR);
+    EXPECT_EQ(g->edgeIndexLimit(), 7);
 }
 
 // Lists that somebody else changes may change the search, but it ends and leaves the graph as it was.

@@ -1,0 +1,250 @@
+// What holds for all algorithms. A new algorithm joins the list, and describe() if its output has other
+// results.
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <array>
+#include <memory>
+#include <string>
+
+#include "rv/analysis.h"
+#include "tests/snapshot.h"
+#include "tests/test_graph.h"
+
+namespace {
+
+using rvtest::orders;
+using rvtest::randomText;
+using rvtest::rearrange;
+using rvtest::Runner;
+using rvtest::snapshot;
+using rvtest::TestGraph;
+using rvtest::text;
+
+using Algorithms = testing::Types<
+    Runner<RVTopologicalSortAlgorithm, RVTopologicalSortInputData, RVTopologicalSortOutputData>,
+    Runner<RVBreadthFirstSearchAlgorithm, RVBreadthFirstSearchInputData, RVBreadthFirstSearchOutputData>,
+    Runner<RVDepthFirstSearchAlgorithm, RVDepthFirstSearchInputData, RVDepthFirstSearchOutputData>,
+    Runner<RVConnectedComponentsAlgorithm, RVConnectedComponentsInputData, RVConnectedComponentsOutputData>,
+    Runner<RVBiconnectedComponentsAlgorithm, RVBiconnectedComponentsInputData,
+           RVBiconnectedComponentsOutputData>,
+    Runner<RVStronglyConnectedComponentsAlgorithm, RVStronglyConnectedComponentsInputData,
+           RVStronglyConnectedComponentsOutputData>,
+    Runner<RVPathExistsTestAlgorithm, RVPathExistsTestInputData, RVPathExistsTestOutputData>,
+    Runner<RVAcyclicTestAlgorithm, RVAcyclicTestInputData, RVAcyclicTestOutputData>,
+    Runner<RVTreeTestAlgorithm, RVTreeTestInputData, RVTreeTestOutputData>>;
+
+// All that an output tells about a graph.
+template <class Output>
+std::string describe(const Output& output, const RVGraph* graph) {
+    std::string all;
+    const auto add = [&](const auto& value) {
+        if constexpr (std::is_convertible_v<decltype(value), std::string>)
+            all += value + "; ";
+        else
+            all += std::to_string(value) + "; ";
+    };
+    const auto addLists = [&](const RVDList* lists, bool ofNodes) {
+        for (RVDListIter it(lists); it; it++) {
+            add(ofNodes ? text(*RVNodeDList::castDown(it.pObject()))
+                        : text(*RVEdgeDList::castDown(it.pObject())));
+        }
+    };
+    if constexpr (requires { output.pNodeList(); }) add(text(*output.pNodeList()));
+    if constexpr (requires { output.pEdgeList(); }) add(text(*output.pEdgeList()));
+    if constexpr (requires { output.pVisitedNodeList(); }) add(text(*output.pVisitedNodeList()));
+    if constexpr (requires { output.pArticulationNodeList(); }) add(text(*output.pArticulationNodeList()));
+    if constexpr (requires { output.pComponentList(); }) addLists(output.pComponentList(), true);
+    if constexpr (requires { output.pEdgeComponentList(); }) addLists(output.pEdgeComponentList(), false);
+    if constexpr (requires { output.acyclic(); }) add(output.acyclic());
+    if constexpr (requires { output.pathExists(); }) add(output.pathExists());
+    if constexpr (requires { output.isTree(); }) add(output.isTree() + 2 * output.isForest());
+    for (RVNode* node : *graph->pNodeList()) {
+        if constexpr (requires { output.orderNumber(node); }) add(output.orderNumber(node));
+        if constexpr (requires { output.completionNumber(node); }) add(output.completionNumber(node));
+        if constexpr (requires { output.componentNumber(node); }) add(output.componentNumber(node));
+        if constexpr (requires { output.pParentNode(node); }) add(text(output.pParentNode(node)));
+    }
+    for (RVEdge* edge : *graph->pEdgeList()) {
+        if constexpr (requires { output.edgeType(edge); }) add(static_cast<int>(output.edgeType(edge)));
+    }
+    return all;
+}
+
+// Answers every question of an input: nodes by name, the other nodes with the last one, numbers from the
+// objects.
+class Question : public RVAlgorithmInputData {
+public:
+    explicit Question(const RVGraph* graph, int flag = 0)
+        : pStart(graph->pFirstNode()), pFinish(graph->pLastNode()), m_flag(flag) {}
+    bool hasField(const char*) const override { return true; }
+    bool hasNodeField(const char*) const override { return true; }
+    bool hasEdgeField(const char*) const override { return true; }
+    int intField(const char*, RVGraphObject* object) const override {
+        auto* const edge = object != nullptr && object->isEdge() ? static_cast<RVEdge*>(object) : nullptr;
+        return edge != nullptr && rvtest::undirected(edge) ? 1 : m_flag;
+    }
+    double doubleField(const char*, RVGraphObject*) const override { return m_flag; }
+    RVObject* pObjectField(const char* name, RVGraphObject*) const override {
+        return std::string(name) == "startNode" ? pStart : pFinish;
+    }
+    RVNode* pStart;
+    RVNode* pFinish;
+
+private:
+    int m_flag;
+};
+
+template <class R>
+class AlgorithmContract : public testing::Test {
+protected:
+    static void ask(R& run, RVGraph* graph, const Question& question) {
+        run.input.pAssociatedGraph(graph);
+        run.input.copyData(&question);
+    }
+    static std::string answer(R& run, RVGraph* graph, int flag) {
+        ask(run, graph, Question(graph, flag));
+        EXPECT_EQ(run.run(), RV_NO_ERROR);
+        EXPECT_EQ(run.output.pAssociatedGraph(), graph);
+        return describe(run.output, graph);
+    }
+    static void useOriginalGraph(R& run, int flag) {
+        if constexpr (requires { run.algorithm.useOriginalGraph(flag); })
+            run.algorithm.useOriginalGraph(flag);
+    }
+};
+
+struct AlgorithmName {
+    template <class R>
+    static std::string GetName(int) {
+        return testing::internal::GetTypeName<decltype(R::algorithm)>();
+    }
+};
+TYPED_TEST_SUITE(AlgorithmContract, Algorithms, AlgorithmName);
+
+TYPED_TEST(AlgorithmContract, AnswersAlwaysTheSameAndChangesNothing) {
+    TypeParam kept;
+    const TestGraph other("v->w w--x x->v y->y");
+    RVAnalysisInternalData marks;
+    for (unsigned seed = 0; seed < 120; ++seed) {
+        const std::string tokens = randomText(seed, {.edges = 11, .undirected = 25});
+        SCOPED_TRACE("seed " + std::to_string(seed) + ": " + tokens);
+        const int flag = static_cast<int>(seed % 2);
+        const TestGraph g(tokens);
+        rearrange(g, seed / 2);
+        for (RVNode* node : *g->pNodeList()) node->pUserField(marks.pReflexiveEdgeList(node));
+        for (RVEdge* edge : *g->pEdgeList()) marks.directed(edge, 7);
+        const std::string before = snapshot(g);
+        const std::string ordersBefore = orders(g);
+        {
+            const std::uint64_t changes = g->modificationCount();
+            TypeParam fresh;
+            const std::string expected = this->answer(fresh, g, flag);
+            EXPECT_EQ(this->answer(fresh, g, flag), expected);
+            EXPECT_EQ(g->modificationCount(), changes);
+            EXPECT_EQ(this->answer(kept, g, flag), expected);
+            this->answer(kept, other, 1 - flag);
+            // Nothing is left of the answer for the first graph.
+            this->answer(fresh, other, 1 - flag);
+            EXPECT_EQ(describe(kept.output, g), describe(fresh.output, g));
+            EXPECT_EQ(this->answer(kept, g, flag), expected);
+
+            this->useOriginalGraph(kept, 1);
+            EXPECT_EQ(this->answer(kept, g, flag), expected);
+            EXPECT_EQ(orders(g), ordersBefore);
+            const int limits[] = {g->nodeIndexLimit(), g->edgeIndexLimit()};
+            EXPECT_EQ(this->answer(kept, g, flag), expected);
+            EXPECT_EQ(g->nodeIndexLimit(), limits[0]);
+            EXPECT_EQ(g->edgeIndexLimit(), limits[1]);
+            this->useOriginalGraph(kept, 0);
+
+            TypeParam copied;
+            copied.input = kept.input;
+            copied.algorithm = kept.algorithm;
+            copied.algorithm.pInputData(&copied.input);
+            copied.algorithm.pOutputData(&copied.output);
+            EXPECT_EQ(copied.run(), RV_NO_ERROR);
+            EXPECT_EQ(describe(copied.output, g), expected);
+            const auto output = std::make_unique<decltype(copied.output)>(copied.output);
+            copied.output.reset();
+            EXPECT_EQ(describe(*output, g), expected);
+        }
+        // Only what the kept input and output know is on the graph now.
+        this->answer(kept, other, flag);
+        kept.input.deleteDataReferences(g);
+        EXPECT_EQ(snapshot(g), before);
+    }
+}
+
+TYPED_TEST(AlgorithmContract, AnswersMissingAndForeignDataWithCodes) {
+    const TestGraph g("a->b c->b d");
+    const TestGraph other("x");
+    const std::string before = orders(g);
+    RVGraph factoryless;
+    TypeParam run;
+    const std::string expected = this->answer(run, g, 0);
+    EXPECT_EQ(run.run(nullptr), RV_NO_INPUT_GRAPH);
+    EXPECT_EQ(run.run(&factoryless), RV_NO_GRAPH_FACTORY);
+    run.algorithm.pOutputData(nullptr);
+    EXPECT_EQ(run.run(nullptr), RV_NO_OUTPUT_DATA);
+    EXPECT_EQ(run.algorithm.internalRun(), RV_NO_OUTPUT_DATA);
+    run.algorithm.pInputData(nullptr);
+    EXPECT_EQ(run.run(g), RV_NO_INPUT_DATA);
+    EXPECT_EQ(describe(run.output, g), expected);
+
+    // A node that is detached, of another graph, or gone to another graph.
+    g->removeNode(g.node("d"));
+    for (RVNode* foreign : {g.node("d"), other.node("x")}) {
+        TypeParam second;
+        Question question(g);
+        question.pFinish = foreign;
+        this->ask(second, g, question);
+        EXPECT_EQ(second.run(),
+                  second.input.hasField("finishNode") ? RV_FINISH_NODE_NOT_IN_GRAPH : RV_NO_ERROR);
+        question.pStart = foreign;
+        this->ask(second, g, question);
+        EXPECT_EQ(second.run(),
+                  second.input.hasField("startNode") ? RV_START_NODE_NOT_IN_GRAPH : RV_NO_ERROR);
+    }
+    g->insertNode(g.node("d"));
+    EXPECT_EQ(orders(g), before);
+
+    auto factory = std::make_unique<RVAFactory>();
+    const TestGraph orphan("a", factory.get());
+    factory.reset();
+    EXPECT_EQ(TypeParam(orphan).run(), RV_NO_GRAPH_FACTORY);
+}
+
+// Graph, input, output and algorithm are destroyed in every order, after a run each with and without a copy.
+TYPED_TEST(AlgorithmContract, LetsEverythingGoInAnyOrder) {
+    std::array<int, 4> order = {0, 1, 2, 3};
+    do {
+        for (const int original : {0, 1}) {
+            auto g = std::make_unique<TestGraph>("a->b b->a b--c c->c a->b d");
+            auto input = std::make_unique<decltype(TypeParam::input)>(g->get());
+            auto output = std::make_unique<decltype(TypeParam::output)>();
+            auto algorithm = std::make_unique<decltype(TypeParam::algorithm)>();
+            input->copyData(std::make_unique<Question>(g->get()).get());
+            algorithm->pInputData(input.get());
+            algorithm->pOutputData(output.get());
+            if constexpr (requires { algorithm->useOriginalGraph(0); }) algorithm->useOriginalGraph(original);
+            ASSERT_EQ(algorithm->run(), RV_NO_ERROR);
+            for (const int which : order) {
+                if (which == 0) g.reset();
+                if (which == 1) input.reset();
+                if (which == 2) output.reset();
+                if (which == 3) algorithm.reset();
+                if (input != nullptr && output != nullptr && algorithm != nullptr) {
+                    EXPECT_EQ(algorithm->run(), RV_NO_INPUT_GRAPH);
+                }
+                if (g == nullptr && output != nullptr) {
+                    EXPECT_EQ(output->pAssociatedGraph(), nullptr);
+                    output->reset();
+                }
+            }
+        }
+    } while (std::next_permutation(order.begin(), order.end()));
+}
+
+}  // namespace
