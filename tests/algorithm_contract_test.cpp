@@ -8,32 +8,17 @@
 #include <memory>
 #include <string>
 
-#include "rv/analysis.h"
-#include "tests/snapshot.h"
+#include "tests/algorithm_checks.h"
 #include "tests/test_graph.h"
 
 namespace {
 
+using rvtest::MarkedGraph;
 using rvtest::orders;
 using rvtest::randomText;
-using rvtest::rearrange;
-using rvtest::Runner;
 using rvtest::snapshot;
 using rvtest::TestGraph;
 using rvtest::text;
-
-using Algorithms = testing::Types<
-    Runner<RVTopologicalSortAlgorithm, RVTopologicalSortInputData, RVTopologicalSortOutputData>,
-    Runner<RVBreadthFirstSearchAlgorithm, RVBreadthFirstSearchInputData, RVBreadthFirstSearchOutputData>,
-    Runner<RVDepthFirstSearchAlgorithm, RVDepthFirstSearchInputData, RVDepthFirstSearchOutputData>,
-    Runner<RVConnectedComponentsAlgorithm, RVConnectedComponentsInputData, RVConnectedComponentsOutputData>,
-    Runner<RVBiconnectedComponentsAlgorithm, RVBiconnectedComponentsInputData,
-           RVBiconnectedComponentsOutputData>,
-    Runner<RVStronglyConnectedComponentsAlgorithm, RVStronglyConnectedComponentsInputData,
-           RVStronglyConnectedComponentsOutputData>,
-    Runner<RVPathExistsTestAlgorithm, RVPathExistsTestInputData, RVPathExistsTestOutputData>,
-    Runner<RVAcyclicTestAlgorithm, RVAcyclicTestInputData, RVAcyclicTestOutputData>,
-    Runner<RVTreeTestAlgorithm, RVTreeTestInputData, RVTreeTestOutputData>>;
 
 // All that an output tells about a graph.
 template <class Output>
@@ -105,7 +90,7 @@ protected:
     }
     static std::string answer(R& run, RVGraph* graph, int flag) {
         ask(run, graph, Question(graph, flag));
-        EXPECT_EQ(run.run(), RV_NO_ERROR);
+        EXPECT_EQ(run(), RV_NO_ERROR);
         EXPECT_EQ(run.output.pAssociatedGraph(), graph);
         return describe(run.output, graph);
     }
@@ -115,26 +100,16 @@ protected:
     }
 };
 
-struct AlgorithmName {
-    template <class R>
-    static std::string GetName(int) {
-        return testing::internal::GetTypeName<decltype(R::algorithm)>();
-    }
-};
-TYPED_TEST_SUITE(AlgorithmContract, Algorithms, AlgorithmName);
+TYPED_TEST_SUITE(AlgorithmContract, rvtest::Algorithms, rvtest::AlgorithmNames);
 
 TYPED_TEST(AlgorithmContract, AnswersAlwaysTheSameAndChangesNothing) {
     TypeParam kept;
     const TestGraph other("v->w w--x x->v y->y");
-    RVAnalysisInternalData marks;
     for (unsigned seed = 0; seed < 120; ++seed) {
         const std::string tokens = randomText(seed, {.edges = 11, .undirected = 25});
         SCOPED_TRACE("seed " + std::to_string(seed) + ": " + tokens);
         const int flag = static_cast<int>(seed % 2);
-        const TestGraph g(tokens);
-        rearrange(g, seed / 2);
-        for (RVNode* node : *g->pNodeList()) node->pUserField(marks.pReflexiveEdgeList(node));
-        for (RVEdge* edge : *g->pEdgeList()) marks.directed(edge, 7);
+        const MarkedGraph g(tokens, seed / 2);
         const std::string before = snapshot(g);
         const std::string ordersBefore = orders(g);
         {
@@ -164,7 +139,7 @@ TYPED_TEST(AlgorithmContract, AnswersAlwaysTheSameAndChangesNothing) {
             copied.algorithm = kept.algorithm;
             copied.algorithm.pInputData(&copied.input);
             copied.algorithm.pOutputData(&copied.output);
-            EXPECT_EQ(copied.run(), RV_NO_ERROR);
+            EXPECT_EQ(copied(), RV_NO_ERROR);
             EXPECT_EQ(describe(copied.output, g), expected);
             const auto output = std::make_unique<decltype(copied.output)>(copied.output);
             copied.output.reset();
@@ -184,13 +159,13 @@ TYPED_TEST(AlgorithmContract, AnswersMissingAndForeignDataWithCodes) {
     RVGraph factoryless;
     TypeParam run;
     const std::string expected = this->answer(run, g, 0);
-    EXPECT_EQ(run.run(nullptr), RV_NO_INPUT_GRAPH);
-    EXPECT_EQ(run.run(&factoryless), RV_NO_GRAPH_FACTORY);
+    EXPECT_EQ(run(nullptr), RV_NO_INPUT_GRAPH);
+    EXPECT_EQ(run(&factoryless), RV_NO_GRAPH_FACTORY);
     run.algorithm.pOutputData(nullptr);
-    EXPECT_EQ(run.run(nullptr), RV_NO_OUTPUT_DATA);
+    EXPECT_EQ(run(nullptr), RV_NO_OUTPUT_DATA);
     EXPECT_EQ(run.algorithm.internalRun(), RV_NO_OUTPUT_DATA);
     run.algorithm.pInputData(nullptr);
-    EXPECT_EQ(run.run(g), RV_NO_INPUT_DATA);
+    EXPECT_EQ(run(g), RV_NO_INPUT_DATA);
     EXPECT_EQ(describe(run.output, g), expected);
 
     // A node that is detached, of another graph, or gone to another graph.
@@ -200,12 +175,10 @@ TYPED_TEST(AlgorithmContract, AnswersMissingAndForeignDataWithCodes) {
         Question question(g);
         question.pFinish = foreign;
         this->ask(second, g, question);
-        EXPECT_EQ(second.run(),
-                  second.input.hasField("finishNode") ? RV_FINISH_NODE_NOT_IN_GRAPH : RV_NO_ERROR);
+        EXPECT_EQ(second(), second.input.hasField("finishNode") ? RV_FINISH_NODE_NOT_IN_GRAPH : RV_NO_ERROR);
         question.pStart = foreign;
         this->ask(second, g, question);
-        EXPECT_EQ(second.run(),
-                  second.input.hasField("startNode") ? RV_START_NODE_NOT_IN_GRAPH : RV_NO_ERROR);
+        EXPECT_EQ(second(), second.input.hasField("startNode") ? RV_START_NODE_NOT_IN_GRAPH : RV_NO_ERROR);
     }
     g->insertNode(g.node("d"));
     EXPECT_EQ(orders(g), before);
@@ -213,7 +186,7 @@ TYPED_TEST(AlgorithmContract, AnswersMissingAndForeignDataWithCodes) {
     auto factory = std::make_unique<RVAFactory>();
     const TestGraph orphan("a", factory.get());
     factory.reset();
-    EXPECT_EQ(TypeParam(orphan).run(), RV_NO_GRAPH_FACTORY);
+    EXPECT_EQ(TypeParam(orphan)(), RV_NO_GRAPH_FACTORY);
 }
 
 // Graph, input, output and algorithm are destroyed in every order, after a run each with and without a copy.

@@ -13,24 +13,19 @@
 #include <string>
 #include <vector>
 
-#include "rv/analysis.h"
-#include "tests/snapshot.h"
+#include "tests/algorithm_checks.h"
 #include "tests/test_graph.h"
 
 namespace {
 
 using rvtest::drawing;
+using rvtest::MarkedGraph;
+using rvtest::NoOutput;
 using rvtest::randomText;
-using rvtest::rearrange;
 using rvtest::Runner;
 using rvtest::snapshot;
 using rvtest::TestGraph;
 using rvtest::text;
-
-class NoOutput : public RVAnalysisOutputData {
-public:
-    void reset() override {}
-};
 
 // Best-first search: of all candidates the one with the smallest number comes next. Notes its hooks.
 class BestFirstSearch : public RVTraversalAlgorithm {
@@ -144,9 +139,9 @@ TEST(TraversalEngine, DrivesACallersSearch) {
             BestFirst search(g);
             search.algorithm.useOriginalGraph(original);
             search.input.undirected(c.undirected);
-            for (RVEdge* edge : *g->pEdgeList()) search.input.undirected(edge, rvtest::undirected(edge));
+            rvtest::takeDrawnDirections(search.input, g);
             if (*c.start != '\0') search.input.pStartNode(g.node(c.start));
-            EXPECT_EQ(search.run(), RV_NO_ERROR);
+            EXPECT_EQ(search(), RV_NO_ERROR);
             EXPECT_EQ(search.algorithm.result, c.result);
             EXPECT_EQ(search.algorithm.steps, c.steps);
             // Without the reverse edges; in a copy, what was detached stands behind.
@@ -162,7 +157,7 @@ TEST(TraversalEngine, DrivesACallersSearch) {
 // Walks only some edges, so that it has to start often, and compares each start with the rule.
 class OftenStarting : public BestFirstSearch {
 public:
-    explicit OftenStarting(unsigned seed = 0) : m_random(seed) {}
+    std::mt19937 random;
     bool readsList = false;
     bool changesGraph = false;
     int starts = 0;
@@ -198,8 +193,7 @@ protected:
     }
 
 private:
-    int below(int limit) { return static_cast<int>(m_random() % static_cast<unsigned>(limit)); }
-    std::mt19937 m_random;
+    int below(int limit) { return static_cast<int>(random() % static_cast<unsigned>(limit)); }
 };
 
 TEST(TraversalEngine, StartsByTheRule) {
@@ -208,16 +202,13 @@ TEST(TraversalEngine, StartsByTheRule) {
         const std::string tokens = randomText(seed, {.nodes = 12, .edges = 25, .undirected = 20});
         SCOPED_TRACE("seed " + std::to_string(seed) + ": " + tokens);
         const TestGraph g(tokens);
-        OftenStarting search(seed);
-        RVTraversalInputData input(g);
-        NoOutput output;
-        search.pInputData(&input);
-        search.pOutputData(&output);
-        search.readsList = seed % 2 != 0;
-        search.changesGraph = seed % 3 == 0;
-        input.undirected(seed % 5 < 2 ? 1 : 0);
-        EXPECT_EQ(search.run(), RV_NO_ERROR);
-        starts += search.starts;
+        Runner<OftenStarting, RVTraversalInputData, NoOutput> search(g);
+        search.algorithm.random.seed(seed);
+        search.algorithm.readsList = seed % 2 != 0;
+        search.algorithm.changesGraph = seed % 3 == 0;
+        search.input.undirected(seed % 5 < 2 ? 1 : 0);
+        EXPECT_EQ(search(), RV_NO_ERROR);
+        starts += search.algorithm.starts;
     }
     EXPECT_GT(starts, 900);
 }
@@ -248,10 +239,10 @@ TEST(TraversalEngine, TakesItsReverseEdgesAwayWhenAHookThrows) {
     search.algorithm.useOriginalGraph(1);
     for (int call = 0; call < 8; ++call) {  // 2 reverse edges, 4 edges of the search, 2 parallels
         search.algorithm.left = call;
-        EXPECT_THROW(search.run(), std::runtime_error) << call;
+        EXPECT_THROW(search(), std::runtime_error) << call;
         EXPECT_EQ(snapshot(g), before) << call;
     }
-    EXPECT_EQ(search.run(), RV_NO_ERROR);
+    EXPECT_EQ(search(), RV_NO_ERROR);
     EXPECT_EQ(g->edgeIndexLimit(), 7);
 }
 
@@ -281,15 +272,14 @@ TEST(TraversalEngine, BearsHooksThatChangeItsLists) {
         [](Data* data) { data->pCandidateEdgeList()->deleteAllCells(); },
     };
     for (unsigned seed = 0; seed < 60; ++seed) {
-        const TestGraph g(randomText(seed, {.nodes = 9, .edges = 16}));
-        rearrange(g, seed);
+        const MarkedGraph g(randomText(seed, {.nodes = 9, .edges = 16}), seed);
         const std::string before = snapshot(g);
         for (const auto& meddler : meddlers) {
             BestFirst search(g);
             search.algorithm.meddle = meddler;
             search.algorithm.useOriginalGraph(static_cast<int>(seed % 2));
             search.input.undirected(static_cast<int>(seed / 2 % 2));
-            EXPECT_EQ(search.run(), RV_NO_ERROR);
+            EXPECT_EQ(search(), RV_NO_ERROR);
             EXPECT_EQ(snapshot(g), before) << "seed " << seed << ", meddler " << &meddler - meddlers;
         }
     }
@@ -300,7 +290,7 @@ constexpr int kMany = 1000000;
 constexpr int kCycles = 250000;
 #else
 constexpr int kMany = 30000;
-constexpr int kCycles = 50000;
+constexpr int kCycles = 20000;
 #endif
 
 // Runs something in a thread with a small stack.
@@ -333,38 +323,33 @@ std::unique_ptr<RVGraph> deepGraph(RVAFactory& factory, Deep kind) {
     return graph;
 }
 
+template <class Run, class Check>
+void runWithSmallStack(RVGraph* graph, const Check& check) {
+    withSmallStack([&] {
+        Run run(graph);
+        EXPECT_EQ(run(), RV_NO_ERROR);
+        check(run.output);
+    });
+}
+
 TEST(TraversalEngine, NeedsNoStackForDeepGraphs) {
     RVAFactory factory;
     for (const Deep kind : {Deep::chain, Deep::cycle, Deep::comb}) {
         SCOPED_TRACE(static_cast<int>(kind));
         const auto graph = deepGraph(factory, kind);
-        withSmallStack([&] {
-            Runner<RVBreadthFirstSearchAlgorithm, RVBreadthFirstSearchInputData,
-                   RVBreadthFirstSearchOutputData>
-                breadth(graph.get());
-            EXPECT_EQ(breadth.run(), RV_NO_ERROR);
-            EXPECT_EQ(breadth.output.pNodeList()->length(), kMany);
-            EXPECT_EQ(breadth.output.pNodeList()->pLastNode(), graph->pLastNode());
+        const bool isCycle = kind == Deep::cycle;
+        runWithSmallStack<rvtest::BreadthFirst>(graph.get(), [&](const auto& output) {
+            EXPECT_EQ(output.pNodeList()->length(), kMany);
+            EXPECT_EQ(output.pNodeList()->pLastNode(), graph->pLastNode());
         });
-        withSmallStack([&] {
-            Runner<RVDepthFirstSearchAlgorithm, RVDepthFirstSearchInputData, RVDepthFirstSearchOutputData>
-                depth(graph.get());
-            EXPECT_EQ(depth.run(), RV_NO_ERROR);
-            EXPECT_EQ(depth.output.completionNumber(graph->pFirstNode()), kMany);
+        runWithSmallStack<rvtest::DepthFirst>(graph.get(), [&](const auto& output) {
+            EXPECT_EQ(output.completionNumber(graph->pFirstNode()), kMany);
         });
-        withSmallStack([&] {
-            Runner<RVBiconnectedComponentsAlgorithm, RVBiconnectedComponentsInputData,
-                   RVBiconnectedComponentsOutputData>
-                blocks(graph.get());
-            EXPECT_EQ(blocks.run(), RV_NO_ERROR);
-            EXPECT_EQ(blocks.output.pComponentList()->length(), kind == Deep::cycle ? 1 : kMany - 1);
+        runWithSmallStack<rvtest::Blocks>(graph.get(), [&](const auto& output) {
+            EXPECT_EQ(output.pComponentList()->length(), isCycle ? 1 : kMany - 1);
         });
-        withSmallStack([&] {
-            Runner<RVStronglyConnectedComponentsAlgorithm, RVStronglyConnectedComponentsInputData,
-                   RVStronglyConnectedComponentsOutputData>
-                strong(graph.get());
-            EXPECT_EQ(strong.run(), RV_NO_ERROR);
-            EXPECT_EQ(strong.output.pComponentList()->length(), kind == Deep::cycle ? 1 : kMany);
+        runWithSmallStack<rvtest::Strong>(graph.get(), [&](const auto& output) {
+            EXPECT_EQ(output.pComponentList()->length(), isCycle ? 1 : kMany);
         });
     }
 }
@@ -385,20 +370,17 @@ TEST(TraversalEngine, StartsAgainAndAgainInLinearTime) {
         graph->addEdge(last, first);
     }
     for (const int undirected : {0, 1}) {
-        Runner<RVBreadthFirstSearchAlgorithm, RVBreadthFirstSearchInputData, RVBreadthFirstSearchOutputData>
-            breadth(graph.get());
-        breadth.input.undirected(undirected);
-        ASSERT_EQ(breadth.run(), RV_NO_ERROR);
+        rvtest::BreadthFirst search(graph.get());
+        search.input.undirected(undirected);
+        ASSERT_EQ(search(), RV_NO_ERROR);
         int number = 1;
         for (RVNodeIter it(graph.get()); it; number += 4) {
-            ASSERT_EQ(breadth.output.orderNumber(it.pNode()), number);
+            ASSERT_EQ(search.output.orderNumber(it.pNode()), number);
             for (int j = 0; j < 4; ++j) it++;
         }
     }
-    Runner<RVConnectedComponentsAlgorithm, RVConnectedComponentsInputData, RVConnectedComponentsOutputData>
-        components(graph.get());
-    ASSERT_EQ(components.run(), RV_NO_ERROR);
-    EXPECT_EQ(components.output.pComponentList()->length(), kCycles);
+    rvtest::Connected components(graph.get());
+    ASSERT_EQ(components(), RV_NO_ERROR);
     EXPECT_EQ(components.output.componentNumber(graph->pLastNode()), kCycles);
 }
 

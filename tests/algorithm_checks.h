@@ -1,0 +1,157 @@
+// The algorithms of the library with their data, and what their tests compare.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <map>
+#include <random>
+#include <set>
+#include <sstream>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "rv/analysis.h"
+#include "tests/test_graph.h"
+
+namespace rvtest {
+
+// An algorithm with its data, for one graph after another.
+template <class Algorithm, class Input, class Output>
+struct Runner {
+    explicit Runner(RVGraph* graph = nullptr) : input(graph) {
+        algorithm.pInputData(&input);
+        algorithm.pOutputData(&output);
+    }
+    RVServiceErrorCodeEnum operator()() { return algorithm.run(); }
+    RVServiceErrorCodeEnum operator()(RVGraph* graph) {
+        input.pAssociatedGraph(graph);
+        return algorithm.run();
+    }
+
+    Input input;
+    Output output;
+    Algorithm algorithm;
+};
+
+using TopologicalSort =
+    Runner<RVTopologicalSortAlgorithm, RVTopologicalSortInputData, RVTopologicalSortOutputData>;
+using BreadthFirst =
+    Runner<RVBreadthFirstSearchAlgorithm, RVBreadthFirstSearchInputData, RVBreadthFirstSearchOutputData>;
+using DepthFirst =
+    Runner<RVDepthFirstSearchAlgorithm, RVDepthFirstSearchInputData, RVDepthFirstSearchOutputData>;
+using Connected =
+    Runner<RVConnectedComponentsAlgorithm, RVConnectedComponentsInputData, RVConnectedComponentsOutputData>;
+using Blocks = Runner<RVBiconnectedComponentsAlgorithm, RVBiconnectedComponentsInputData,
+                      RVBiconnectedComponentsOutputData>;
+using Strong = Runner<RVStronglyConnectedComponentsAlgorithm, RVStronglyConnectedComponentsInputData,
+                      RVStronglyConnectedComponentsOutputData>;
+using PathTest = Runner<RVPathExistsTestAlgorithm, RVPathExistsTestInputData, RVPathExistsTestOutputData>;
+using AcyclicTest = Runner<RVAcyclicTestAlgorithm, RVAcyclicTestInputData, RVAcyclicTestOutputData>;
+using TreeTest = Runner<RVTreeTestAlgorithm, RVTreeTestInputData, RVTreeTestOutputData>;
+
+// A new algorithm goes here.
+using Algorithms = testing::Types<TopologicalSort, BreadthFirst, DepthFirst, Connected, Blocks, Strong,
+                                  PathTest, AcyclicTest, TreeTest>;
+
+struct AlgorithmNames {
+    template <class R>
+    static std::string GetName(int) {
+        return testing::internal::GetTypeName<decltype(R::algorithm)>();
+    }
+};
+
+// Answers nothing.
+class NoOutput : public RVAnalysisOutputData {
+public:
+    void reset() override {}
+};
+
+// Tells a search which edges are drawn as undirected.
+template <class Input>
+void takeDrawnDirections(Input& input, const RVGraph* graph) {
+    for (RVEdge* edge : *graph->pEdgeList()) input.undirected(edge, undirected(edge) ? 1 : 0);
+}
+
+// All that can be seen of a graph: its orders, and per object its address, index, name, user fields and the
+// records of data, in order.
+inline std::string snapshot(const RVGraph* graph) {
+    std::ostringstream all;
+    all << orders(graph);
+    const auto add = [&](const RVGraphMember* member) {
+        all << '\n' << member << '#' << member->denseIndex() << ' ' << token(member);
+        all << ' ' << member->pUserField() << ' ' << member->pIUserField() << ':';
+        const RVAlgorithmExtension* record = member->pAnalysisExtensions()->pFirstExtension();
+        for (; record != nullptr; record = record->pNextExtension()) all << ' ' << record;
+    };
+    for (const RVNode* node : *graph->pNodeList()) add(node);
+    for (const RVEdge* edge : *graph->pEdgeList()) add(edge);
+    return all.str();
+}
+
+// A graph whose lists do not stand in the order of its edges, with records of data and user fields.
+struct MarkedGraph : TestGraph {
+    explicit MarkedGraph(const std::string& tokens, unsigned seed) : TestGraph(tokens) {
+        std::mt19937 random(seed);
+        for (RVEdge* edge : edges()) {
+            if (random() % 4 == 0) edge->invertDirection();
+            if (random() % 6 == 0) edge->changeTargetNode(get()->pFirstNode());
+            if (random() % 6 == 0) get()->insertEdge(edge, edge->pSourceNode(), edge->pTargetNode());
+            m_data.directed(edge, 7);
+        }
+        for (RVNode* node : *get()->pNodeList()) node->pUserField(m_data.pReflexiveEdgeList(node));
+    }
+
+private:
+    std::vector<RVEdge*> edges() const {
+        std::vector<RVEdge*> all;
+        for (RVEdge* edge : *get()->pEdgeList()) all.push_back(edge);
+        return all;
+    }
+    RVAnalysisInternalData m_data;
+};
+
+enum class Ways { directed, drawn, both };
+
+// Where an edge leads from a node; none where it does not.
+inline RVNode* follow(const RVEdge* edge, const RVNode* from, Ways ways) {
+    if (edge->pSourceNode() == from) return edge->pTargetNode();
+    const bool isBothWays = ways == Ways::both || (ways == Ways::drawn && undirected(edge));
+    return isBothWays && edge->pTargetNode() == from ? edge->pSourceNode() : nullptr;
+}
+
+// The fewest edges from node to node, over every node in between, without those that are left out.
+class Distances {
+public:
+    static constexpr int kNone = 1000000;
+
+    Distances(const RVGraph* graph, Ways ways, const std::set<RVNode*>& without = {}) {
+        const RVNodeDList& nodes = *graph->pNodeList();
+        for (RVNode* node : nodes) {
+            improve(node, node, 0);
+            for (RVEdge* edge : *graph->pEdgeList()) {
+                RVNode* const there = follow(edge, node, ways);
+                if (there != nullptr && without.count(node) + without.count(there) == 0)
+                    improve(node, there, 1);
+            }
+        }
+        for (RVNode* via : nodes)
+            for (RVNode* from : nodes)
+                for (RVNode* to : nodes) improve(from, to, (*this)(from, via) + (*this)(via, to));
+    }
+    int operator()(RVNode* from, RVNode* to) const {
+        const auto found = m_steps.find({from, to});
+        return found == m_steps.end() ? kNone : found->second;
+    }
+    bool reaches(RVNode* from, RVNode* to) const { return (*this)(from, to) < kNone; }
+
+private:
+    void improve(RVNode* from, RVNode* to, int length) {
+        int& known = m_steps.emplace(std::pair(from, to), kNone).first->second;
+        known = std::min(known, length);
+    }
+    std::map<std::pair<RVNode*, RVNode*>, int> m_steps;
+};
+
+}  // namespace rvtest
