@@ -24,6 +24,7 @@ public:
         m_first = 0;
         m_count = 0;
         m_isList = false;
+        m_isHandedOut = false;
     }
 
     // Starts with all members of a graph's list, whose dense indices are below the limit.
@@ -74,11 +75,12 @@ public:
     }
 
     int length() const { return m_isList ? m_list->length() : m_count; }
-    // Whether nobody but take() has changed what is there.
-    bool isUntouched() const { return length() == m_count; }
+    // Whether nobody but take() can have changed what is there or its order since changes were accepted.
+    bool isUntouched() const { return !m_isHandedOut && length() == m_count; }
 
     // Takes the list as others have left it for what is there.
     void acceptChanges() {
+        m_isHandedOut = false;
         if (!m_isList) return;
         m_handles.begin(m_list.get(), static_cast<int>(m_pending.size()));
         for (RVDListIter it(m_list.get()); it; it++) {
@@ -88,7 +90,8 @@ public:
     }
 
     List* list() {
-        if (m_isList || (m_members.empty() && m_count == 0)) return m_list.get();
+        m_isHandedOut = true;
+        if (m_isList) return m_list.get();
         m_handles.begin(m_list.get(), static_cast<int>(m_pending.size()));
         for (const Entry& entry : m_members) {
             if (isPending(entry)) m_handles.note(entry.index, m_list->appendObject(entry.member));
@@ -112,6 +115,7 @@ private:
     std::size_t m_first = 0;      // all members before are taken
     int m_count = 0;
     bool m_isList = false;
+    bool m_isHandedOut = false;  // since changes were accepted
 };
 
 }  // namespace rv

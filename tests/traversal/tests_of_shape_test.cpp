@@ -23,7 +23,8 @@ using rvtest::text;
 using rvtest::TreeTest;
 using rvtest::Ways;
 
-RVServiceErrorCodeEnum run(PathTest& test, RVGraph* graph, RVNode* start, RVNode* finish, int undirected) {
+template <class Test>
+RVServiceErrorCodeEnum run(Test& test, RVGraph* graph, RVNode* start, RVNode* finish, int undirected) {
     test.input.pStartNode(start);
     test.input.pFinishNode(finish);
     test.input.undirected(undirected);
@@ -148,6 +149,23 @@ TEST(PathExistsTest, AgreesWithAllDistances) {
     }
     EXPECT_GT(paths, all / 3);
     EXPECT_LT(paths, all * 3 / 4);
+}
+
+TEST(PathExistsTest, StopsAtTheFinish) {
+    class Counting : public RVPathExistsTestAlgorithm {
+    public:
+        std::string edges;
+
+    protected:
+        void privateTraverseEdge(RVEdge* edge) override {
+            edges += " " + text(edge);
+            RVPathExistsTestAlgorithm::privateTraverseEdge(edge);
+        }
+    };
+    const TestGraph g("a->b a->c b->d c->d c->e d->e e->a");
+    rvtest::Runner<Counting, RVPathExistsTestInputData, RVPathExistsTestOutputData> test;
+    ASSERT_EQ(run(test, g, g.node("a"), g.node("d"), 0), RV_NO_ERROR);
+    EXPECT_EQ(test.algorithm.edges, " a->b a->c b->d");
 }
 
 // Forest and tree by definition: no edge joins what earlier ones have joined; every node of a rooted forest

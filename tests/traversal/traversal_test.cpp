@@ -160,6 +160,7 @@ public:
     std::mt19937 random;
     bool readsList = false;
     bool changesGraph = false;
+    bool changesList = false;
     int starts = 0;
 
 protected:
@@ -168,6 +169,7 @@ protected:
         RVNode* expected = nullptr;
         int smallest = 2147483647;
         RVNodeDList unvisited;
+        if (changesList) changeList(*data->pUnvisitedNodeList());
         if (readsList) unvisited = *data->pUnvisitedNodeList();
         for (RVNode* node : *pAssociatedGraph()->pNodeList()) {
             if (!readsList && data->orderNumber(node) == 0) unvisited.appendNode(node);
@@ -193,6 +195,17 @@ protected:
     }
 
 private:
+    // Leaves a node out, comes back with it, or turns the list round.
+    void changeList(RVNodeDList& list) {
+        if (below(3) == 0) list.reverse();
+        if (list.length() > 1 && below(2) == 0) {
+            if (m_leftOut != nullptr) list.appendNode(m_leftOut);
+            m_leftOut = list.pFirstNode();
+            list.discardCell(list.pFirstCell());
+        }
+    }
+    RVNode* m_leftOut = nullptr;
+
     int below(int limit) { return static_cast<int>(random() % static_cast<unsigned>(limit)); }
 };
 
@@ -206,6 +219,7 @@ TEST(TraversalEngine, StartsByTheRule) {
         search.algorithm.random.seed(seed);
         search.algorithm.readsList = seed % 2 != 0;
         search.algorithm.changesGraph = seed % 3 == 0;
+        search.algorithm.changesList = seed % 4 == 1;
         search.input.undirected(seed % 5 < 2 ? 1 : 0);
         EXPECT_EQ(search(), RV_NO_ERROR);
         starts += search.algorithm.starts;
