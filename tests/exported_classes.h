@@ -17,7 +17,7 @@ using CopyableClasses = testing::Types<
     RVEdgeValuePair, RVAlgorithmData, RVAlgorithmInputData, RVAnalysisInputData, RVAnalysisInternalData,
     RVNodeExtensionTopologicalSort, RVTopologicalSortInputData, RVTopologicalSortOutputData,
     RVTopologicalSortAlgorithm, RVNodeExtensionTraversal, RVEdgeExtensionTraversal,
-    RVEdgeExtensionTraversalInput, RVTraversalInputData, RVTraversalInternalData,
+    RVEdgeExtensionTraversalInput, RVTraversalInputData, RVTraversalInternalData, RVTraversalAlgorithm,
     RVBreadthFirstSearchInputData, RVBreadthFirstSearchOutputData, RVBreadthFirstSearchAlgorithm,
     RVNodeExtensionDepthFirstSearch, RVEdgeExtensionDepthFirstSearch, RVDepthFirstSearchInputData,
     RVDepthFirstSearchInternalData, RVDepthFirstSearchOutputData, RVDepthFirstSearchAlgorithm,
