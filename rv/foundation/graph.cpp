@@ -251,9 +251,11 @@ RVGraph::~RVGraph() {
     for (Fields* fields : {&m_nodeFields, &m_edgeFields}) {
         for (const std::wstring* name : fields->names.values()) delete name;
     }
-    // Edges in memory that other graphs keep must not be taken for those of a later graph at this address.
+    // Members in memory that other graphs keep must not be taken for those of a later graph at this address.
     if (m_storage.use_count() > 1 || !m_adoptedStorage.empty()) {
-        forEachEdge([](RVEdge* edge) { edge->m_pGraph = nullptr; });
+        const auto disown = [](RVGraphMember* member) { member->m_pGraph = nullptr; };
+        forEachMember<RVNode>(&rv::GraphStorage::nodes, disown);
+        forEachMember<RVEdge>(&rv::GraphStorage::edges, disown);
     }
 }
 
@@ -436,7 +438,9 @@ void RVGraph::discardNode(RVNode* node) {
 
 // Ends a member that stands in no list any more.
 void RVGraph::destroyMember(RVGraphMember* member, rv::Slab& slab) {
-    for (std::size_t i = m_observers.size(); i > 0; --i) m_observers[i - 1]->memberDies(member);
+    for (std::size_t i = m_observers.size(); i > 0; --i) {
+        if (i <= m_observers.size()) m_observers[i - 1]->memberDies(member);  // some may go meanwhile
+    }
     Fields& fields = fieldsOf(member);
     Indices& indices = indicesOf(member);
     const int index = member->m_index;
@@ -589,20 +593,31 @@ void RVGraph::severForeignEdges() {
             edge->m_pGraph->discardEdge(edge);
         }
     }
-    forEachEdge([](RVEdge* edge) {
+    // Edges of other graphs may also wait in the lists of detached nodes of this one.
+    forEachMember<RVNode>(&rv::GraphStorage::nodes, [this](RVNode* node) {
+        if (node->m_attached) return;
+        for (const RVEdgeDList* list : {&node->m_outEdges, &node->m_inEdges}) {
+            for (RVDListCell *next = nullptr, *cell = list->m_pFirst; cell != nullptr; cell = next) {
+                next = cell->m_pNext;
+                auto* edge = static_cast<RVEdge*>(cell->m_pObject);
+                if (edge->m_pGraph != this) edge->m_pGraph->discardEdge(edge);
+            }
+        }
+    });
+    forEachMember<RVEdge>(&rv::GraphStorage::edges, [](RVEdge* edge) {
         if (!edge->m_attached) edge->leaveLists();
     });
 }
 
-// Calls f(edge) for every edge that belongs to this graph, attached or not.
-template <class F>
-void RVGraph::forEachEdge(F f) {
+// Calls f(member) for every node (edge) that belongs to this graph, attached or not.
+template <class Member, class F>
+void RVGraph::forEachMember(rv::Slab rv::GraphStorage::*slab, F f) {
     const auto visit = [&](void* slot) {
-        auto* edge = static_cast<RVEdge*>(slot);
-        if (isMine(edge)) f(edge);
+        auto* member = static_cast<Member*>(slot);
+        if (isMine(member)) f(member);
     };
-    m_storage->edges.forEachInUse(visit);
-    for (const auto& storage : m_adoptedStorage) storage->edges.forEachInUse(visit);
+    ((*m_storage).*slab).forEachInUse(visit);
+    for (const auto& storage : m_adoptedStorage) ((*storage).*slab).forEachInUse(visit);
 }
 
 const wchar_t* RVGraph::pNameString() const { return m_name.c_str(); }

@@ -418,8 +418,8 @@ private:
     std::vector<RVDListCell*> takeWaits(RVNode* node);
     void noteForeignEdge(RVEdge* edge, RVNode* other);
     void severForeignEdges();
-    template <class F>
-    void forEachEdge(F f);
+    template <class Member, class F>
+    void forEachMember(rv::Slab rv::GraphStorage::*slab, F f);
 
     std::shared_ptr<rv::GraphStorage> m_storage;
     RVNodeDList m_nodes;

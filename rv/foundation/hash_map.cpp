@@ -74,6 +74,20 @@ void RVHashMap::empty(int destroyValues, int destroyKeys) {
     m_pool.releaseAll();
 }
 
+void RVHashMap::cloneValues() {
+    for (std::uint32_t i = m_table.firstFrom(0); i < m_table.end(); i = m_table.firstFrom(i + 1)) {
+        rv::MapEntry& entry = m_table[i];
+        if (entry.pooled || entry.value == nullptr) continue;
+        if (const auto* number = dynamic_cast<const RVInt*>(entry.value)) {
+            entry.value = m_pool.create(number->value());
+            entry.pooled = true;
+            ++m_pooled;
+        } else {
+            entry.value = entry.value->cloneObject();
+        }
+    }
+}
+
 void RVHashMap::buildObjectList(RVDList& list) const {
     list.deleteAllCells();
     for (RVHashMapIter it(this); it; it++) list.appendObject(it.pValue());

@@ -8,6 +8,7 @@
 // A walk is live: entries put meanwhile are reached. Step past an entry before removing it.
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <vector>
@@ -95,6 +96,7 @@ public:
         }
         m_entries[position] = Entry{};
         --m_live;
+        if (position == m_front) m_front = m_live == 0 ? 0 : firstFrom(m_front + 1);
         while (!m_entries.empty() && m_entries.back().key == nullptr) m_entries.pop_back();
     }
 
@@ -103,11 +105,13 @@ public:
         m_entries.clear();
         m_slots.assign(m_slots.size(), 0);
         m_live = 0;
+        m_front = 0;
         ++m_rebuilds;
     }
 
     // The first entry in use at or behind a position; end() when there is none.
     std::uint32_t firstFrom(std::uint32_t position) const {
+        position = std::max(position, m_front);
         while (position < m_entries.size() && m_entries[position].key == nullptr) ++position;
         return position;
     }
@@ -133,6 +137,7 @@ private:
                 if (entry.key != nullptr) m_entries[to++] = entry;
             }
             m_entries.resize(to);
+            m_front = 0;
             ++m_rebuilds;
         }
         std::uint32_t bits = 4;
@@ -152,6 +157,7 @@ private:
     std::uint32_t m_mask = 0;
     std::uint32_t m_shift = 32;
     std::uint32_t m_live = 0;
+    std::uint32_t m_front = 0;     // all entries before are gaps
     std::uint32_t m_rebuilds = 0;  // counts what moves entries, for iterators
 };
 
@@ -253,6 +259,9 @@ public:
     }
     int putInt(rv::KeyRef key, int value);
 
+    // Puts a clone in the place of every value; integers that putInt made already are the map's own.
+    void cloneValues();
+
     // Empties the list, then fills it with the values in the order of their keys' insertion.
     void buildObjectList(RVDList& list) const;
 
@@ -345,11 +354,8 @@ public:
     OwnedMap& operator=(const OwnedMap& other) {
         if (this == &other) return *this;
         m_map.empty(kValues == Values::Destroy, 0);
-        if constexpr (kValues == Values::Keep) {
-            m_map = other.m_map;
-        } else {
-            for (RVHashMapIter it(&other.m_map); it; it++) copyEntry(it.pKey(), it.pValue());
-        }
+        m_map = other.m_map;
+        if constexpr (kValues == Values::Destroy) m_map.cloneValues();
         return *this;
     }
     ~OwnedMap() { m_map.empty(kValues == Values::Destroy, 0); }
@@ -358,14 +364,6 @@ public:
     RVHashMap* operator->() const { return &m_map; }
 
 private:
-    void copyEntry(RVObject* key, const RVObject* value) {
-        if (const auto* number = dynamic_cast<const RVInt*>(value)) {
-            m_map.putInt(key, number->value());
-        } else {
-            m_map.put(key, value == nullptr ? nullptr : value->cloneObject());
-        }
-    }
-
     mutable RVHashMap m_map;
 };
 

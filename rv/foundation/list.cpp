@@ -129,9 +129,15 @@ void RVDList::deleteAllCells() {
 
 void RVDList::deleteAllCellsAndObjects() {
     if (m_readOnly) return;
+    // The cells move to another list, so that nothing is allocated and this one is empty from now on.
     RVDList objects;
-    objects.copyAllCells(this);
-    deleteAllCells();
+    std::swap(objects.m_pPool, m_pPool);
+    std::swap(objects.m_pFirst, m_pFirst);
+    std::swap(objects.m_pLast, m_pLast);
+    std::swap(objects.m_length, m_length);
+    if (objects.m_pFirst == nullptr) return;
+    ++m_releases;
+    if (m_sorted) deleteAllCells();
     for (RVDListCell* cell = objects.m_pFirst; cell != nullptr; cell = cell->m_pNext) delete cell->m_pObject;
 }
 

@@ -564,6 +564,10 @@ void RVAlgorithmData::copyExtension(const RVAlgorithmExtension& source) {
     // The source was made by the factory of a class derived from this one.
     RVAlgorithmExtension* same = source.cloneObject();
     if (same == nullptr) return;
+    if (typeid(*same) != typeid(source)) {  // a class that does not say how it is cloned
+        delete same;
+        return;
+    }
     delete record;
     same->m_pOwner = source.m_pOwner;
     same->m_pData = this;

@@ -82,7 +82,7 @@ void RVBiconnectedComponentsAlgorithm::closeBlock(RVNode* node, RVNode* joint) {
     data->nextComponentNumber(data->nextComponentNumber() + 1);
     RVNodeDList* block = data->addComponent();
     RVNodeDList* stack = data->pUnfinishedStack();
-    for (RVNode* top = nullptr; top != node;) {
+    for (RVNode* top = nullptr; top != node && stack->length() > 0;) {
         top = stack->pFirstNode();
         stack->discardCell(stack->pFirstCell());
         block->appendNode(top);

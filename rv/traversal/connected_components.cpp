@@ -58,6 +58,7 @@ void RVConnectedComponentsAlgorithm::generateOutputData() {
 
     std::vector<RVNodeDList*> components;
     const auto put = [&](RVNode* node, int number) {
+        if (number < 1) return;  // not reached by a search that was ended before
         RVNode* original = data->pOriginalNode(node);
         components[static_cast<std::size_t>(number - 1)]->appendNode(original);
         output->componentNumber(original, number);

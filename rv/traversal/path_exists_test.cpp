@@ -46,10 +46,7 @@ void RVPathExistsTestAlgorithm::parseInputData() {
     pData()->pFinishNode(pData()->pCopyNode(input->pFinishNode()));
 }
 
-RVNode* RVPathExistsTestAlgorithm::findStartNode() {
-    RVNode* start = pData()->pStartNode();
-    return pData()->orderNumber(start) == 0 ? start : nullptr;
-}
+RVNode* RVPathExistsTestAlgorithm::findStartNode() { return pData()->pStartNode(); }
 
 RVEdge* RVPathExistsTestAlgorithm::findStartEdge() { return nullptr; }
 

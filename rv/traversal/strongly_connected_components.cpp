@@ -81,7 +81,7 @@ void RVStronglyConnectedComponentsAlgorithm::completeNodeVisit(RVNode* node, RVN
     data->nextComponentNumber(data->nextComponentNumber() + 1);
     RVNodeDList* component = data->addComponent();
     RVNodeDList* stack = data->pUnfinishedStack();
-    for (RVNode* top = nullptr; top != node;) {
+    for (RVNode* top = nullptr; top != node && stack->length() > 0;) {
         top = stack->pFirstNode();
         stack->discardCell(stack->pFirstCell());
         data->inUnfinished(top, 0);

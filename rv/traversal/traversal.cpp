@@ -162,7 +162,12 @@ void RVTraversalAlgorithm::addReverseEdges() {
     for (RVEdgeIter it(graph, RVBackward); it; it++) {
         RVEdge* edge = it.pEdge();
         RVEdge* reverse = graph->addEdge(edge->pTargetNode(), edge->pSourceNode(), 0);
-        pTraversalInternalData()->dummyReversedEdge(reverse, 1);
+        try {
+            pTraversalInternalData()->dummyReversedEdge(reverse, 1);
+        } catch (...) {
+            graph->discardEdge(reverse);  // not known as a reverse edge
+            throw;
+        }
         copyEdgeProperties(reverse, edge);
     }
 }

@@ -73,7 +73,7 @@ void changeAtRandom(unsigned seed) {
     RVHashMap map(16);
     RVHashSet set(16);
     for (int step = 0; step < 1000 && !testing::Test::HasFailure(); ++step) {
-        const std::size_t i = random() % keys.all.size();
+        const std::size_t i = random() % (seed % 2 == 0 ? 3 : keys.all.size());  // few keys: often empty
         RVObject* const key = keys.all[i];
         const int value = static_cast<int>(random() % 1000);
         const auto found = std::find_if(entries.begin(), entries.end(),
