@@ -36,6 +36,25 @@ Ids ids(const List& list) {
     return result;
 }
 
+// Counts the edges that it knows, since an edge that is gone takes its record along.
+class EdgeCounter : public RVAlgorithmData {
+public:
+    int edges = 0;
+
+protected:
+    struct Record : RVEdgeAlgorithmExtension {
+        Record(RVEdge* edge, EdgeCounter* counter)
+            : RVEdgeAlgorithmExtension(edge, counter), count(&counter->edges) {
+            ++*count;
+        }
+        ~Record() override { --*count; }
+        int* count;
+    };
+    RVEdgeAlgorithmExtension* newEdgeAlgorithmExtension(RVEdge* edge) override {
+        return new Record(edge, this);
+    }
+};
+
 // Three graphs beside a model of what they should be after surgery of all kinds. An edge is attached; or it
 // waits, and stands in the lists of exactly one detached end, its host; or it was removed by itself.
 class Surgery {
@@ -141,6 +160,7 @@ public:
             EXPECT_LT(node.real->denseIndex(), m_real[node.home]->nodeIndexLimit());
             EXPECT_TRUE(nodeIndices.emplace(node.home, node.real->denseIndex()).second);
         }
+        EXPECT_EQ(m_counter.edges, static_cast<int>(m_edges.size()));
         for (const auto& [id, edge] : m_edges) {
             SCOPED_TRACE(testing::Message() << "edge " << id);
             EXPECT_EQ(edge.real->pSourceNode(), edge.source == kNone ? nullptr : m_nodes[edge.source].real);
@@ -214,6 +234,7 @@ private:
     void addEdge(RVEdge* edge, std::size_t g, int source, int target) {
         const int id = enroll(edge);
         m_data.directed(edge, id);
+        m_counter.pAlgorithmExtension(edge);
         m_edges[id] = {edge, g, source, target, Waiting};
         enter(id);
     }
@@ -348,6 +369,7 @@ private:
     std::minstd_rand m_random;
     std::size_t m_graphs, m_mostNodes, m_mostEdges;
     RVAnalysisInternalData m_data;
+    EdgeCounter m_counter;
     std::array<std::optional<RVGraph>, 3> m_real;
     std::array<Orders, 3> m_orders;
     std::map<int, Node> m_nodes;

@@ -161,7 +161,7 @@ public:
             all.push_back(
                 {edge->pSourceNode(), edge->pTargetNode(), edge, !rvtest::undirected(edge), false, {}});
         }
-        const auto addReverse = [](std::vector<Arc>& arcs, Arc arc) {
+        const auto addReverse = [](std::vector<Arc>& arcs, const Arc& arc) {
             arcs.push_back({arc.target, arc.source, arc.original, false, true, {}});
         };
         for (std::size_t i = 0, n = all.size(); i < n && !m_undirected; ++i) {

@@ -155,7 +155,7 @@ TEST(TraversalEngine, DrivesACallersSearch) {
 }
 
 // Walks only some edges, so that it has to start often, and compares each start with the rule.
-class OftenStarting : public BestFirstSearch {
+class OftenStarting : public RVTraversalAlgorithm {
 public:
     std::mt19937 random;
     bool readsList = false;
@@ -164,6 +164,13 @@ public:
     int starts = 0;
 
 protected:
+    void parseInputData() override { parseTraversalInput(*RVTraversalInputData::castDown(pInputData())); }
+    RVEdge* pNextEdge() override {
+        RVEdge* const edge = RVTraversalAlgorithm::pNextEdge();
+        RVEdgeDList* const candidates = pTraversalInternalData()->pCandidateEdgeList();
+        candidates->discardCell(candidates->pFirstCell());
+        return edge;
+    }
     RVNode* findStartNode() override {
         RVTraversalInternalData* const data = pTraversalInternalData();
         RVNode* expected = nullptr;
@@ -311,7 +318,7 @@ constexpr int kCycles = 20000;
 void withSmallStack(const std::function<void()>& f) {
     pthread_attr_t attributes;
     ASSERT_EQ(pthread_attr_init(&attributes), 0);
-    ASSERT_EQ(pthread_attr_setstacksize(&attributes, 256 * 1024), 0);
+    ASSERT_EQ(pthread_attr_setstacksize(&attributes, 0x40000), 0);
     pthread_t thread;
     const auto call = [](void* function) -> void* {
         (*static_cast<const std::function<void()>*>(function))();
