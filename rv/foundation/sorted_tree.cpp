@@ -101,7 +101,9 @@ RVBinTree& RVBinTree::operator=(const RVBinTree& other) {
     if (this == &other) return *this;
     RVBinTree::deleteAllCells();
     for (const RVBinTreeCell* cell = other.pFirstCell(); cell != nullptr; cell = cell->pNextCell()) {
-        attach(newCell(cell->pObject()), pLastCell(), true);
+        RVBinTreeCell* copy = newCell(cell->pObject());
+        copy->m_key = cell->m_key;
+        attach(copy, pLastCell(), true);
     }
     return *this;
 }
@@ -178,16 +180,28 @@ void RVBinTree::reverse() {}
 
 int RVBinTree::virtualCellCompare(RVDListCell*, RVDListCell*) const { return 0; }
 
+bool RVBinTree::integerKey(RVObject*, int&) const { return false; }
+
+// The cell below which a new one goes, and on which side: behind all that it does not go before.
+template <class GoesBefore>
+RVBinTreeCell* RVBinTree::findParent(GoesBefore goesBefore, bool& right) const {
+    RVBinTreeCell* parent = pLastCell();
+    right = true;
+    if (parent == nullptr || !goesBefore(parent)) return parent;
+    for (RVBinTreeCell* next = m_pRoot; next != nullptr; next = right ? next->m_pRight : next->m_pLeft) {
+        parent = next;
+        right = !goesBefore(parent);
+    }
+    return parent;
+}
+
 // All comparisons come before the first change, so a comparison that throws leaves the tree as it was.
 void RVBinTree::link(RVBinTreeCell* cell) {
-    RVBinTreeCell* parent = pLastCell();
     bool right = true;
-    if (parent != nullptr && virtualCellCompare(cell, parent) < 0) {
-        for (RVBinTreeCell* next = m_pRoot; next != nullptr; next = right ? next->m_pRight : next->m_pLeft) {
-            parent = next;
-            right = virtualCellCompare(cell, parent) >= 0;
-        }
-    }
+    RVBinTreeCell* const parent =
+        integerKey(cell->pObject(), cell->m_key)
+            ? findParent([key = cell->m_key](const RVBinTreeCell* at) { return key < at->m_key; }, right)
+            : findParent([=, this](RVBinTreeCell* at) { return virtualCellCompare(cell, at) < 0; }, right);
     if (m_index != nullptr) m_index->add(cell);
     attach(cell, parent, right);
 }

@@ -4,9 +4,10 @@
 // on it and the first and the next cell are O(1). Equal objects stand in the order of their insertion.
 //
 // Keys are read through the comparison, from state that may change while an object is out of the tree.
-// Only insertion compares: O(log n), O(1) where the object goes last. Removing a cell never compares.
-// searchObject finds an object's cell by identity, not by key: O(1) through an index that is built on the
-// first search, O(n) only for an object that is in the tree several times.
+// Only insertion compares: O(log n), O(1) where the object goes last. A tree whose order is that of an
+// integer per object may say so (integerKey) and then compares integers that its cells keep. Removing a cell
+// never compares. searchObject finds an object's cell by identity, not by key: O(1) through an index that is
+// built on the first search, O(n) only for an object that is in the tree several times.
 #pragma once
 
 #include <memory>
@@ -30,6 +31,7 @@ private:
     RVBinTreeCell* m_pLeft = nullptr;
     RVBinTreeCell* m_pRight = nullptr;
     int m_balance = 0;  // height of the right subtree minus height of the left one: -1, 0 or 1
+    int m_key = 0;      // in trees with integer keys
 };
 
 class RV_EXPORT RVBinTree : public RVDList {
@@ -64,9 +66,17 @@ public:
     // Negative when the first cell goes before the second one. Here 0: the order of insertion.
     virtual int virtualCellCompare(RVDListCell* first, RVDListCell* second) const;
 
+protected:
+    // Whether the tree's order is that of an integer per object, smallest first, and which one the object has
+    // now. Asked once whenever an object goes in, and the same answer for all objects. Here: false; the
+    // comparison is asked. A class that overrides this keeps to its comparison where a subclass changes that.
+    virtual bool integerKey(RVObject* object, int& key) const;
+
 private:
     RVBinTreeCell* newCell(RVObject* object);
     void link(RVBinTreeCell* cell);
+    template <class GoesBefore>
+    RVBinTreeCell* findParent(GoesBefore goesBefore, bool& right) const;
     void attach(RVBinTreeCell* cell, RVBinTreeCell* parent, bool right);
     void unlink(RVBinTreeCell* cell);
     void replaceChild(RVBinTreeCell* parent, RVBinTreeCell* old, RVBinTreeCell* now);

@@ -20,4 +20,13 @@ inline RVServiceErrorCodeEnum checkNode(const RVNode* node, const RVAlgorithmInp
     return node->pOwnerGraph() != input.pAssociatedGraph() ? foreign : RV_NO_ERROR;
 }
 
+// The start and the finish node of an input that must have both.
+template <class Input>
+RVServiceErrorCodeEnum checkEnds(const Input& input) {
+    const RVServiceErrorCodeEnum code =
+        checkNode(input.pStartNode(), input, RV_NO_START_NODE, RV_START_NODE_NOT_IN_GRAPH);
+    if (code != RV_NO_ERROR) return code;
+    return checkNode(input.pFinishNode(), input, RV_NO_FINISH_NODE, RV_FINISH_NODE_NOT_IN_GRAPH);
+}
+
 }  // namespace rv

@@ -30,12 +30,8 @@ void RVPathExistsTestOutputData::reset() {
 }
 
 RVServiceErrorCodeEnum RVPathExistsTestAlgorithm::checkData() {
-    RVServiceErrorCodeEnum code = checkInputGraph();
-    if (code != RV_NO_ERROR) return code;
-    const auto* input = RVPathExistsTestInputData::castDown(pInputData());
-    code = rv::checkNode(input->pStartNode(), *input, RV_NO_START_NODE, RV_START_NODE_NOT_IN_GRAPH);
-    if (code != RV_NO_ERROR) return code;
-    return rv::checkNode(input->pFinishNode(), *input, RV_NO_FINISH_NODE, RV_FINISH_NODE_NOT_IN_GRAPH);
+    const RVServiceErrorCodeEnum code = checkInputGraph();
+    return code != RV_NO_ERROR ? code : rv::checkEnds(*RVPathExistsTestInputData::castDown(pInputData()));
 }
 
 RVAlgorithmData* RVPathExistsTestAlgorithm::newInternalData() { return new RVPathExistsTestInternalData(); }

@@ -1,0 +1,159 @@
+// Dijkstra's method with a sorted tree: settles the nearest candidate, then offers its neighbours the way
+// through it. A candidate whose distance falls keeps its cell.
+
+#include "rv/rootcause/reachable_nodes.h"
+
+#include <typeinfo>
+
+#include "rv/foundation/arithmetic.h"
+#include "rv/framework/check_input.h"
+#include "rv/framework/input_fields.h"
+
+RV_OBJECT_IMPL(RVReachableNodesInputData)
+RV_OBJECT_IMPL(RVReachableNodesOutputData)
+RV_OBJECT_IMPL(RVReachableNodesBinTree)
+RVReachableNodesAlgorithm::~RVReachableNodesAlgorithm() = default;
+RV_OBJECT_NO_COPY_IMPL(RVReachableNodesAlgorithm)
+
+std::span<const RVInputField> RVReachableNodesInputData::inputFields() const {
+    using namespace rv::field;
+    using B = RVPathCostInputData;
+    using D = RVReachableNodesInputData;
+    static constexpr RVInputField fields[] = {
+        graphObject<D, RVNode, &D::pStartNode, &D::pStartNode>("startNode"),
+        graphFlag<B, &B::undirected, &B::undirected>("undirected"),
+        graphInt<D, &D::range, &D::range>("range"),
+        nodeInt<B, &B::cost, &B::cost>("cost"),
+        edgeInt<B, &B::cost, &B::cost>("cost"),
+        edgeFlag<B, &B::undirected, &B::undirected>("edgeUndirected"),
+    };
+    return fields;
+}
+
+void RVReachableNodesOutputData::buildReachableNodeList(RVNodeDList& list) const { list = *m_nodes; }
+
+void RVReachableNodesOutputData::reset() { m_nodes->deleteAllCells(); }
+
+// The candidates
+
+namespace {
+
+std::size_t placeOf(const RVGraphMember* member) { return static_cast<std::size_t>(member->denseIndex()); }
+
+}  // namespace
+
+int RVReachableNodesBinTree::distance(RVObject* node) const {
+    return m_pAlgorithm == nullptr ? 0 : m_pAlgorithm->m_distances[placeOf(static_cast<RVNode*>(node))];
+}
+
+int RVReachableNodesBinTree::virtualObjectCompare(RVObject* a, RVObject* b) const {
+    return distance(a) < distance(b) ? -1 : distance(a) > distance(b) ? 1 : 0;
+}
+
+bool RVReachableNodesBinTree::integerKey(RVObject* object, int& key) const {
+    if (typeid(*this) != typeid(RVReachableNodesBinTree)) return false;
+    key = distance(object);
+    return true;
+}
+
+// The search
+
+RVServiceErrorCodeEnum RVReachableNodesAlgorithm::checkData() {
+    RVServiceErrorCodeEnum code = RVBaseGraphAlgorithm::checkData();
+    if (code != RV_NO_ERROR) return code;
+    const auto* input = RVReachableNodesInputData::castDown(pInputData());
+    code = rv::checkNode(input->pStartNode(), *input, RV_NO_START_NODE, RV_START_NODE_NOT_IN_GRAPH);
+    if (code != RV_NO_ERROR) return code;
+    if (input->range() < -1) return RV_INVALID_RANGE;
+    const RVGraph* graph = input->pAssociatedGraph();
+    for (RVEdge* edge : *graph->pEdgeList()) {
+        if (input->cost(edge) < 0) return RV_NEGATIVE_COST;
+    }
+    for (RVNode* node : *graph->pNodeList()) {
+        if (input->cost(node) < 0) return RV_NEGATIVE_COST;
+    }
+    return RV_NO_ERROR;
+}
+
+void RVReachableNodesAlgorithm::initialize() {
+    RVBaseGraphAlgorithm::initialize();
+    const RVGraph* graph = pInputData()->pAssociatedGraph();
+    const auto nodes = static_cast<std::size_t>(graph->nodeIndexLimit());
+    m_distances.assign(nodes, rv::kInfinite);
+    m_cells.assign(nodes, nullptr);
+    m_undirectedEdges.assign(static_cast<std::size_t>(graph->edgeIndexLimit()), false);
+}
+
+void RVReachableNodesAlgorithm::parseInputData() {
+    const auto* input = RVReachableNodesInputData::castDown(pInputData());
+    const RVGraph* graph = input->pAssociatedGraph();
+    m_pStartNode = input->pStartNode();
+    m_reversed = input->reversed();
+    m_directed = input->undirected() == 0 ? 1 : 0;
+    m_followsBothWays = m_directed == 0;
+    m_hasCosts = input->range() != -1;
+    m_range = m_hasCosts ? input->range() : rv::kInfinite;
+    if (m_hasCosts) {
+        m_nodeCosts.assign(m_distances.size(), 0);
+        m_edgeCosts.assign(m_undirectedEdges.size(), 0);
+        for (RVNode* node : *graph->pNodeList()) m_nodeCosts[placeOf(node)] = input->cost(node);
+    }
+    for (RVEdge* edge : *graph->pEdgeList()) {
+        if (input->undirected(edge) != 0) m_followsBothWays = m_undirectedEdges[placeOf(edge)] = true;
+        if (m_hasCosts) m_edgeCosts[placeOf(edge)] = input->cost(edge);
+    }
+}
+
+RVServiceErrorCodeEnum RVReachableNodesAlgorithm::algorithmBody() {
+    RVNodeDList* reached = RVReachableNodesOutputData::castDown(pOutputData())->pNodeList();
+    m_distances[placeOf(m_pStartNode)] = 0;
+    m_cells[placeOf(m_pStartNode)] = m_candidates.addObject(m_pStartNode);
+    while (RVBinTreeCell* nearest = m_candidates.pFirstCell()) {
+        auto* node = static_cast<RVNode*>(nearest->pObject());
+        m_candidates.discardCell(nearest);
+        m_cells[placeOf(node)] = nullptr;
+        reached->appendNode(node);
+        traverseIncidentEdges(node);
+    }
+    return RV_NO_ERROR;
+}
+
+void RVReachableNodesAlgorithm::traverseIncidentEdges(RVNode* node) {
+    int base = m_distances[placeOf(node)];
+    if (m_hasCosts && node != m_pStartNode) base = rv::saturatingSum(base, m_nodeCosts[placeOf(node)]);
+    const auto offer = [&](const RVEdge* edge, RVNode* other) {
+        updateDistance(other, rv::saturatingSum(base, m_hasCosts ? m_edgeCosts[placeOf(edge)] : 1));
+    };
+    const bool forward = m_reversed == 0;
+    if (forward || m_followsBothWays) {
+        for (const RVEdge* edge : *node->pOutEdgeList()) {
+            if (forward || isUndirected(edge)) offer(edge, edge->pTargetNode());
+        }
+    }
+    if (!forward || m_followsBothWays) {
+        for (const RVEdge* edge : *node->pInEdgeList()) {
+            if (!forward || isUndirected(edge)) offer(edge, edge->pSourceNode());
+        }
+    }
+}
+
+bool RVReachableNodesAlgorithm::isUndirected(const RVEdge* edge) const {
+    return m_directed == 0 || m_undirectedEdges[placeOf(edge)];
+}
+
+void RVReachableNodesAlgorithm::updateDistance(RVNode* node, int distance) {
+    const std::size_t place = placeOf(node);
+    if (distance > m_range || distance >= m_distances[place]) return;
+    RVBinTreeCell*& cell = m_cells[place];
+    if (cell != nullptr) m_candidates.removeCell(cell);
+    m_distances[place] = distance;
+    cell = cell != nullptr ? m_candidates.insertCell(cell) : m_candidates.addObject(node);
+}
+
+void RVReachableNodesAlgorithm::cleanup() {
+    RVBaseGraphAlgorithm::cleanup();
+    m_candidates.deleteAllCells();
+    const auto release = [](auto&... values) { ((values = {}), ...); };
+    release(m_nodeCosts, m_edgeCosts, m_distances, m_undirectedEdges, m_cells);
+    m_pStartNode = nullptr;
+}

@@ -1,0 +1,132 @@
+// Reachable nodes: all nodes that one node can reach, or that can reach it, optionally within a cost range,
+// in the order of their distance.
+//
+// Works on the caller's graph, any graph. Edges are followed forward, in a reversed search backward, and
+// undirected ones both ways. With a range, a node's distance is the sum of the costs of the edges on the way
+// and of the nodes in between; the costs of the start node and of the node itself do not count. Without one,
+// costs play no part, and the distance is the number of edges. Nodes whose distance is at most the range are
+// listed, the start node first, nodes of equal distance in the order in which they came to that distance.
+// Distances of 2147483647 and more count as unreachable.
+//
+// Codes of run: RV_NO_ERROR, RV_NO_INPUT_GRAPH, RV_NO_GRAPH_FACTORY, then RV_NO_START_NODE,
+// RV_START_NODE_NOT_IN_GRAPH, RV_INVALID_RANGE for a range below 0 that is not -1, RV_NEGATIVE_COST for any
+// negative cost of an edge or node of the graph, whatever the range, and the framework's.
+// Method: Dijkstra 1959. O(m + n log n) time, O(m) without a range; O(n + m) space.
+//
+//   RVReachableNodesAlgorithm search;
+//   RVReachableNodesInputData input(graph);
+//   RVReachableNodesOutputData output;
+//   input.pStartNode(node);
+//   input.range(10);
+//   search.pInputData(&input);
+//   search.pOutputData(&output);
+//   if (search.run() == RV_NO_ERROR) use(*output.pNodeList());
+#pragma once
+
+#include <vector>
+
+#include "rv/foundation/sorted_tree.h"
+#include "rv/framework/base_graph_algorithm.h"
+#include "rv/shortestpaths/path_costs.h"
+
+class RVReachableNodesAlgorithm;
+
+// Named fields: "startNode", "range" (of the graph) and those of RVPathCostInputData.
+class RV_EXPORT RVReachableNodesInputData : public RVPathCostInputData {
+    RV_DATA_OBJECT(RVReachableNodesInputData)
+
+public:
+    explicit RVReachableNodesInputData(RVGraph* graph) : RVPathCostInputData(graph) {}
+
+    // A node of the input's graph; default none.
+    RVNode* pStartNode() const { return m_pStartNode; }
+    RVNode* pStartNode(RVNode* node) { return m_pStartNode = node; }
+    // The greatest distance; -1, the default, means no limit.
+    int range() const { return m_range; }
+    int range(int value) { return m_range = value; }
+    // Nonzero: the nodes that can reach the start node. Default 0.
+    int reversed() const { return m_reversed; }
+    int reversed(int flag) { return m_reversed = flag; }
+
+protected:
+    RVReachableNodesInputData() = default;
+
+    std::span<const RVInputField> inputFields() const override;
+
+private:
+    RVNode* m_pStartNode = nullptr;
+    int m_range = -1;
+    int m_reversed = 0;
+};
+
+class RV_EXPORT RVReachableNodesOutputData : public RVAnalysisOutputData {
+    RV_DATA_OBJECT(RVReachableNodesOutputData)
+
+public:
+    RVReachableNodesOutputData() = default;
+
+    // The nodes in the order of their distance.
+    RVNodeDList* pNodeList() const { return m_nodes.get(); }
+    // Empties the list, then fills it with the nodes.
+    void buildReachableNodeList(RVNodeDList& list) const;
+
+    void reset() override;
+
+private:
+    rv::Owned<RVNodeDList> m_nodes;
+};
+
+// The nodes that wait for being settled, nearest first.
+class RV_EXPORT RVReachableNodesBinTree : public RVSortedBinTree {
+    RV_OBJECT(RVReachableNodesBinTree)
+
+public:
+    explicit RVReachableNodesBinTree(RVReachableNodesAlgorithm* algorithm = nullptr)
+        : m_pAlgorithm(algorithm) {}
+
+    // Compares the distances of two nodes.
+    int virtualObjectCompare(RVObject* a, RVObject* b) const override;
+
+protected:
+    bool integerKey(RVObject* object, int& key) const override;
+
+private:
+    int distance(RVObject* node) const;
+
+    RVReachableNodesAlgorithm* m_pAlgorithm;
+};
+
+class RV_EXPORT RVReachableNodesAlgorithm : public RVBaseGraphAlgorithm {
+    RV_OBJECT_NO_COPY(RVReachableNodesAlgorithm)
+
+public:
+    RVReachableNodesAlgorithm() = default;
+    RVServiceErrorCodeEnum checkData() override;
+
+protected:
+    void initialize() override;
+    RVServiceErrorCodeEnum algorithmBody() override;
+    void cleanup() override;
+    void parseInputData() override;
+
+private:
+    friend class RVReachableNodesBinTree;
+
+    void traverseIncidentEdges(RVNode* node);
+    void updateDistance(RVNode* node, int distance);
+    bool isUndirected(const RVEdge* edge) const;
+
+    // All of the present run. Values by dense index.
+    RVNode* m_pStartNode = nullptr;
+    int m_reversed = 0;
+    int m_directed = 1;
+    int m_range = 0;
+    bool m_followsBothWays = false;  // at least one edge
+    bool m_hasCosts = false;         // otherwise every edge counts 1 and every node 0
+    std::vector<int> m_nodeCosts;
+    std::vector<int> m_edgeCosts;
+    std::vector<int> m_distances;
+    std::vector<bool> m_undirectedEdges;
+    std::vector<RVBinTreeCell*> m_cells;  // of the candidates
+    RVReachableNodesBinTree m_candidates{this};
+};

@@ -1,0 +1,100 @@
+#include "rv/shortestpaths/acyclic_shortest_paths.h"
+
+#include "rv/foundation/arithmetic.h"
+#include "rv/foundation/text_output.h"
+#include "rv/framework/check_input.h"
+
+RV_OBJECT_IMPL(RVShortestPathsAcyclicInputData)
+
+// RVShortestPathsAcyclicInternalData
+
+RVShortestPathsAcyclicInternalData::RVShortestPathsAcyclicInternalData()
+    : m_sortedNodes(std::make_unique<RVNodeDList>()) {}
+
+RVShortestPathsAcyclicInternalData::RVShortestPathsAcyclicInternalData(
+    const RVShortestPathsAcyclicInternalData& other, RVDeepFlagEnum)
+    : RVShortestPathsAcyclicInternalData() {
+    RVShortestPathsAcyclicInternalData::copyObject(&other);
+}
+
+RVShortestPathsAcyclicInternalData::~RVShortestPathsAcyclicInternalData() = default;
+
+RVShortestPathsAcyclicInternalData& RVShortestPathsAcyclicInternalData::operator=(
+    const RVShortestPathsAcyclicInternalData& other) {
+    if (this == &other) return *this;
+    RVDijkstraInternalData::operator=(other);
+    m_sortedNodes =
+        other.m_sortedNodes == nullptr ? nullptr : std::make_unique<RVNodeDList>(*other.m_sortedNodes);
+    return *this;
+}
+
+RV_OBJECT_COPY_IMPL(RVShortestPathsAcyclicInternalData)
+
+RVNodeDList* RVShortestPathsAcyclicInternalData::pTopologicalSortedNodeList(RVNodeDList* list) {
+    if (list != m_sortedNodes.get()) m_sortedNodes.reset(list);
+    return list;
+}
+
+// RVShortestPathsAcyclicAlgorithm
+
+RVShortestPathsAcyclicAlgorithm::RVShortestPathsAcyclicAlgorithm() { announce(); }
+
+RVShortestPathsAcyclicAlgorithm::RVShortestPathsAcyclicAlgorithm(const RVShortestPathsAcyclicAlgorithm& other,
+                                                                 RVDeepFlagEnum flag)
+    : RVDijkstraAlgorithm(other, flag) {
+    announce();
+}
+
+RVShortestPathsAcyclicAlgorithm::~RVShortestPathsAcyclicAlgorithm() = default;
+RVShortestPathsAcyclicAlgorithm& RVShortestPathsAcyclicAlgorithm::operator=(
+    const RVShortestPathsAcyclicAlgorithm&) = default;
+RV_OBJECT_COPY_IMPL(RVShortestPathsAcyclicAlgorithm)
+
+void RVShortestPathsAcyclicAlgorithm::announce() const {
+    if (debugMode() != 0) wprintf_s(L"Acyclic shortest paths algorithm running\n");
+}
+
+RVAlgorithmData* RVShortestPathsAcyclicAlgorithm::newInternalData() {
+    return new RVShortestPathsAcyclicInternalData();
+}
+
+RVServiceErrorCodeEnum RVShortestPathsAcyclicAlgorithm::checkData() {
+    RVServiceErrorCodeEnum code = checkInputGraph();
+    if (code != RV_NO_ERROR) return code;
+    const auto* input = RVShortestPathsAcyclicInputData::castDown(pInputData());
+    code = rv::checkEnds(*input);
+    for (RVNode* node : *input->pCandidateNodeList()) {
+        if (code != RV_NO_ERROR) return code;
+        code = rv::checkNode(node, *input, RV_ALGORITHM_FAILURE, RV_ALGORITHM_FAILURE);
+    }
+    return code;
+}
+
+void RVShortestPathsAcyclicAlgorithm::parseInputData() {
+    RVDijkstraAlgorithm::parseInputData();
+    const auto* input = RVShortestPathsAcyclicInputData::castDown(pInputData());
+    for (RVNode* node : *input->pCandidateNodeList()) {
+        pData()->pTopologicalSortedNodeList()->appendNode(pData()->pCopyNode(node));
+    }
+}
+
+RVNode* RVShortestPathsAcyclicAlgorithm::findStartNode() {
+    RVNodeDList* sorted = pData()->pTopologicalSortedNodeList();
+    RVNode* node = nullptr;
+    while (RVDListCell* first = sorted->pFirstCell()) {
+        node = RVNode::castDown(first->pObject());
+        sorted->discardCell(first);
+        pData()->pCandidateEdgeList()->copyAppendList(node->pOutEdgeList());
+        if (node->outDegree() > 0) break;
+    }
+    return node;
+}
+
+// Edges out of nodes that have no cost yet lead nowhere, but are traversed.
+void RVShortestPathsAcyclicAlgorithm::visitNodeAfterTraverse(RVNode* node, RVEdge* edge) {
+    if (edge != nullptr && pData()->currentCost(edge->pSourceNode()) == rv::kInfinite) {
+        RVTraversalAlgorithm::visitNodeAfterTraverse(node, edge);
+    } else {
+        RVDijkstraAlgorithm::visitNodeAfterTraverse(node, edge);
+    }
+}

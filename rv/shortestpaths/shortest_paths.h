@@ -1,0 +1,91 @@
+// Shortest paths: a cheapest path between two nodes, whatever the costs. The service for everyday use: it
+// takes the cheapest of three methods that fits the costs and the graph.
+//
+// Any graph. Costs of edges and nodes may be negative. Edges are followed forward, undirected ones both ways.
+// The cost of a path is the sum of the costs of its edges and of the nodes in between; start and finish node
+// do not count. A node leads to itself at cost 0 by no edge, unless a cycle through it is cheaper than 0
+// without the node's own cost but not with it: then that cycle is the path. Only nodes on some way from start
+// to finish count, so negative cycles elsewhere do no harm.
+//
+// Ties: of equally cheap paths, the one that the method finds (see the three headers): without negative costs
+// the Dijkstra traversal; in an acyclic graph the first in-edge, in in-edge order, on a cheapest path to each
+// node; otherwise that of all-pairs shortest paths.
+//
+// Sums saturate: a path whose cost reaches 2147483647 counts as none.
+//
+// Codes of run: RV_NO_ERROR, RV_NO_INPUT_GRAPH, RV_NO_GRAPH_FACTORY, then RV_NO_START_NODE,
+// RV_START_NODE_NOT_IN_GRAPH, RV_NO_FINISH_NODE, RV_FINISH_NODE_NOT_IN_GRAPH; RV_NEGATIVE_CYCLE when a
+// negative cycle lies on the way from start to finish (an undirected edge of negative cost is one), with
+// pathExists 0; RV_ALGORITHM_FAILURE when a part fails, and the framework's. A finish node that cannot be
+// reached is no failure: pathExists 0, totalCost 2147483647 and no edges. Always works on a copy of the
+// graph. O(m + n log n) time, with negative costs and without cycles O(n + m), with both O(n^3) and O(n^2)
+// space.
+//
+//   RVShortestPathsAlgorithm paths;
+//   RVShortestPathsInputData input(graph);
+//   RVShortestPathsOutputData output;
+//   input.pStartNode(from);
+//   input.pFinishNode(to);
+//   input.cost(edge, -5);
+//   paths.pInputData(&input);
+//   paths.pOutputData(&output);
+//   if (paths.run() == RV_NO_ERROR && output.pathExists()) use(*output.pEdgeList());
+#pragma once
+
+#include <memory>
+#include <vector>
+
+#include "rv/framework/internal_graph_algorithm.h"
+#include "rv/shortestpaths/shortest_paths_data.h"
+
+class RVAllPairsShortestPathsOutputData;
+class RVTopologicalSortOutputData;
+
+class RV_EXPORT RVShortestPathsAlgorithm : public RVInternalGraphAlgorithm {
+    RV_OBJECT(RVShortestPathsAlgorithm)
+
+public:
+    RVShortestPathsAlgorithm();
+
+    RVServiceErrorCodeEnum checkData() override;
+    // 0: the service changes its graph beyond undoing.
+    int canUseOriginalGraph() const override;
+
+protected:
+    void initialize() override;
+    RVServiceErrorCodeEnum algorithmBody() override;
+    void generateOutputData() override;
+    void cleanup() override;
+    // Both do nothing: the copy is not normalised.
+    void preprocessGraph() override;
+    void postprocessGraph() override;
+
+private:
+    // What a run keeps.
+    struct Run {
+        RVNode* start = nullptr;  // of the copy
+        RVNode* finish = nullptr;
+        bool startIsFinish = false;
+        std::vector<int> costs;  // of the copy's edges, by dense index
+        std::unique_ptr<RVAllPairsShortestPathsOutputData> allPairs;
+    };
+
+    int cost(const RVEdge* edge) const;
+    int cost(const RVEdge* edge, int value);
+    void appendOriginal(RVEdge* edge, RVEdgeDList& list) const;
+    const RVShortestPathsInputData* pQuestion() const;
+    RVShortestPathsOutputData* pAnswer() const;
+    void answerEmptyPath();
+
+    void processUndirectedEdges();
+    void filterGraph(int reverse);
+    void storeEdgeCosts();
+    void splitNodes();
+    bool hasNegativeCost() const;
+    void sortAndRun();
+    void runDijkstraAlgorithm();
+    void runAcyclicAlgorithm(const RVTopologicalSortOutputData& sorted);
+    void runAllPairsAlgorithm();
+
+    rv::Uncopied<std::unique_ptr<Run>> m_run;
+};
