@@ -50,10 +50,19 @@ using Strong = Runner<RVStronglyConnectedComponentsAlgorithm, RVStronglyConnecte
 using PathTest = Runner<RVPathExistsTestAlgorithm, RVPathExistsTestInputData, RVPathExistsTestOutputData>;
 using AcyclicTest = Runner<RVAcyclicTestAlgorithm, RVAcyclicTestInputData, RVAcyclicTestOutputData>;
 using TreeTest = Runner<RVTreeTestAlgorithm, RVTreeTestInputData, RVTreeTestOutputData>;
+using Dijkstra = Runner<RVDijkstraAlgorithm, RVShortestPathsInputData, RVDijkstraOutputData>;
+using AcyclicPaths =
+    Runner<RVShortestPathsAcyclicAlgorithm, RVShortestPathsAcyclicInputData, RVDijkstraOutputData>;
+using AllPairs = Runner<RVAllPairsShortestPathsAlgorithm, RVAllPairsShortestPathsInputData,
+                        RVAllPairsShortestPathsOutputData>;
+using ShortestPaths = Runner<RVShortestPathsAlgorithm, RVShortestPathsInputData, RVShortestPathsOutputData>;
+using UniquePath = Runner<RVUniquePathTestAlgorithm, RVUniquePathTestInputData, RVUniquePathTestOutputData>;
+using Reachable = Runner<RVReachableNodesAlgorithm, RVReachableNodesInputData, RVReachableNodesOutputData>;
 
 // A new algorithm goes here.
 using Algorithms = testing::Types<TopologicalSort, BreadthFirst, DepthFirst, Connected, Blocks, Strong,
-                                  PathTest, AcyclicTest, TreeTest>;
+                                  PathTest, AcyclicTest, TreeTest, Dijkstra, AcyclicPaths, AllPairs,
+                                  ShortestPaths, UniquePath, Reachable>;
 
 struct AlgorithmNames {
     template <class R>
@@ -68,10 +77,25 @@ public:
     void reset() override {}
 };
 
+// Makes the graphs of callers, but none that has a factory while an algorithm works.
+class FactorylessFactory : public RVAFactory {
+public:
+    RVGraph* newGraph() override { return new RVGraph(); }
+};
+
 // Tells a search which edges are drawn as undirected.
 template <class Input>
 void takeDrawnDirections(Input& input, const RVGraph* graph) {
     for (RVEdge* edge : *graph->pEdgeList()) input.undirected(edge, undirected(edge) ? 1 : 0);
+}
+
+// Gives nodes and edges the costs that their names say, 0 where they say none, if the input has costs.
+template <class Input>
+void takeCosts([[maybe_unused]] Input& input, [[maybe_unused]] const RVGraph* graph) {
+    if constexpr (requires(RVNode * node) { input.cost(node, 0); }) {
+        for (RVNode* node : *graph->pNodeList()) input.cost(node, number(node, 0, 0));
+        for (RVEdge* edge : *graph->pEdgeList()) input.cost(edge, number(edge, 0, 0));
+    }
 }
 
 // All that can be seen of a graph: its orders, and per object its address, index, name, user fields and the

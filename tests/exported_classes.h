@@ -28,18 +28,30 @@ using CopyableClasses = testing::Types<
     RVStronglyConnectedComponentsInternalData, RVStronglyConnectedComponentsOutputData,
     RVStronglyConnectedComponentsAlgorithm, RVPathExistsTestInputData, RVPathExistsTestInternalData,
     RVPathExistsTestOutputData, RVPathExistsTestAlgorithm, RVAcyclicTestInputData, RVAcyclicTestOutputData,
-    RVAcyclicTestAlgorithm, RVTreeTestInputData, RVTreeTestOutputData, RVTreeTestAlgorithm>;
+    RVAcyclicTestAlgorithm, RVTreeTestInputData, RVTreeTestOutputData, RVTreeTestAlgorithm,
+    RVEdgeExtensionShortestPathsInput, RVPathCostInputData, RVShortestPathsInputData,
+    RVShortestPathsOutputData, RVNodeExtensionShortestPaths, RVEdgeExtensionShortestPaths,
+    RVNodeExtensionDijkstra, RVShortestPathsBinTree, RVDijkstraInternalData, RVDijkstraOutputData,
+    RVDijkstraAlgorithm, RVShortestPathsAcyclicInputData, RVShortestPathsAcyclicInternalData,
+    RVShortestPathsAcyclicAlgorithm, RVAllPairsShortestPathsInputData, RVNodeExtensionAllPairsShortestPaths,
+    RVAllPairsShortestPathsOutputData, RVAllPairsShortestPathsAlgorithm, RVShortestPathsAlgorithm,
+    RVUniquePathTestInputData, RVUniquePathTestInternalData, RVUniquePathTestOutputData,
+    RVUniquePathTestAlgorithm, RVReachableNodesInputData, RVReachableNodesOutputData,
+    RVReachableNodesBinTree>;
 
 using AbstractClasses = testing::Types<RVAlgorithm, RVInternalAlgorithm, RVBaseGraphAlgorithm,
                                        RVInternalGraphAlgorithm, RVAlgorithmOutputData, RVAnalysisOutputData>;
 
-using UncopyableClasses = testing::Types<RVGraph, RVAFactory>;
+using UncopyableClasses = testing::Types<RVGraph, RVAFactory, RVReachableNodesAlgorithm>;
 
-using InputClasses = testing::Types<RVAlgorithmInputData, RVAnalysisInputData, RVTopologicalSortInputData,
-                                    RVTraversalInputData, RVBreadthFirstSearchInputData,
-                                    RVDepthFirstSearchInputData, RVConnectedComponentsInputData,
-                                    RVBiconnectedComponentsInputData, RVStronglyConnectedComponentsInputData,
-                                    RVPathExistsTestInputData, RVAcyclicTestInputData, RVTreeTestInputData>;
+using InputClasses =
+    testing::Types<RVAlgorithmInputData, RVAnalysisInputData, RVTopologicalSortInputData,
+                   RVTraversalInputData, RVBreadthFirstSearchInputData, RVDepthFirstSearchInputData,
+                   RVConnectedComponentsInputData, RVBiconnectedComponentsInputData,
+                   RVStronglyConnectedComponentsInputData, RVPathExistsTestInputData, RVAcyclicTestInputData,
+                   RVTreeTestInputData, RVPathCostInputData, RVShortestPathsInputData,
+                   RVShortestPathsAcyclicInputData, RVAllPairsShortestPathsInputData,
+                   RVUniquePathTestInputData, RVReachableNodesInputData>;
 
 struct ClassNames {
     template <class C>

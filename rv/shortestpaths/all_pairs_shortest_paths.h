@@ -86,8 +86,8 @@ public:
     // The edge that enters b on the path from a; none without a path and for such nodes.
     RVEdge* pLastEdge(RVNode* a, RVNode* b) const;
     // Empties the list, then fills it with the path from a to b; it stays empty when there is none, also
-    // when after a negative cycle the last edges do not lead back to a. Nodes that are missing or not in the
-    // output's graph leave the list as it is. O(length).
+    // when the last edges do not lead back to a, after a negative cycle or where sums have saturated. Nodes
+    // that are missing or not in the output's graph leave the list as it is. O(length).
     void buildShortestPathEdgeList(RVNode* a, RVNode* b, RVEdgeDList& list) const;
 
     void reset() override;

@@ -258,6 +258,8 @@ void RVShortestPathsAlgorithm::generateOutputData() {
     if (run.startIsFinish && length >= 0) {
         length = 0;
         path.deleteAllCells();
+    } else if (path.length() == 0) {
+        length = rv::kInfinite;  // none, or one that is infinite on the way
     }
     answer->totalCost(length);
     answer->pathExists(length != rv::kInfinite ? 1 : 0);

@@ -11,7 +11,7 @@
 // the Dijkstra traversal; in an acyclic graph the first in-edge, in in-edge order, on a cheapest path to each
 // node; otherwise that of all-pairs shortest paths.
 //
-// Sums saturate: a path whose cost reaches 2147483647 counts as none.
+// Sums saturate: a path whose cost reaches 2147483647, be it on the way, counts as none.
 //
 // Codes of run: RV_NO_ERROR, RV_NO_INPUT_GRAPH, RV_NO_GRAPH_FACTORY, then RV_NO_START_NODE,
 // RV_START_NODE_NOT_IN_GRAPH, RV_NO_FINISH_NODE, RV_FINISH_NODE_NOT_IN_GRAPH; RV_NEGATIVE_CYCLE when a

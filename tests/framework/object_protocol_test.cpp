@@ -20,6 +20,15 @@ struct Finished : C {
 template <class C>
 using Made = std::conditional_t<std::is_abstract_v<C>, Finished<C>, C>;
 
+// An object as it is at first; some are made for a graph only.
+template <class C>
+C make() {
+    if constexpr (std::is_default_constructible_v<C>)
+        return C();
+    else
+        return C(nullptr);
+}
+
 // Puts something into an object that its copies must have too, and says what is in it.
 double fill(RVObject* object, RVGraph* graph, bool changes) {
     RVNode* const node = graph->pFirstNode();
@@ -80,7 +89,7 @@ protected:
     }
 
     rvtest::TestGraph m_graph{"a"};
-    Made<C> m_object;
+    Made<C> m_object = make<Made<C>>();
     double m_filling;
 };
 
@@ -92,7 +101,7 @@ TYPED_TEST(CopyableClass, IsCopiedInEveryWay) {
     this->expectProtocol();
     TypeParam& source = this->m_object;
     TypeParam made[] = {TypeParam(source), TypeParam(source, RVShallow), TypeParam(source, RVDeep)};
-    TypeParam copies[3];
+    TypeParam copies[] = {make<TypeParam>(), make<TypeParam>(), make<TypeParam>()};
     copies[0].copyObject(&source);
     copies[1].copyAttributes(&source);
     copies[2] = source;

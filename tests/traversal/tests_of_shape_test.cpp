@@ -276,13 +276,8 @@ private:
     mutable int m_asked = 0;
 };
 
-class FactorylessFactory : public RVAFactory {
-public:
-    RVGraph* newGraph() override { return new RVGraph(); }
-};
-
 TEST(ShapeTests, FailWithTheirParts) {
-    FactorylessFactory factory;
+    rvtest::FactorylessFactory factory;
     for (const int debugMode : {0, 1}) {
         testing::internal::CaptureStdout();
         RVGraph graph(&factory);

@@ -1,0 +1,150 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <map>
+#include <string>
+
+#include "tests/algorithm_checks.h"
+#include "tests/test_graph.h"
+
+namespace {
+
+using rvtest::MarkedGraph;
+using rvtest::number;
+using rvtest::randomText;
+using rvtest::Reachable;
+using rvtest::TestGraph;
+using rvtest::text;
+using rvtest::Ways;
+
+int run(Reachable& test, RVGraph* graph, RVNode* start, int range, int reversed = 0, int undirected = 0) {
+    test.input.pStartNode(start);
+    test.input.range(range);
+    test.input.reversed(reversed);
+    test.input.undirected(undirected);
+    rvtest::takeDrawnDirections(test.input, graph);
+    rvtest::takeCosts(test.input, graph);
+    return test(graph);
+}
+
+TEST(ReachableNodes, ListsNodesByDistance) {
+    const struct {
+        const char* what;
+        const char* graph;
+        const char* start;
+        int range;
+        int reversed;
+        int undirected;
+        const char* nodes;
+    } cases[] = {
+        {"all, by number of edges", "a->b:9 a->c:1 c->d:1 b->e:1 f->a:1", "a", -1, 0, 0, "a b c e d"},
+        {"within a range", "a->b:4 a->c:1 c->d:1 d->b:1 b->e:1", "a", 3, 0, 0, "a c d b"},
+        {"no further", "a->b:4 a->c:1 c->d:1 d->b:1 b->e:1", "a", 2, 0, 0, "a c d"},
+        {"nowhere", "a->b:1 a->c:0", "a", 0, 0, 0, "a c"},
+        {"costs that nobody gave", "a->b b->c", "a", 0, 0, 0, "a b c"},
+        {"reversed", "a->b:1 c->b:1 d->c:1 b->e:1", "b", -1, 1, 0, "b a c d"},
+        {"undirected edges", "b--a:1 c->a:1 b->d:1", "a", -1, 0, 0, "a b d"},
+        {"undirected edges, reversed", "b--a:1 c->a:1 b->d:1", "b", -1, 1, 0, "b a c"},
+        {"undirected as a whole", "b->a:1 c->b:1 a->d:1", "a", -1, 0, 1, "a d b c"},
+        {"node costs in between", "s:9 a:5 b:9 s->a:0 a->b:0", "s", 4, 0, 0, "s a"},
+        {"node costs within the range", "s:9 a:5 b:9 s->a:0 a->b:0", "s", 5, 0, 0, "s a b"},
+        {"node costs play no part without a range", "s->a:7 a:5 a->b:7 s->c:1 c->b:1", "s", -1, 0, 0,
+         "s a c b"},
+        {"equal distances in the order of arrival", "s->b:2 s->a:2 s->c:1 c->d:1 c->b:0", "s", 9, 0, 0,
+         "s c b a d"},
+        {"out-edges before in-edges", "c->s:1 s->a:1", "s", 9, 0, 1, "s a c"},
+        {"loops and parallels", "s->s:1 s->a:2 s->a:1 a->b:1", "s", 2, 0, 0, "s a b"},
+        {"the largest distance", "s->a:2147483646 s->b:2147483647", "s", 2147483647, 0, 0, "s a"},
+        {"past the largest distance", "s->a:2147483646 a:3 a->b:5", "s", 2147483647, 0, 0, "s a"},
+    };
+    Reachable test;
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.what);
+        const TestGraph g(c.graph);
+        EXPECT_EQ(run(test, g, g.node(c.start), c.range, c.reversed, c.undirected), RV_NO_ERROR);
+        RVNodeDList nodes;
+        nodes.appendNode(nullptr);
+        test.output.buildReachableNodeList(nodes);
+        EXPECT_EQ(text(nodes), c.nodes);
+        EXPECT_EQ(text(*test.output.pNodeList()), c.nodes);
+    }
+}
+
+TEST(ReachableNodes, ChecksItsDataInOrder) {
+    const TestGraph other("x");
+    RVNode* const none = nullptr;
+    const struct {
+        const char* graph;
+        bool isForeign;
+        int range;
+        int code;
+    } cases[] = {
+        {"a->b", true, -5, 5},          {"a->b:-1", false, -2, 11},   {"a->b:-1", false, -1, 17},
+        {"a->b b:-1", false, 0, 17},    {"a->b b:-1", false, -1, 17}, {"a->b", false, -2147483647 - 1, 11},
+        {"a->b", false, 2147483647, 0},
+    };
+    for (const auto& c : cases) {
+        const TestGraph g(c.graph);
+        Reachable test;
+        EXPECT_EQ(run(test, g, none, -5), 8);
+        EXPECT_EQ(run(test, g, c.isForeign ? other.node("x") : g.node("a"), c.range), c.code) << c.graph;
+    }
+}
+
+// Distances by relaxing every edge as often as there are nodes.
+TEST(ReachableNodes, AgreesWithRelaxation) {
+    Reachable test;
+    std::size_t listed = 0;
+    for (unsigned seed = 0; seed < 400; ++seed) {
+        const std::string tokens = randomText(
+            seed,
+            {.nodes = 8, .edges = 14, .least = 0, .most = 4, .undirected = 20, .nodeNumbers = seed % 2 == 0});
+        const MarkedGraph g(tokens, seed);
+        const int undirected = seed % 5 == 0 ? 1 : 0;
+        const int reversed = seed % 3 == 0 ? 1 : 0;
+        const int range = static_cast<int>(seed % 8) - 1;
+        const Ways ways = undirected != 0 ? Ways::both : Ways::drawn;
+        for (RVNode* start : *g->pNodeList()) {
+            SCOPED_TRACE(std::to_string(seed) + ", " + text(start) + ": " + tokens);
+            std::map<RVNode*, int> distance{{start, 0}};
+            for (int round = 0; round < g->numberOfNodes(); ++round) {
+                for (RVNode* from : *g->pNodeList()) {
+                    for (RVEdge* edge : *g->pEdgeList()) {
+                        // Backwards an edge leads from its target, both ways where it is undirected.
+                        RVNode* to = nullptr;
+                        if (reversed == 0)
+                            to = follow(edge, from, ways);
+                        else if (edge->pTargetNode() == from)
+                            to = edge->pSourceNode();
+                        else if (follow(edge, edge->pTargetNode(), ways) != nullptr &&
+                                 edge->pSourceNode() == from)
+                            to = edge->pTargetNode();
+                        if (to == nullptr || distance.count(from) == 0) continue;
+                        int through = distance[from] + 1;
+                        if (range != -1) {
+                            through += number(edge, 0, 0) - 1 + (from == start ? 0 : number(from, 0, 0));
+                        }
+                        const auto known = distance.find(to);
+                        if (known == distance.end() || through < known->second) distance[to] = through;
+                    }
+                }
+            }
+            ASSERT_EQ(run(test, g, start, range, reversed, undirected), RV_NO_ERROR);
+            int last = 0;
+            for (RVNode* node : *test.output.pNodeList()) {
+                ASSERT_EQ(distance.count(node), 1U) << text(node);
+                EXPECT_LE(last, distance[node]) << text(node);
+                last = distance[node];
+            }
+            const auto inRange = std::count_if(distance.begin(), distance.end(), [&](const auto& entry) {
+                return range == -1 || entry.second <= range;
+            });
+            EXPECT_EQ(test.output.pNodeList()->length(), inRange);
+            listed += static_cast<std::size_t>(inRange);
+        }
+    }
+    EXPECT_GT(listed, 3000U);
+}
+
+}  // namespace

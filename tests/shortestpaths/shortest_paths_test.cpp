@@ -1,0 +1,446 @@
+// Dijkstra traversal, acyclic shortest paths, the shortest-path service and the unique path test.
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "tests/algorithm_checks.h"
+#include "tests/shortestpaths/path_checks.h"
+#include "tests/test_graph.h"
+
+namespace {
+
+using rvtest::AcyclicPaths;
+using rvtest::Dijkstra;
+using rvtest::MarkedGraph;
+using rvtest::PathOracle;
+using rvtest::randomText;
+using rvtest::ShortestPaths;
+using rvtest::TestGraph;
+using rvtest::text;
+using rvtest::UniquePath;
+using rvtest::Ways;
+
+constexpr int kInfinite = 2147483647;
+
+template <class Run>
+int run(Run& test, RVGraph* graph, RVNode* start, RVNode* finish, int undirected = 0) {
+    test.input.pStartNode(start);
+    test.input.pFinishNode(finish);
+    test.input.undirected(undirected);
+    rvtest::takeDrawnDirections(test.input, graph);
+    rvtest::takeCosts(test.input, graph);
+    return test(graph);
+}
+
+// The path with its cost, or the code.
+template <class Run>
+std::string answer(Run& test, const TestGraph& g, const char* start, const char* finish, int undirected = 0) {
+    const int code = run(test, g, g.node(start), g.node(finish), undirected);
+    if (code != 0) return "code " + std::to_string(code);
+    RVEdgeDList path;
+    path.appendEdge(nullptr);
+    test.output.buildEdgeList(path);
+    EXPECT_EQ(text(path), text(*test.output.pEdgeList()));
+    if constexpr (requires { test.output.uniquePathExists(); }) {
+        return (test.output.uniquePathExists() != 0 ? "unique: " : "not unique: ") + text(path);
+    } else {
+        if (test.output.pathExists() == 0) {
+            EXPECT_EQ(path.length(), 0);
+            EXPECT_EQ(test.output.totalCost(), kInfinite);
+            return "none";
+        }
+        return std::to_string(test.output.totalCost()) + ": " + text(path);
+    }
+}
+
+struct Case {
+    const char* what;
+    const char* graph;
+    const char* start;
+    const char* finish;
+    int undirected;
+    const char* answer;
+};
+
+template <class Run, std::size_t n>
+void expectAnswers(Run& test, const Case (&cases)[n]) {
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.what);
+        EXPECT_EQ(answer(test, TestGraph(c.graph), c.start, c.finish, c.undirected), c.answer);
+    }
+}
+
+TEST(Dijkstra, FindsACheapestPath) {
+    Dijkstra test;
+    expectAnswers(
+        test,
+        {
+            {"more edges for less", "a->b:2 b->c:3 a->c:6", "a", "c", 0, "5: a->b:2 b->c:3"},
+            {"node costs play no part", "a->b:2 b:9 b->c:3 a->c:6", "a", "c", 0, "5: a->b:2 b->c:3"},
+            {"cheapest parallel", "a->b:4 a->b:2 a->b:3", "a", "b", 0, "2: a->b:2"},
+            {"first parallel", "a->b:2 a->b:2,7", "a", "b", 0, "2: a->b:2"},
+            {"of the dearest parallels the first", "b->c a->b:2147483647 a->b:2147483647,7", "a", "b", 0,
+             "none"},
+            {"opposite edge", "a->b:4 b->a:1", "a", "b", 1, "1: b->a:1"},
+            {"first of opposite edges", "b->a:1 a->b:1", "a", "b", 1, "1: b->a:1"},
+            {"undirected edge backwards", "b--a:3 b->a:1", "a", "b", 0, "3: b--a:3"},
+            {"first of equal paths", "a->c:1 a->b:1 b->d:1 c->d:1", "a", "d", 0, "2: a->c:1 c->d:1"},
+            {"by distance first", "a->c:2 a->b:1 b->d:2 c->d:1", "a", "d", 0, "3: a->b:1 b->d:2"},
+            {"zero-cost cycle", "a->b:0 b->a:0 b->b:0 b->c:0", "a", "c", 0, "0: a->b:0 b->c:0"},
+            {"no step", "a->a:1 a->b:1", "a", "a", 0, "0: "},
+            {"no step from an isolated node", "a->b:1 e", "e", "e", 0, "0: "},
+            {"unreachable", "b->a:1 a->c:1", "a", "b", 0, "none"},
+            {"isolated finish", "a->b:1 e", "a", "e", 0, "none"},
+            {"a sum that is infinite", "a->b:2147483647 b->c:5", "a", "c", 0, "none"},
+            {"the largest sum", "a->b:2147483640 b->c:6", "a", "c", 0, "2147483646: a->b:2147483640 b->c:6"},
+            {"a sum past the largest", "a->b:2147483640 b->c:7 a->d:2147483646 d->c:2147483646", "a", "c", 0,
+             "none"},
+            {"a negative cost anywhere", "a->b:1 c->c:-1", "a", "b", 0, "code 999"},
+        });
+}
+
+TEST(Dijkstra, StoresDistancesWhenAsked) {
+    const TestGraph g("s->a:2 a->b:3 s->b:9 b--c:1 x->s:1 e s->s:1");
+    Dijkstra test;
+    const auto distances = [&] {
+        std::string all;
+        for (RVNode* node : *g->pNodeList())
+            all += text(node) + "=" + std::to_string(test.output.dist(node)) + " ";
+        return all;
+    };
+    EXPECT_EQ(run(test, g, g.node("s"), g.node("a")), 0);
+    EXPECT_EQ(distances(), "s=-100 a=-100 b=-100 c=-100 x=-100 e=-100 ");
+    test.algorithm.storeDistances(1);
+    for (const int original : {0, 1}) {
+        test.algorithm.useOriginalGraph(original);
+        EXPECT_EQ(run(test, g, g.node("s"), g.node("e")), 0);
+        EXPECT_EQ(distances(), "s=0 a=2 b=5 c=6 x=2147483647 e=2147483647 ");
+    }
+    EXPECT_EQ(run(test, g, g.node("e"), g.node("e")), 0);
+    EXPECT_EQ(test.output.dist(g.node("e")), 0);
+    test.output.reset();
+    EXPECT_EQ(distances(), "s=-100 a=-100 b=-100 c=-100 x=-100 e=-100 ");
+
+    // An output without distances is as good.
+    RVShortestPathsOutputData plain;
+    test.algorithm.pOutputData(&plain);
+    EXPECT_EQ(run(test, g, g.node("s"), g.node("c")), 0);
+    EXPECT_EQ(plain.totalCost(), 6);
+}
+
+TEST(AcyclicPaths, TakesTheOrderThatItIsGiven) {
+    const struct {
+        const char* what;
+        const char* graph;
+        const char* order;
+        const char* start;
+        const char* finish;
+        const char* answer;
+    } cases[] = {
+        {"negative cost", "s->a:4 a->f:-6 s->f:1", "s a f", "s", "f", "-2: s->a:4 a->f:-6"},
+        {"nodes before the start", "x->s:-9 x->f:-9 s->f:3", "x s f", "s", "f", "3: s->f:3"},
+        {"a node left out", "s->a:1 a->f:1 s->f:5", "s f", "s", "f", "5: s->f:5"},
+        {"a node left out on the only way", "s->a:1 a->f:1", "s f", "s", "f", "none"},
+        {"nothing", "s->f:1", "", "s", "f", "none"},
+        {"nothing and no way to go", "s->f:1", "", "s", "s", "0: "},
+        {"cheapest parallel", "s->f:-1 s->f:-3 s->f:-3,1", "s f", "s", "f", "-3: s->f:-3"},
+        {"first of equal paths", "a->f:1 s->a:1 s->f:2", "s a f", "s", "f", "2: s->f:2"},
+        {"isolated start and nodes", "s f e", "e s f", "s", "f", "none"},
+        {"no order", "s->a:1 a->f:1", "a s f", "s", "f", "none"},
+        {"a circle of parents", "s->a:5 a->b:-2 b->a:-2 b->f:0", "s a b a b", "s", "f", "none"},
+        {"a circle through the start", "s->a:1 a->s:-2 a->f:1", "s a s a", "s", "f", "1: s->a:1 a->f:1"},
+        {"the least sum", "s->a:-2147483648 a->f:-1 f->g:1", "s a f g", "s", "g",
+         "-2147483647: s->a:-2147483648 a->f:-1 f->g:1"},
+        {"infinite before negative", "s->a:2147483647 a->f:-5", "s a f", "s", "f", "none"},
+    };
+    AcyclicPaths test;
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.what);
+        const TestGraph g(c.graph);
+        *test.input.pCandidateNodeList() = g.nodes(c.order);
+        EXPECT_EQ(answer(test, g, c.start, c.finish), c.answer);
+    }
+    const TestGraph g("a->b");
+    const TestGraph other("x");
+    for (RVNode* foreign : {other.node("x"), static_cast<RVNode*>(nullptr)}) {
+        *test.input.pCandidateNodeList() = g.nodes("a b");
+        test.input.pCandidateNodeList()->appendNode(foreign);
+        EXPECT_EQ(answer(test, g, "a", "b"), "code 999");
+    }
+}
+
+TEST(ShortestPaths, FindsACheapestPathWhateverTheCosts) {
+    ShortestPaths test;
+    expectAnswers(
+        test,
+        {
+            {"node costs", "a:7 b:5 f:9 a->b:1 b->f:1", "a", "f", 0, "7: a->b:1 b->f:1"},
+            {"a dear node", "b:5 a->b:1 b->f:1 a->c:3 c->f:3", "a", "f", 0, "6: a->c:3 c->f:3"},
+            {"a negative node", "b:-5 a->b:1 b->f:1 a->f:-2", "a", "f", 0, "-3: a->b:1 b->f:1"},
+            {"acyclic", "a->b:4 b->f:-6 a->f:0", "a", "f", 0, "-2: a->b:4 b->f:-6"},
+            {"acyclic, first in-edge", "a->b:1 c->f:-1 b->f:-1 a->c:1", "a", "f", 0, "0: a->c:1 c->f:-1"},
+            {"cyclic", "a->b:4 b->a:1 b->f:-6 a->f:0", "a", "f", 0, "-2: a->b:4 b->f:-6"},
+            {"cyclic through a negative node", "b:-2 a->b:1 b->c:1 c->b:1 c->f:1", "a", "f", 0,
+             "1: a->b:1 b->c:1 c->f:1"},
+            {"undirected by name", "b--a:3 b--f:2", "a", "f", 0, "5: b--a:3 b--f:2"},
+            {"undirected as a whole", "b->a:3 f->b:2", "a", "f", 1, "5: b->a:3 f->b:2"},
+            {"undirected and negative", "a--f:-1", "a", "f", 0, "code 18"},
+            {"undirected and negative between dear nodes", "c:9 b:9 a->b:0 b--c:-1 c->f:0", "a", "f", 0,
+             "17: a->b:0 b--c:-1 c->f:0"},
+            {"negative cycle", "a->b:1 b->c:-3 c->b:2 c->f:0", "a", "f", 0, "code 18"},
+            {"negative loop", "a->b:1 b->b:-1 b->f:1", "a", "f", 0, "code 18"},
+            {"negative loop at a dear node", "b:3 a->b:1 b->b:-1 b->f:1", "a", "f", 0, "5: a->b:1 b->f:1"},
+            {"zero cycle", "a->b:1 b->c:-2 c->b:2 c->f:0", "a", "f", 0, "-1: a->b:1 b->c:-2 c->f:0"},
+            {"negative cycle behind the finish", "a->f:1 f->c:1 c->d:-3 d->c:1", "a", "f", 0, "1: a->f:1"},
+            {"negative cycle before the start", "c->d:-3 d->c:1 d->a:1 a->f:-1", "a", "f", 0, "-1: a->f:-1"},
+            {"unreachable", "f->a:1 a->b:1", "a", "f", 0, "none"},
+            {"no step", "a->b:-1 b->a:1 a->a:3", "a", "a", 0, "0: "},
+            {"no step through a cycle that the node makes dear", "a:5 a->b:-1 b->a:-1", "a", "a", 0,
+             "-2: a->b:-1 b->a:-1"},
+            {"no step from a dear node", "a:5 a->b:1 b->a:-1", "a", "a", 0, "0: "},
+            {"past the largest sum on the way", "c->d:-1073741824 b->c:1073741824 a->b:2147483646 c->b:1",
+             "a", "d", 0, "none"},
+            {"the largest sum", "b:1 a->b:2147483640 b->f:5", "a", "f", 0,
+             "2147483646: a->b:2147483640 b->f:5"},
+            {"past the largest sum", "b:2 a->b:2147483640 b->f:5", "a", "f", 0, "none"},
+            {"past the largest sum, acyclic", "a->b:2147483640 b->f:9 a->c:-1", "a", "f", 0, "none"},
+            {"the least sum", "a->b:-2147483648 b->f:-1", "a", "f", 0,
+             "-2147483648: a->b:-2147483648 b->f:-1"},
+            {"a cycle whose 32-bit sum wraps", "a->b:1 b->c:2 c->b:2147483646 c->f:-5", "a", "f", 0,
+             "code 18"},
+        });
+}
+
+TEST(UniquePath, TellsWhetherThereIsOnlyOne) {
+    UniquePath test;
+    expectAnswers(test, {
+                            {"chain", "a->b b->c", "a", "c", 0, "unique: a->b b->c"},
+                            {"parallels", "a->b b->c:1 b->c:2", "a", "c", 0, "not unique: a->b b->c:1"},
+                            {"diamond", "a->b b->d a->c c->d", "a", "d", 0, "not unique: a->b b->d"},
+                            {"a detour", "a->b b->c c->b:1 b->d c->c", "a", "d", 0, "unique: a->b b->d"},
+                            {"none", "b->a", "a", "b", 0, "not unique: "},
+                            {"no step", "a->b b->a", "a", "a", 0, "unique: "},
+                            {"opposite edges", "s->t t->s", "s", "t", 0, "unique: s->t"},
+                            {"opposite edges both ways", "s->t t->s", "s", "t", 1, "not unique: s->t"},
+                            {"undirected", "b--a b--c", "a", "c", 0, "unique: b--a b--c"},
+                            {"undirected beside directed", "b--a a->b:1", "a", "b", 0, "not unique: a->b:1"},
+                        });
+}
+
+TEST(Paths, AgreeWithAllSimplePaths) {
+    Dijkstra dijkstra;
+    AcyclicPaths acyclic;
+    ShortestPaths service;
+    UniquePath unique;
+    rvtest::TopologicalSort sort;
+    dijkstra.algorithm.storeDistances(1);
+    int paths = 0;
+    int cycles = 0;
+    for (unsigned seed = 0; seed < 500; ++seed) {
+        const bool isAcyclic = seed % 5 == 1;
+        const bool isNegative = isAcyclic || seed % 5 > 2;
+        const std::string tokens = randomText(seed, {.nodes = 6,
+                                                     .edges = 10,
+                                                     .least = isAcyclic    ? -6
+                                                              : isNegative ? -2
+                                                                           : 0,
+                                                     .most = 7,
+                                                     .undirected = isAcyclic ? 0 : 20,
+                                                     .acyclic = isAcyclic,
+                                                     .nodeNumbers = seed % 2 == 0});
+        const MarkedGraph g(tokens, seed);
+        const int undirected = seed % 5 == 2 ? 1 : 0;
+        const Ways ways = undirected != 0 ? Ways::both : Ways::drawn;
+        PathOracle withNodes(g, ways, true);
+        PathOracle withoutNodes(g, ways, false);
+        const rvtest::Distances steps(g, ways);
+        const bool canSort = sort(g) == RV_NO_ERROR && sort.output.acyclic() != 0 && undirected == 0 &&
+                             tokens.find("--") == std::string::npos;
+        for (RVNode* start : *g->pNodeList()) {
+            for (RVNode* finish : *g->pNodeList()) {
+                SCOPED_TRACE(std::to_string(seed) + ", " + text(start) + " to " + text(finish) + ": " +
+                             orders(g));
+                const auto check = [&](auto& test, PathOracle& oracle) {
+                    const auto best = oracle.cheapest(start, finish);
+                    ASSERT_EQ(test.output.pathExists(), best ? 1 : 0);
+                    ASSERT_EQ(test.output.totalCost(), best ? *best : kInfinite);
+                    if (best) oracle.expectPath(*test.output.pEdgeList(), start, finish, *best);
+                    paths += test.output.pEdgeList()->length() > 1 ? 1 : 0;
+                };
+                // The service.
+                bool hasCycle = false;
+                for (RVNode* node : *g->pNodeList()) {
+                    if (steps.reaches(start, node) && steps.reaches(node, finish) &&
+                        withNodes.hasNegativeCycle(node))
+                        hasCycle = true;
+                }
+                const int code = run(service, g, start, finish, undirected);
+                ASSERT_EQ(code, hasCycle ? 18 : 0);
+                if (hasCycle) {
+                    ++cycles;
+                    EXPECT_EQ(service.output.pathExists() + service.output.pEdgeList()->length(), 0);
+                } else {
+                    check(service, withNodes);
+                }
+                // Under edge costs alone.
+                const int dijkstraCode = run(dijkstra, g, start, finish, undirected);
+                if (dijkstraCode == 0) {
+                    check(dijkstra, withoutNodes);
+                    for (RVNode* node : *g->pNodeList()) {
+                        const auto best = withoutNodes.cheapest(start, node);
+                        EXPECT_EQ(dijkstra.output.dist(node), best ? *best : kInfinite) << text(node);
+                    }
+                } else {
+                    EXPECT_TRUE(isNegative);
+                    EXPECT_EQ(dijkstraCode, 999);
+                }
+                if (canSort) {
+                    *acyclic.input.pCandidateNodeList() = *sort.output.pNodeList();
+                    ASSERT_EQ(run(acyclic, g, start, finish), 0);
+                    check(acyclic, withoutNodes);
+                }
+                ASSERT_EQ(run(unique, g, start, finish, undirected), 0);
+                const int count = withoutNodes.count(start, finish);
+                EXPECT_EQ(unique.output.uniquePathExists(), count == 1 ? 1 : 0);
+                if (count > 0) {
+                    EXPECT_EQ(unique.output.pEdgeList()->length(), steps(start, finish));
+                }
+            }
+        }
+    }
+    EXPECT_GT(paths, 900);
+    EXPECT_GT(cycles, 300);
+}
+
+template <class Run>
+class PathCodes : public testing::Test {};
+using PathAlgorithms = testing::Types<Dijkstra, AcyclicPaths, ShortestPaths, UniquePath>;
+TYPED_TEST_SUITE(PathCodes, PathAlgorithms, rvtest::AlgorithmNames);
+
+TYPED_TEST(PathCodes, ComeInOrder) {
+    const TestGraph g("a->b");
+    const TestGraph other("x");
+    RVNode* const a = g.node("a");
+    RVNode* const x = other.node("x");
+    RVNode* const none = nullptr;
+    const struct {
+        RVGraph* graph;
+        RVNode* start;
+        RVNode* finish;
+        int code;
+    } cases[] = {{nullptr, none, none, 22}, {g, none, x, 8}, {g, x, none, 5},
+                 {g, a, none, 9},           {g, a, x, 6},    {g, a, a, 0}};
+    TypeParam test;
+    for (const auto& c : cases) {
+        test.input.pStartNode(c.start);
+        test.input.pFinishNode(c.finish);
+        EXPECT_EQ(test(c.graph), c.code);
+    }
+}
+
+// The working copy has no factory, without which no part runs.
+TEST(Paths, FailWithTheirParts) {
+    rvtest::FactorylessFactory factory;
+    RVGraph graph(&factory);
+    RVNode* const a = graph.addNode();
+    RVNode* const b = graph.addNode();
+    graph.addEdge(a, b);
+    for (const int debugMode : {0, 1}) {
+        testing::internal::CaptureStdout();
+        ShortestPaths service;
+        service.algorithm.debugMode(debugMode);
+        EXPECT_EQ(run(service, &graph, a, b), 999);
+        EXPECT_EQ(service.output.totalCost(), kInfinite);
+        UniquePath unique;
+        unique.algorithm.debugMode(debugMode);
+        EXPECT_EQ(run(unique, &graph, a, b), 999);
+        EXPECT_EQ(testing::internal::GetCapturedStdout(), debugMode == 0
+                                                              ? ""
+                                                              : "Error in Reachable Nodes. Return code = 21\n"
+                                                                "Error in path exists. return code is 21\n");
+    }
+}
+
+TEST(Paths, AnnounceCopiesThatAreDebugged) {
+    Dijkstra dijkstra;
+    AcyclicPaths acyclic;
+    testing::internal::CaptureStdout();
+    const RVDijkstraAlgorithm quiet(dijkstra.algorithm);
+    dijkstra.algorithm.debugMode(1);
+    acyclic.algorithm.debugMode(1);
+    const RVDijkstraAlgorithm copy(dijkstra.algorithm, RVDeep);
+    const RVShortestPathsAcyclicAlgorithm other(acyclic.algorithm);
+    EXPECT_EQ(testing::internal::GetCapturedStdout(),
+              "Dijkstra algorithm running\n"
+              "Dijkstra algorithm running\nAcyclic shortest paths algorithm running\n");
+}
+
+TEST(ShortestPathsBinTree, OrdersByCurrentCostAndArrival) {
+    const TestGraph g("a b c d e");
+    RVDijkstraInternalData data;
+    RVShortestPathsBinTree& tree = *data.pCandidateNodeList();
+    const auto add = [&](const char* name, int cost) {
+        data.currentCost(g.node(name), cost);
+        tree.addObject(g.node(name));
+    };
+    const auto order = [](const RVDList& list) {
+        RVNodeDList nodes;
+        nodes.copyAppendList(&list);
+        return text(nodes);
+    };
+    add("a", 4);
+    add("b", 0);
+    add("c", -5);
+    add("d", 4);
+    EXPECT_EQ(order(tree), "c b a d");
+    EXPECT_EQ(tree.virtualObjectCompare(g.node("a"), g.node("d")), 0);
+    EXPECT_LT(tree.virtualObjectCompare(g.node("c"), g.node("b")), 0);
+
+    // A copy of the data has a queue by its own costs.
+    const RVDijkstraInternalData copy(data);
+    copy.pCandidateNodeList()->addObject(g.node("b"));
+    EXPECT_EQ(copy.pCandidateNodeList()->pData(), &copy);
+    EXPECT_EQ(order(*copy.pCandidateNodeList()), "c b b a d");
+
+    // A subclass that compares in another way is asked.
+    class Backwards : public RVShortestPathsBinTree {
+    public:
+        using RVShortestPathsBinTree::RVShortestPathsBinTree;
+        int virtualObjectCompare(RVObject* a, RVObject* b) const override {
+            return RVShortestPathsBinTree::virtualObjectCompare(b, a);
+        }
+    };
+    Backwards backwards(&data);
+    backwards.copyTransferList(&tree);
+    EXPECT_EQ(order(backwards), "a d b c");
+}
+
+// Chains of nodes that wait for one another, in a number at which squares would show.
+TEST(Paths, TakeLargeGraphs) {
+    constexpr int kNodes = 200000;
+    RVAFactory factory;
+    const std::unique_ptr<RVGraph> graph(factory.newGraph());
+    std::vector<RVNode*> nodes;
+    for (int i = 0; i < kNodes; ++i) nodes.push_back(graph->addNode());
+    ShortestPaths service(graph.get());
+    Dijkstra dijkstra(graph.get());
+    for (int i = 1; i < kNodes; ++i) {
+        RVEdge* const edge =
+            graph->addEdge(nodes[static_cast<std::size_t>(i - 1)], nodes[static_cast<std::size_t>(i)]);
+        graph->addEdge(nodes[0], nodes[static_cast<std::size_t>(i)]);
+        service.input.cost(edge, -1);
+    }
+    for (auto* input : {&service.input, &dijkstra.input}) {
+        input->pStartNode(nodes.front());
+        input->pFinishNode(nodes.back());
+    }
+    EXPECT_EQ(service(), 0);
+    EXPECT_EQ(service.output.totalCost(), 1 - kNodes);
+    EXPECT_EQ(service.output.pEdgeList()->length(), kNodes - 1);
+    EXPECT_EQ(dijkstra(), 0);
+    EXPECT_EQ(dijkstra.output.pEdgeList()->length(), 1);
+}
+
+}  // namespace
