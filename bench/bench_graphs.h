@@ -152,4 +152,16 @@ inline EdgeArray randomDag(int n, int edgesPerNode = 5) {
     return graph;
 }
 
+struct NamedFamily {
+    const char* name;
+    EdgeArray (*make)(int n);
+};
+
+inline constexpr NamedFamily kFamilies[] = {
+    {"random", [](int n) { return randomGraph(n); }},     {"grid", [](int n) { return gridGraph(n); }},
+    {"powerlaw", [](int n) { return powerLawGraph(n); }}, {"star", [](int n) { return starGraph(n); }},
+    {"chain", [](int n) { return chainGraph(n); }},       {"cycles", [](int n) { return cyclesOfFour(n); }},
+    {"layered", [](int n) { return layeredDag(n); }},
+};
+
 }  // namespace bench

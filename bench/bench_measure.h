@@ -20,7 +20,7 @@ inline double processorSeconds() {
 // Calls work(prepare()) again and again, as often as fits in a short while, and reports its fastest time per
 // item in a counter of the unit's name.
 template <class Prepare, class Work>
-void measure(benchmark::State& state, const char* unit, int items, Prepare prepare, Work work) {
+void measure(benchmark::State& state, const char* unit, double items, Prepare prepare, Work work) {
     constexpr double kShort = 0.25;
     constexpr double kLong = 2.0;
     constexpr int kFewRounds = 3;
@@ -43,7 +43,7 @@ void measure(benchmark::State& state, const char* unit, int items, Prepare prepa
 }
 
 template <class Work>
-void measure(benchmark::State& state, const char* unit, int items, Work work) {
+void measure(benchmark::State& state, const char* unit, double items, Work work) {
     measure(
         state, unit, items, [] { return 0; }, [&](int) { work(); });
 }

@@ -83,6 +83,42 @@ struct BoostIndexedGraph : BoostGraph<boost::listS, boost::property<boost::verte
     using BoostGraph::BoostGraph;
 };
 
+// Graphs for algorithms: nodes with their numbers, edges with a weight.
+template <class Selector, class Direction>
+using WeightedBoost =
+    boost::adjacency_list<Selector, Selector, Direction, boost::property<boost::vertex_index_t, std::size_t>,
+                          boost::property<boost::edge_weight_t, int>>;
+
+// Without weights all are 0.
+template <class Graph>
+Graph buildBoost(const EdgeArray& array, const std::vector<int>& weights = {}) {
+    Graph graph;
+    std::vector<typename boost::graph_traits<Graph>::vertex_descriptor> nodes;
+    for (int i = 0; i < array.nodes; ++i) {
+        nodes.push_back(boost::add_vertex(
+            boost::property<boost::vertex_index_t, std::size_t>(static_cast<std::size_t>(i)), graph));
+    }
+    for (std::size_t i = 0; i < array.edges.size(); ++i) {
+        const auto [source, target] = array.edges[i];
+        boost::add_edge(nodes[static_cast<std::size_t>(source)], nodes[static_cast<std::size_t>(target)],
+                        boost::property<boost::edge_weight_t, int>(weights.empty() ? 0 : weights[i]), graph);
+    }
+    return graph;
+}
+
+// Results by node number.
+template <class Graph, class T>
+class ByNode {
+public:
+    ByNode(const Graph& graph, T initial)
+        : m_values(boost::num_vertices(graph), initial), m_index(boost::get(boost::vertex_index, graph)) {}
+    auto map() { return boost::make_iterator_property_map(m_values.begin(), m_index); }
+
+private:
+    std::vector<T> m_values;
+    typename boost::property_map<Graph, boost::vertex_index_t>::const_type m_index;
+};
+
 #endif
 
 }  // namespace bench

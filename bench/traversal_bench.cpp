@@ -43,6 +43,8 @@
 namespace {
 
 using bench::EdgeArray;
+using bench::kFamilies;
+using bench::NamedFamily;
 
 constexpr const char* kPerEdge = "ns_per_edge";
 
@@ -132,39 +134,11 @@ void phases(benchmark::State& state, const EdgeArray& array) {
 
 #ifdef RV_BENCH_BOOST
 
-using Index = boost::property<boost::vertex_index_t, std::size_t>;
-using Kind = boost::property<boost::edge_weight_t, int>;
+using bench::ByNode;
 template <class Selector>
-using Directed = boost::adjacency_list<Selector, Selector, boost::bidirectionalS, Index, Kind>;
+using Directed = bench::WeightedBoost<Selector, boost::bidirectionalS>;
 template <class Selector>
-using Undirected = boost::adjacency_list<Selector, Selector, boost::undirectedS, Index, Kind>;
-
-template <class Graph>
-Graph buildBoost(const EdgeArray& array) {
-    Graph graph;
-    std::vector<typename boost::graph_traits<Graph>::vertex_descriptor> nodes;
-    for (int i = 0; i < array.nodes; ++i) {
-        nodes.push_back(boost::add_vertex(Index(static_cast<std::size_t>(i)), graph));
-    }
-    for (const auto& [source, target] : array.edges) {
-        boost::add_edge(nodes[static_cast<std::size_t>(source)], nodes[static_cast<std::size_t>(target)],
-                        Kind(0), graph);
-    }
-    return graph;
-}
-
-// Results by node number.
-template <class Graph, class T>
-class ByNode {
-public:
-    ByNode(Graph& graph, T initial)
-        : m_values(boost::num_vertices(graph), initial), m_index(boost::get(boost::vertex_index, graph)) {}
-    auto map() { return boost::make_iterator_property_map(m_values.begin(), m_index); }
-
-private:
-    std::vector<T> m_values;
-    typename boost::property_map<Graph, boost::vertex_index_t>::type m_index;
-};
+using Undirected = bench::WeightedBoost<Selector, boost::undirectedS>;
 
 struct BoostBreadth {
     template <class Selector>
@@ -279,7 +253,7 @@ struct BoostStrong {
 
 template <class Work, class Selector>
 void runBoost(benchmark::State& state, const EdgeArray& array) {
-    const auto original = buildBoost<Directed<Selector>>(array);
+    const auto original = bench::buildBoost<Directed<Selector>>(array);
     bench::measure(state, kPerEdge, array.size(), [&] {
         typename Work::template Copy<Selector> copy;
         boost::copy_graph(original, copy);
@@ -297,21 +271,6 @@ void runLemon(benchmark::State& state, const EdgeArray& array, void (bench::Lemo
 #endif
 
 // Rows
-
-struct NamedFamily {
-    const char* name;
-    EdgeArray (*make)(int n);
-};
-
-constexpr NamedFamily kFamilies[] = {
-    {"random", [](int n) { return bench::randomGraph(n); }},
-    {"grid", [](int n) { return bench::gridGraph(n); }},
-    {"powerlaw", [](int n) { return bench::powerLawGraph(n); }},
-    {"star", [](int n) { return bench::starGraph(n); }},
-    {"chain", [](int n) { return bench::chainGraph(n); }},
-    {"cycles", [](int n) { return bench::cyclesOfFour(n); }},
-    {"layered", [](int n) { return bench::layeredDag(n); }},
-};
 
 template <class F, class Boost>
 void addRows(const char* algorithm, const NamedFamily& family, int n, [[maybe_unused]] bool withPeers) {

@@ -251,17 +251,25 @@ private:
         const std::int32_t* __restrict viaEdges = via.lastEdges;
         for (std::size_t j = 0; j < end; ++j) {
             const std::int32_t before = costs[j];
-            std::int32_t cost = rv::wrappingSum(base, viaCosts[j]);
+            const std::int32_t edgeBefore = lastEdges[j];
+            const std::int32_t viaCost = viaCosts[j];
+            const std::int32_t viaEdge = viaEdges[j];
+            std::int32_t cost = rv::wrappingSum(base, viaCost);
+            std::int32_t isCheaper = 0;
             if constexpr (kNegative) {
-                cost = cost > viaCosts[j] ? rv::kSmallest : cost;
-                cost = viaCosts[j] == rv::kInfinite ? rv::kInfinite : cost;
+                cost = choose(mask(cost > viaCost), rv::kSmallest, cost);
+                isCheaper = mask(cost < before) & mask(viaCost != rv::kInfinite);
             } else {
-                cost = cost < viaCosts[j] ? rv::kInfinite : cost;
+                isCheaper = mask(cost < before) & mask(cost >= viaCost);
             }
-            const bool isCheaper = cost < before;
-            costs[j] = isCheaper ? cost : before;
-            lastEdges[j] = isCheaper ? viaEdges[j] : lastEdges[j];
+            costs[j] = choose(isCheaper, cost, before);
+            lastEdges[j] = choose(isCheaper, viaEdge, edgeBefore);
         }
+    }
+    // All bits or none, and what is taken where they are set and where not.
+    static std::int32_t mask(bool condition) { return -static_cast<std::int32_t>(condition); }
+    static std::int32_t choose(std::int32_t bits, std::int32_t a, std::int32_t b) {
+        return (a & bits) | (b & ~bits);
     }
 
     const Input& m_input;

@@ -1,0 +1,366 @@
+// Shortest paths and reachable nodes beside the same work in Boost.Graph and LEMON.
+//
+//   shortestpaths_bench                                       everything at 10^4 and 10^5 nodes
+//   shortestpaths_bench --benchmark_filter='dijkstra/random'  one method on one family of graphs
+//   shortestpaths_bench --large --benchmark_filter=...        10^6 nodes too
+//
+// Rows are named algorithm/family/library/n and report the fastest processor time per edge (ns_per_edge).
+//   dijkstra     distances of all nodes from node 0 and the path to the last one; boost with copy_graph
+//   equal        the same with all costs 1
+//   reachable    all nodes within an unlimited range of costs, on the caller's graph; boost Dijkstra without
+//                a copy
+//   hops         all nodes without a range; boost breadth-first search without a copy
+//   service      a cheapest path from the first to the last node of a graph without cycles and with negative
+//                costs; boost dag_shortest_paths with copy_graph
+//   unique       the unique path test from node 0 to the last one
+//   all_pairs    all pairs of random graphs of some hundred nodes, in ns per node cubed (ns_per_n3)
+// Phases/.../n gives the share of each step of a Dijkstra run, in ns per edge.
+
+#include <benchmark/benchmark.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <cstring>
+#include <limits>
+#include <string>
+#include <vector>
+
+#include "bench_graphs.h"
+#include "bench_measure.h"
+#include "bench_peers.h"
+#include "rv/analysis.h"
+
+#ifdef RV_BENCH_BOOST
+#include <boost/graph/breadth_first_search.hpp>
+#include <boost/graph/copy.hpp>
+#include <boost/graph/dag_shortest_paths.hpp>
+#include <boost/graph/dijkstra_shortest_paths.hpp>
+#include <boost/graph/floyd_warshall_shortest.hpp>
+#include <boost/property_map/property_map.hpp>
+#endif
+#ifdef RV_BENCH_LEMON
+#include "lemon_paths.h"
+#endif
+
+namespace {
+
+using bench::EdgeArray;
+using bench::kFamilies;
+using bench::NamedFamily;
+
+constexpr const char* kPerEdge = "ns_per_edge";
+
+// A graph with costs.
+struct Subject {
+    EdgeArray array;
+    std::vector<int> costs;
+};
+
+Subject withCosts(EdgeArray array, int least, int most) {
+    bench::Random random(11);
+    std::vector<int> costs;
+    for (int i = 0; i < array.size(); ++i) costs.push_back(least + random.below(most - least + 1));
+    return {std::move(array), std::move(costs)};
+}
+
+// This library
+
+struct RvSubject : bench::RvGraph {
+    explicit RvSubject(const Subject& subject) : RvGraph(subject.array), costs(subject.costs) {}
+
+    template <class Input>
+    void describe(Input& input) const {
+        if constexpr (requires(RVEdge * edge) { input.cost(edge, 0); }) {
+            std::size_t i = 0;
+            for (RVEdge* edge : *graph->pEdgeList()) input.cost(edge, costs[i++]);
+        }
+        if constexpr (requires { input.pStartNode(nodes.front()); }) input.pStartNode(nodes.front());
+        if constexpr (requires { input.pFinishNode(nodes.back()); }) input.pFinishNode(nodes.back());
+    }
+    const std::vector<int>& costs;
+};
+
+// Runs of an algorithm on an input that has been filled before.
+template <class Algorithm, class Input, class Output, class Set>
+void runRv(benchmark::State& state, const Subject& subject, const char* unit, double items, Set set) {
+    const RvSubject rv(subject);
+    Input input(rv.graph.get());
+    rv.describe(input);
+    Algorithm algorithm;
+    algorithm.pInputData(&input);
+    set(algorithm, input);
+    bench::measure(state, unit, items, [&] {
+        Output output;
+        algorithm.pOutputData(&output);
+        if (algorithm.run() != RV_NO_ERROR) std::abort();
+    });
+}
+constexpr auto kNothing = [](auto&, auto&) {};
+
+// A run of Dijkstra's method that notes when its steps end.
+class PhasedDijkstra : public RVDijkstraAlgorithm {
+public:
+    static constexpr const char* kNames[] = {"check", "copy",   "parse",   "preprocess",
+                                             "body",  "output", "restore", "cleanup"};
+    double seconds[8] = {};
+    RVServiceErrorCodeEnum run() override {
+        m_last = bench::processorSeconds();
+        return RVDijkstraAlgorithm::run();
+    }
+    RVServiceErrorCodeEnum checkData() override {
+        const RVServiceErrorCodeEnum code = Base::checkData();
+        note(0);
+        return code;
+    }
+
+protected:
+    using Base = RVDijkstraAlgorithm;
+    void initialize() override { Base::initialize(), note(1); }
+    void parseInputData() override { Base::parseInputData(), note(2); }
+    void preprocess() override { Base::preprocess(), note(3); }
+    RVServiceErrorCodeEnum algorithmBody() override {
+        const RVServiceErrorCodeEnum code = Base::algorithmBody();
+        note(4);
+        return code;
+    }
+    void generateOutputData() override { Base::generateOutputData(), note(5); }
+    void postprocess() override { Base::postprocess(), note(6); }
+    void cleanup() override { Base::cleanup(), note(7); }
+
+private:
+    void note(int phase) {
+        const double now = bench::processorSeconds();
+        seconds[phase] += now - m_last;
+        m_last = now;
+    }
+    double m_last = 0;
+};
+
+void phases(benchmark::State& state, const Subject& subject) {
+    const RvSubject rv(subject);
+    constexpr int kRuns = 3;
+    PhasedDijkstra search;
+    RVShortestPathsInputData input(rv.graph.get());
+    RVDijkstraOutputData output;
+    rv.describe(input);
+    search.storeDistances(1);
+    search.pInputData(&input);
+    search.pOutputData(&output);
+    for (auto _ : state) {
+        const double start = bench::processorSeconds();
+        for (int i = 0; i < kRuns; ++i) search.run();
+        state.SetIterationTime((bench::processorSeconds() - start) / kRuns);
+    }
+    for (int i = 0; i < 8; ++i) {
+        state.counters[PhasedDijkstra::kNames[i]] = search.seconds[i] * 1e9 / kRuns / subject.array.size();
+    }
+}
+
+// Boost.Graph
+
+#ifdef RV_BENCH_BOOST
+
+template <class Selector>
+using Graph = bench::WeightedBoost<Selector, boost::bidirectionalS>;
+
+template <class Selector>
+struct Distances {
+    using Node = typename boost::graph_traits<Graph<Selector>>::vertex_descriptor;
+    explicit Distances(const Graph<Selector>& graph)
+        : distances(graph, std::numeric_limits<int>::max()), parents(graph, Node()) {}
+    bench::ByNode<Graph<Selector>, int> distances;
+    bench::ByNode<Graph<Selector>, Node> parents;
+};
+
+template <class Selector>
+void boostDijkstra(const Graph<Selector>& graph) {
+    Distances<Selector> results(graph);
+    boost::dijkstra_shortest_paths(
+        graph, *boost::vertices(graph).first,
+        boost::distance_map(results.distances.map()).predecessor_map(results.parents.map()));
+}
+
+template <class Selector>
+void boostDag(const Graph<Selector>& graph) {
+    Distances<Selector> results(graph);
+    bench::ByNode<Graph<Selector>, boost::default_color_type> colors(graph, boost::white_color);
+    boost::dag_shortest_paths(graph, *boost::vertices(graph).first,
+                              boost::distance_map(results.distances.map())
+                                  .predecessor_map(results.parents.map())
+                                  .color_map(colors.map()));
+}
+
+template <class Selector>
+void boostHops(const Graph<Selector>& graph) {
+    bench::ByNode<Graph<Selector>, boost::default_color_type> colors(graph, boost::white_color);
+    boost::breadth_first_search(graph, *boost::vertices(graph).first, boost::color_map(colors.map()));
+}
+
+template <class Selector>
+void runBoost(benchmark::State& state, const Subject& subject, bool withCopy,
+              void (*work)(const Graph<Selector>&)) {
+    const auto original = bench::buildBoost<Graph<Selector>>(subject.array, subject.costs);
+    bench::measure(state, kPerEdge, subject.array.size(), [&] {
+        if (!withCopy) {
+            work(original);
+            return;
+        }
+        Graph<Selector> copy;
+        boost::copy_graph(original, copy);
+        work(copy);
+    });
+}
+
+template <class Selector>
+void runBoostAllPairs(benchmark::State& state, const Subject& subject, double items) {
+    const auto graph = bench::buildBoost<Graph<Selector>>(subject.array, subject.costs);
+    const auto n = boost::num_vertices(graph);
+    const auto index = boost::get(boost::vertex_index, graph);
+    std::vector<std::vector<int>> rows(n, std::vector<int>(n));
+    using Row = decltype(boost::make_iterator_property_map(rows[0].begin(), index));
+    std::vector<Row> matrix;
+    for (auto& row : rows) matrix.push_back(boost::make_iterator_property_map(row.begin(), index));
+    auto distances = boost::make_iterator_property_map(matrix.begin(), index);
+    bench::measure(state, "ns_per_n3", items,
+                   [&] { boost::floyd_warshall_all_pairs_shortest_paths(graph, distances); });
+}
+
+template <class ListWork, class VectorWork>
+void addBoostRows(const std::string& name, int n, Subject (*make)(const NamedFamily&, int),
+                  const NamedFamily& family, bool withCopy, ListWork listWork, VectorWork vectorWork) {
+    bench::add(name + "boost_listS", n, [=, &family](benchmark::State& s) {
+        runBoost<boost::listS>(s, make(family, n), withCopy, listWork);
+    });
+    bench::add(name + "boost_vecS", n, [=, &family](benchmark::State& s) {
+        runBoost<boost::vecS>(s, make(family, n), withCopy, vectorWork);
+    });
+}
+
+#endif
+
+// Rows
+
+Subject various(const NamedFamily& family, int n) { return withCosts(family.make(n), 1, 1000); }
+Subject equal(const NamedFamily& family, int n) { return withCosts(family.make(n), 1, 1); }
+Subject withNegative(const NamedFamily& family, int n) { return withCosts(family.make(n), -100, 900); }
+
+void addDijkstraRows(const char* algorithm, const NamedFamily& family, int n,
+                     Subject (*make)(const NamedFamily&, int)) {
+    const std::string name = std::string(algorithm) + "/" + family.name + "/";
+    for (const int original : {0, 1}) {
+        bench::add(name + (original == 0 ? "rv" : "rv_original"), n, [=, &family](benchmark::State& s) {
+            const Subject subject = make(family, n);
+            runRv<RVDijkstraAlgorithm, RVShortestPathsInputData, RVDijkstraOutputData>(
+                s, subject, kPerEdge, subject.array.size(), [=](auto& search, auto&) {
+                    search.storeDistances(1);
+                    search.useOriginalGraph(original);
+                });
+        });
+    }
+#ifdef RV_BENCH_BOOST
+    addBoostRows(name, n, make, family, true, boostDijkstra<boost::listS>, boostDijkstra<boost::vecS>);
+#endif
+#ifdef RV_BENCH_LEMON
+    bench::add(name + "lemon", n, [=, &family](benchmark::State& s) {
+        const Subject subject = make(family, n);
+        bench::LemonPaths paths(subject.array, subject.costs);
+        bench::measure(s, kPerEdge, subject.array.size(), [&] { paths.dijkstra(); });
+    });
+#endif
+}
+
+void addReachableRows(const NamedFamily& family, int n) {
+    for (const bool hasCosts : {true, false}) {
+        const std::string name = std::string(hasCosts ? "reachable/" : "hops/") + family.name + "/";
+        bench::add(name + "rv", n, [=, &family](benchmark::State& s) {
+            const Subject subject = various(family, n);
+            runRv<RVReachableNodesAlgorithm, RVReachableNodesInputData, RVReachableNodesOutputData>(
+                s, subject, kPerEdge, subject.array.size(), [=](auto&, auto& input) {
+                    if (hasCosts) input.range(std::numeric_limits<int>::max());
+                });
+        });
+#ifdef RV_BENCH_BOOST
+        if (hasCosts) {
+            addBoostRows(name, n, various, family, false, boostDijkstra<boost::listS>,
+                         boostDijkstra<boost::vecS>);
+        } else {
+            addBoostRows(name, n, various, family, false, boostHops<boost::listS>, boostHops<boost::vecS>);
+        }
+#endif
+    }
+}
+
+constexpr NamedFamily kAcyclicFamilies[] = {
+    {"dag", [](int n) { return bench::randomDag(n); }},
+    {"layered", [](int n) { return bench::layeredDag(n); }},
+    {"grid", [](int n) { return bench::gridGraph(n); }},
+};
+
+void addServiceRows(const NamedFamily& family, int n) {
+    const std::string name = std::string("service/") + family.name + "/";
+    bench::add(name + "rv", n, [=, &family](benchmark::State& s) {
+        const Subject subject = withNegative(family, n);
+        runRv<RVShortestPathsAlgorithm, RVShortestPathsInputData, RVShortestPathsOutputData>(
+            s, subject, kPerEdge, subject.array.size(), kNothing);
+    });
+#ifdef RV_BENCH_BOOST
+    addBoostRows(name, n, withNegative, family, true, boostDag<boost::listS>, boostDag<boost::vecS>);
+#endif
+}
+
+void addUniqueRow(const NamedFamily& family, int n) {
+    bench::add(std::string("unique/") + family.name + "/rv", n, [=, &family](benchmark::State& s) {
+        const Subject subject = various(family, n);
+        runRv<RVUniquePathTestAlgorithm, RVUniquePathTestInputData, RVUniquePathTestOutputData>(
+            s, subject, kPerEdge, subject.array.size(), kNothing);
+    });
+}
+
+void addAllPairsRows(int n) {
+    const NamedFamily& random = kFamilies[0];
+    const double items = static_cast<double>(n) * n * n;
+    bench::add("all_pairs/random/rv", n, [=, &random](benchmark::State& s) {
+        runRv<RVAllPairsShortestPathsAlgorithm, RVAllPairsShortestPathsInputData,
+              RVAllPairsShortestPathsOutputData>(s, various(random, n), "ns_per_n3", items, kNothing);
+    });
+#ifdef RV_BENCH_BOOST
+    bench::add("all_pairs/random/boost_listS", n, [=, &random](benchmark::State& s) {
+        runBoostAllPairs<boost::listS>(s, various(random, n), items);
+    });
+    bench::add("all_pairs/random/boost_vecS", n, [=, &random](benchmark::State& s) {
+        runBoostAllPairs<boost::vecS>(s, various(random, n), items);
+    });
+#endif
+}
+
+void addSize(int n) {
+    for (const NamedFamily& family : kFamilies) {
+        addDijkstraRows("dijkstra", family, n, various);
+        addDijkstraRows("equal", family, n, equal);
+        addReachableRows(family, n);
+        addUniqueRow(family, n);
+    }
+    for (const NamedFamily& family : kAcyclicFamilies) addServiceRows(family, n);
+    bench::add("Phases/random/rv", n, [=](benchmark::State& s) { phases(s, various(kFamilies[0], n)); });
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    bool large = false;
+    for (int i = 1; i < argc; ++i) {
+        if (std::strcmp(argv[i], "--large") != 0) continue;
+        large = true;
+        std::rotate(argv + i, argv + i + 1, argv + argc);
+        --argc;
+    }
+    addSize(10'000);
+    addSize(100'000);
+    if (large) addSize(1'000'000);
+    for (const int n : {500, 1000}) addAllPairsRows(n);
+    if (large) addAllPairsRows(2000);
+    benchmark::Initialize(&argc, argv);
+    if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
+    benchmark::RunSpecifiedBenchmarks();
+    return 0;
+}
