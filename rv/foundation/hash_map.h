@@ -344,8 +344,8 @@ namespace rv {
 // What the owner of a map does with the values when it dies.
 enum class Values { Keep, Destroy };
 
-// A map that is a member of its owner. With Values::Destroy the values are boxed integers or other objects
-// that die with the map and are cloned when the owner is copied.
+// A map that is a member of its owner, as Exchangeable. With Values::Destroy the values are boxed integers or
+// other objects that die with the map and are cloned when the owner is copied.
 template <Values kValues>
 class OwnedMap {
 public:
@@ -353,18 +353,22 @@ public:
     OwnedMap(const OwnedMap& other) { *this = other; }
     OwnedMap& operator=(const OwnedMap& other) {
         if (this == &other) return *this;
-        m_map.empty(kValues == Values::Destroy, 0);
+        m_map->empty(kValues == Values::Destroy, 0);
         m_map = other.m_map;
-        if constexpr (kValues == Values::Destroy) m_map.cloneValues();
+        if constexpr (kValues == Values::Destroy) m_map->cloneValues();
         return *this;
     }
-    ~OwnedMap() { m_map.empty(kValues == Values::Destroy, 0); }
+    ~OwnedMap() { m_map->empty(kValues == Values::Destroy, 0); }
 
-    RVHashMap* get() const { return &m_map; }
-    RVHashMap* operator->() const { return &m_map; }
+    RVHashMap* get() const { return m_map.get(); }
+    RVHashMap* operator->() const { return m_map.get(); }
+    RVHashMap* take(RVHashMap* map) {
+        if (map != m_map.get()) m_map->empty(kValues == Values::Destroy, 0);
+        return m_map.take(map);
+    }
 
 private:
-    mutable RVHashMap m_map;
+    Exchangeable<RVHashMap> m_map;
 };
 
 }  // namespace rv

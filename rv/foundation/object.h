@@ -15,6 +15,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <type_traits>
 #include <utility>
 
@@ -98,6 +99,30 @@ public:
 
 private:
     mutable T m_object;
+};
+
+// The same for a member object that may be exchanged for another one.
+template <class T>
+class Exchangeable {
+public:
+    Exchangeable() : m_object(std::make_unique<T>()) {}
+    Exchangeable(const Exchangeable& other) : Exchangeable() { *this = other; }
+    Exchangeable& operator=(const Exchangeable& other) {
+        if (this != &other) *m_object = *other.m_object;
+        return *this;
+    }
+    ~Exchangeable() = default;
+    T* get() const { return m_object.get(); }
+    T* operator->() const { return m_object.get(); }
+    T& operator*() const { return *m_object; }
+    // Takes another object over and destroys the present one; none stands for a new one. Gives the object.
+    T* take(T* object) {
+        if (object != m_object.get()) m_object.reset(object != nullptr ? object : new T());
+        return m_object.get();
+    }
+
+private:
+    std::unique_ptr<T> m_object;
 };
 
 // A member that copying its owner leaves alone: it keeps the value that its own object gave it.

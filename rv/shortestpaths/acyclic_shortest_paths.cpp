@@ -5,35 +5,7 @@
 #include "rv/framework/check_input.h"
 
 RV_OBJECT_IMPL(RVShortestPathsAcyclicInputData)
-
-// RVShortestPathsAcyclicInternalData
-
-RVShortestPathsAcyclicInternalData::RVShortestPathsAcyclicInternalData()
-    : m_sortedNodes(std::make_unique<RVNodeDList>()) {}
-
-RVShortestPathsAcyclicInternalData::RVShortestPathsAcyclicInternalData(
-    const RVShortestPathsAcyclicInternalData& other, RVDeepFlagEnum)
-    : RVShortestPathsAcyclicInternalData() {
-    RVShortestPathsAcyclicInternalData::copyObject(&other);
-}
-
-RVShortestPathsAcyclicInternalData::~RVShortestPathsAcyclicInternalData() = default;
-
-RVShortestPathsAcyclicInternalData& RVShortestPathsAcyclicInternalData::operator=(
-    const RVShortestPathsAcyclicInternalData& other) {
-    if (this == &other) return *this;
-    RVDijkstraInternalData::operator=(other);
-    m_sortedNodes =
-        other.m_sortedNodes == nullptr ? nullptr : std::make_unique<RVNodeDList>(*other.m_sortedNodes);
-    return *this;
-}
-
-RV_OBJECT_COPY_IMPL(RVShortestPathsAcyclicInternalData)
-
-RVNodeDList* RVShortestPathsAcyclicInternalData::pTopologicalSortedNodeList(RVNodeDList* list) {
-    if (list != m_sortedNodes.get()) m_sortedNodes.reset(list);
-    return list;
-}
+RV_OBJECT_IMPL(RVShortestPathsAcyclicInternalData)
 
 // RVShortestPathsAcyclicAlgorithm
 

@@ -49,15 +49,15 @@ class RV_EXPORT RVShortestPathsAcyclicInternalData : public RVDijkstraInternalDa
     RV_DATA_OBJECT(RVShortestPathsAcyclicInternalData)
 
 public:
-    RVShortestPathsAcyclicInternalData();
+    RVShortestPathsAcyclicInternalData() = default;
 
     // The nodes of the working graph that are still to be settled, in order. The setter takes the list over
-    // and destroys the one before.
+    // and destroys the one before; none stands for an empty list.
     RVNodeDList* pTopologicalSortedNodeList() const { return m_sortedNodes.get(); }
-    RVNodeDList* pTopologicalSortedNodeList(RVNodeDList* list);
+    RVNodeDList* pTopologicalSortedNodeList(RVNodeDList* list) { return m_sortedNodes.take(list); }
 
 private:
-    std::unique_ptr<RVNodeDList> m_sortedNodes;
+    rv::Exchangeable<RVNodeDList> m_sortedNodes;
 };
 
 class RV_EXPORT RVShortestPathsAcyclicAlgorithm : public RVDijkstraAlgorithm {

@@ -6,9 +6,9 @@
 #include "rv/foundation/graph_iterators.h"
 #include "rv/framework/check_input.h"
 #include "rv/framework/sub_algorithm.h"
-#include "rv/rootcause/reachable_nodes.h"
 #include "rv/shortestpaths/all_pairs_shortest_paths.h"
 #include "rv/shortestpaths/dijkstra.h"
+#include "rv/shortestpaths/unreached.h"
 #include "rv/traversal/topological_sort.h"
 
 RVShortestPathsAlgorithm::RVShortestPathsAlgorithm() = default;
@@ -101,23 +101,14 @@ void RVShortestPathsAlgorithm::filterGraph(int reverse) {
     RVNode* to = data->pCopyNode(pQuestion()->pFinishNode());
     if (reverse != 0) std::swap(from, to);
 
-    RVReachableNodesAlgorithm reachable;
-    RVReachableNodesInputData input(graph);
     RVReachableNodesOutputData output;
-    input.pStartNode(from);
-    input.reversed(reverse);
-    rv::noteFailure(*data, rv::runPart(reachable, input, output), debugMode(),
+    rv::noteFailure(*data, rv::findReachable(graph, from, reverse, output), debugMode(),
                     L"Error in Reachable Nodes. Return code = %d\n");
-    if (output.pNodeList()->length() == graph->numberOfNodes()) return;
-
-    std::vector<bool> isKept(static_cast<std::size_t>(graph->nodeIndexLimit()));
-    for (const RVNode* node : *output.pNodeList()) isKept[placeOf(node)] = true;
-    const bool hasPath = isKept[placeOf(to)];
-    for (RVNodeIter it(graph); it;) {
-        RVNode* node = it.pNode();
-        it++;
-        if (!hasPath || !isKept[placeOf(node)]) graph->discardNode(node);
-    }
+    bool hasPath = true;
+    rv::forEachOtherNode(graph, *output.pNodeList(), [&](const RVNode* node) { hasPath &= node != to; });
+    const RVNodeDList none;
+    rv::forEachOtherNode(graph, hasPath ? *output.pNodeList() : none,
+                         [&](RVNode* node) { graph->discardNode(node); });
 }
 
 void RVShortestPathsAlgorithm::storeEdgeCosts() {

@@ -1,0 +1,156 @@
+// Single-source shortest paths: the cost of a cheapest path from one node to every node, and a tree of such
+// paths.
+//
+// Any graph. Edge costs may be negative; costs of nodes are kept but play no part. Edges are followed
+// forward, undirected ones both ways. The method is chosen by the graph: one pass in topological order when
+// nothing is undirected and what the start node reaches has no cycle; Dijkstra's method when no edge that it
+// reaches has a negative cost; else the method of Bellman and Ford, which tells negative cycles.
+//
+// Ties: of equally cheap ways into a node the first that the method finds keeps the tree edge. That is the
+// first in-edge in in-edge order; or the one from the node settled first, where nodes of equal distance are
+// settled in the order in which they came to it; or the one of the first pass over the frontier.
+//
+// Costs are added exactly. A path whose cost reaches 2147483647, be it on the way, counts as none; a distance
+// below -2147483648 is given as that.
+//
+// Codes of run: RV_NO_ERROR, RV_NO_INPUT_GRAPH, RV_NO_GRAPH_FACTORY, then RV_NO_START_NODE,
+// RV_START_NODE_NOT_IN_GRAPH; RV_NEGATIVE_CYCLE when the start node reaches a negative cycle (an undirected
+// edge of negative cost is one), with the costs found until then in the output; and the framework's.
+// Method: relaxation in topological order O(n + m); Dijkstra 1959 O(m + n log n); Bellman 1958, Ford 1956,
+// in passes over the nodes whose distance has fallen, O(n m) at worst. O(n + m) space.
+//
+//   RVSingleSourceShortestPathsAlgorithm paths;
+//   RVSingleSourceShortestPathsInputData input(graph);
+//   RVSingleSourceShortestPathsOutputData output;
+//   input.pStartNode(node);
+//   input.cost(edge, 5);
+//   paths.pInputData(&input);
+//   paths.pOutputData(&output);
+//   if (paths.run() == RV_NO_ERROR) use(output.distance(other), output.pTreeEdge(other));
+#pragma once
+
+#include <memory>
+
+#include "rv/foundation/hash_map.h"
+#include "rv/foundation/sorted_tree.h"
+#include "rv/framework/internal_graph_algorithm.h"
+
+class RVSingleSourceShortestPathsAlgorithm;
+
+// Named fields: "startNode" (of the graph), "cost" (of a node and of an edge), "edgeUndirected" (of an edge);
+// "undirected" (of the graph) is answered by intField but not announced.
+class RV_EXPORT RVSingleSourceShortestPathsInputData : public RVAnalysisInputData {
+    RV_DATA_OBJECT(RVSingleSourceShortestPathsInputData)
+
+public:
+    explicit RVSingleSourceShortestPathsInputData(RVGraph* graph) : RVAnalysisInputData(graph) {}
+
+    // 0 when all edges are followed in both directions; default 1.
+    int directed() const { return m_directed; }
+    int directed(int flag) { return m_directed = flag; }
+    // A node of the input's graph; default none.
+    RVNode* pStartNode() const { return m_pStartNode; }
+    RVNode* pStartNode(RVNode* node) { return m_pStartNode = node; }
+
+    // Default 0 for a node and 1 for an edge.
+    int cost(RVNode* node) const { return m_costs->getInt(node, 0); }
+    int cost(RVNode* node, int value) { return m_costs->putInt(node, value); }
+    int cost(RVEdge* edge) const { return m_costs->getInt(edge, 1); }
+    int cost(RVEdge* edge, int value) { return m_costs->putInt(edge, value); }
+    // Nonzero for an edge that is followed in both directions; default 0.
+    int undirected(RVEdge* edge) const { return m_undirectedEdges->contains(edge) ? 1 : 0; }
+    int undirected(RVEdge* edge, int flag);
+
+    // The costs, from node or edge to RVInt, and the undirected edges. The setters take map or set over and
+    // destroy the present one, costs included; none stands for an empty one.
+    RVHashMap* pCostMap() const { return m_costs.get(); }
+    RVHashMap* pCostMap(RVHashMap* map) { return m_costs.take(map); }
+    RVHashSet* pUndirectedEdgeSet() const { return m_undirectedEdges.get(); }
+    RVHashSet* pUndirectedEdgeSet(RVHashSet* edges) { return m_undirectedEdges.take(edges); }
+
+protected:
+    RVSingleSourceShortestPathsInputData() = default;
+
+    std::span<const RVInputField> inputFields() const override;
+
+private:
+    int undirectedFlag() const { return m_directed == 0 ? 1 : 0; }
+    int undirectedFlag(int flag) { return m_directed = flag == 0 ? 1 : 0; }
+
+    int m_directed = 1;
+    RVNode* m_pStartNode = nullptr;
+    rv::OwnedMap<rv::Values::Destroy> m_costs;
+    rv::Exchangeable<RVHashSet> m_undirectedEdges;
+};
+
+class RV_EXPORT RVSingleSourceShortestPathsOutputData : public RVAnalysisOutputData {
+    RV_DATA_OBJECT(RVSingleSourceShortestPathsOutputData)
+
+public:
+    RVSingleSourceShortestPathsOutputData() = default;
+
+    // The edge by which a cheapest path enters the node; none for the start node and nodes not reached.
+    RVEdge* pTreeEdge(RVNode* node) const { return static_cast<RVEdge*>(m_treeEdges->get(node)); }
+    RVEdge* pTreeEdge(RVNode* node, RVEdge* edge);
+    // 2147483647 for a node that the start node does not reach.
+    int distance(RVNode* node) const;
+    int distance(RVNode* node, int value) { return m_distances->putInt(node, value); }
+
+    void reset() override;
+
+private:
+    rv::OwnedMap<rv::Values::Keep> m_treeEdges;
+    rv::OwnedMap<rv::Values::Destroy> m_distances;
+};
+
+// The nodes that wait for being settled, nearest first.
+class RV_EXPORT RVSingleSourceShortestPathsBinTree : public RVSortedBinTree {
+    RV_OBJECT(RVSingleSourceShortestPathsBinTree)
+
+public:
+    explicit RVSingleSourceShortestPathsBinTree(RVSingleSourceShortestPathsAlgorithm* algorithm = nullptr)
+        : m_pAlgorithm(algorithm) {}
+
+    // Compares the distances of two nodes.
+    int virtualObjectCompare(RVObject* a, RVObject* b) const override;
+
+protected:
+    bool integerKey(RVObject* object, int& key) const override;
+
+private:
+    int distance(RVObject* node) const;
+
+    RVSingleSourceShortestPathsAlgorithm* m_pAlgorithm;
+};
+
+class RV_EXPORT RVSingleSourceShortestPathsAlgorithm : public RVInternalGraphAlgorithm {
+    RV_OBJECT(RVSingleSourceShortestPathsAlgorithm)
+
+public:
+    RVSingleSourceShortestPathsAlgorithm();
+    RVServiceErrorCodeEnum checkData() override;
+
+protected:
+    void initialize() override;
+    RVServiceErrorCodeEnum algorithmBody() override;
+    void generateOutputData() override;
+    void cleanup() override;
+    void parseInputData() override;
+    // The copy is not normalised: what the start node does not reach is detached, and attached again.
+    void privatePreprocessGraph() override;
+    void privatePostprocessGraph() override;
+
+private:
+    friend class RVSingleSourceShortestPathsBinTree;
+
+    // What a run keeps. Values by dense index of the working graph's objects.
+    struct Run;
+
+    RVServiceErrorCodeEnum makeShortestPathTreeAcyclic();
+    RVServiceErrorCodeEnum makeShortestPathTreeDijkstra();
+    RVServiceErrorCodeEnum makeShortestPathTreeBellmanFord();
+    bool hasUndirectedEdges() const;
+    bool hasNegativeEdgeCosts() const;
+
+    rv::Uncopied<std::unique_ptr<Run>> m_run;
+};
