@@ -11,6 +11,7 @@
 #include "package_graph.h"
 #include "package_source.h"
 #include "rv/analysis.h"
+#include "text_io.h"
 
 namespace {
 
@@ -81,31 +82,6 @@ std::string readOptions(int argc, char** argv, Options& options) {
     return {};
 }
 
-// All of a file, or of standard input for "-"; none when it cannot be read, with the reason in errno.
-std::optional<std::string> readText(const std::string& file) {
-    std::FILE* stream = file == "-" ? stdin : std::fopen(file.c_str(), "rb");
-    if (stream == nullptr) return std::nullopt;
-    std::string text;
-    std::size_t length = 0;
-    std::size_t count = 0;
-    do {
-        if (text.size() - length < (std::size_t{1} << 16))
-            text.resize(2 * text.size() + (std::size_t{1} << 18));
-        count = std::fread(text.data() + length, 1, text.size() - length, stream);
-        length += count;
-    } while (count != 0);
-    const int error = std::ferror(stream) != 0 ? errno : 0;
-    if (stream != stdin) std::fclose(stream);
-    errno = error;
-    if (error != 0) return std::nullopt;
-    text.resize(length);
-    return text;
-}
-
-bool writeOut(const std::string& text) {
-    return std::fwrite(text.data(), 1, text.size(), stdout) == text.size() && std::fflush(stdout) == 0;
-}
-
 int failToWrite() { return fail(kFailure, std::string("cannot write: ") + std::strerror(errno)); }
 
 // The strongly connected components of more than one package, with the dependencies inside each.
@@ -133,7 +109,7 @@ int printCycles(const PackageGraph& packages) {
             text.append(packages.name(edge->pSourceNode())).append(1, '\n');
         }
     }
-    if (!writeOut(text)) return failToWrite();
+    if (!writeText(text)) return failToWrite();
     return fail(kCycles, "no installation order: the dependencies have cycles, in sets of packages: " +
                              std::to_string(count));
 }
@@ -150,7 +126,7 @@ int printOrder(const PackageGraph& packages) {
 
     std::string text;
     for (const RVNode* node : *output.pNodeList()) text.append(packages.name(node)).append(1, '\n');
-    return writeOut(text) ? kSuccess : failToWrite();
+    return writeText(text) ? kSuccess : failToWrite();
 }
 
 }  // namespace
