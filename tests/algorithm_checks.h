@@ -57,12 +57,15 @@ using AllPairs = Runner<RVAllPairsShortestPathsAlgorithm, RVAllPairsShortestPath
                         RVAllPairsShortestPathsOutputData>;
 using ShortestPaths = Runner<RVShortestPathsAlgorithm, RVShortestPathsInputData, RVShortestPathsOutputData>;
 using UniquePath = Runner<RVUniquePathTestAlgorithm, RVUniquePathTestInputData, RVUniquePathTestOutputData>;
+using SingleSource = Runner<RVSingleSourceShortestPathsAlgorithm, RVSingleSourceShortestPathsInputData,
+                            RVSingleSourceShortestPathsOutputData>;
+using SortedPaths = Runner<RVSortedPathsAlgorithm, RVSortedPathsInputData, RVSortedPathsOutputData>;
 using Reachable = Runner<RVReachableNodesAlgorithm, RVReachableNodesInputData, RVReachableNodesOutputData>;
 
 // A new algorithm goes here.
 using Algorithms = testing::Types<TopologicalSort, BreadthFirst, DepthFirst, Connected, Blocks, Strong,
                                   PathTest, AcyclicTest, TreeTest, Dijkstra, AcyclicPaths, AllPairs,
-                                  ShortestPaths, UniquePath, Reachable>;
+                                  ShortestPaths, UniquePath, SingleSource, SortedPaths, Reachable>;
 
 struct AlgorithmNames {
     template <class R>

@@ -36,22 +36,23 @@ using CopyableClasses = testing::Types<
     RVShortestPathsAcyclicAlgorithm, RVAllPairsShortestPathsInputData, RVNodeExtensionAllPairsShortestPaths,
     RVAllPairsShortestPathsOutputData, RVAllPairsShortestPathsAlgorithm, RVShortestPathsAlgorithm,
     RVUniquePathTestInputData, RVUniquePathTestInternalData, RVUniquePathTestOutputData,
-    RVUniquePathTestAlgorithm, RVReachableNodesInputData, RVReachableNodesOutputData,
-    RVReachableNodesBinTree>;
+    RVUniquePathTestAlgorithm, RVSingleSourceShortestPathsInputData, RVSingleSourceShortestPathsOutputData,
+    RVSingleSourceShortestPathsBinTree, RVSingleSourceShortestPathsAlgorithm, RVSortedPathsInputData,
+    RVSortedPathsOutputData, RVSortedPathsAlgorithm, RVSortedPathsEnumerator, RVReachableNodesInputData,
+    RVReachableNodesOutputData, RVReachableNodesBinTree>;
 
 using AbstractClasses = testing::Types<RVAlgorithm, RVInternalAlgorithm, RVBaseGraphAlgorithm,
                                        RVInternalGraphAlgorithm, RVAlgorithmOutputData, RVAnalysisOutputData>;
 
 using UncopyableClasses = testing::Types<RVGraph, RVAFactory, RVReachableNodesAlgorithm>;
 
-using InputClasses =
-    testing::Types<RVAlgorithmInputData, RVAnalysisInputData, RVTopologicalSortInputData,
-                   RVTraversalInputData, RVBreadthFirstSearchInputData, RVDepthFirstSearchInputData,
-                   RVConnectedComponentsInputData, RVBiconnectedComponentsInputData,
-                   RVStronglyConnectedComponentsInputData, RVPathExistsTestInputData, RVAcyclicTestInputData,
-                   RVTreeTestInputData, RVPathCostInputData, RVShortestPathsInputData,
-                   RVShortestPathsAcyclicInputData, RVAllPairsShortestPathsInputData,
-                   RVUniquePathTestInputData, RVReachableNodesInputData>;
+using InputClasses = testing::Types<
+    RVAlgorithmInputData, RVAnalysisInputData, RVTopologicalSortInputData, RVTraversalInputData,
+    RVBreadthFirstSearchInputData, RVDepthFirstSearchInputData, RVConnectedComponentsInputData,
+    RVBiconnectedComponentsInputData, RVStronglyConnectedComponentsInputData, RVPathExistsTestInputData,
+    RVAcyclicTestInputData, RVTreeTestInputData, RVPathCostInputData, RVShortestPathsInputData,
+    RVShortestPathsAcyclicInputData, RVAllPairsShortestPathsInputData, RVUniquePathTestInputData,
+    RVSingleSourceShortestPathsInputData, RVSortedPathsInputData, RVReachableNodesInputData>;
 
 struct ClassNames {
     template <class C>

@@ -1,0 +1,532 @@
+// Single-source shortest paths, sorted paths and their enumerator.
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <map>
+#include <memory>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "tests/algorithm_checks.h"
+#include "tests/shortestpaths/path_checks.h"
+#include "tests/test_graph.h"
+
+namespace {
+
+using rvtest::MarkedGraph;
+using rvtest::number;
+using rvtest::PathOracle;
+using rvtest::randomText;
+using rvtest::SingleSource;
+using rvtest::SortedPaths;
+using rvtest::TestGraph;
+using rvtest::text;
+using rvtest::Ways;
+
+constexpr int kInfinite = 2147483647;
+
+int run(SingleSource& test, RVGraph* graph, RVNode* start, int directed = 1) {
+    test.input.pStartNode(start);
+    test.input.directed(directed);
+    rvtest::takeDrawnDirections(test.input, graph);
+    rvtest::takeCosts(test.input, graph);
+    return test(graph);
+}
+
+int run(SortedPaths& test, RVGraph* graph, RVNode* start, RVNode* finish) {
+    test.input.pStartNode(start);
+    test.input.pFinishNode(finish);
+    rvtest::takeCosts(test.input, graph);
+    return test(graph);
+}
+
+// Single source
+
+TEST(SingleSource, FindsDistancesAndTree) {
+    const struct {
+        const char* what;
+        const char* graph;
+        int directed;
+        const char* answer;
+    } cases[] = {
+        {"acyclic", "s->a:4 a->b:-6 s->b:0 e x->s:1", 1, "s 0; a 4 s->a:4; b -2 a->b:-6; e -; x -; "},
+        {"acyclic, first in-edge", "s->b:1 s->a:1 a->c:1 b->c:1", 1,
+         "s 0; b 1 s->b:1; a 1 s->a:1; c 2 a->c:1; "},
+        {"cyclic", "s->a:1 a->b:1 b->a:0 b->s:0 s->b:3", 1, "s 0; a 1 s->a:1; b 2 a->b:1; "},
+        {"cyclic, settled first", "s->b:1 s->a:1 a->c:1 b->c:1 c->s:1", 1,
+         "s 0; b 1 s->b:1; a 1 s->a:1; c 2 b->c:1; "},
+        {"negative without a cycle", "s->a:4 a->b:-6 b->s:2 s->b:0", 1, "s 0; a 4 s->a:4; b -2 a->b:-6; "},
+        {"undirected", "a->s:1 b->a:1 s->b:5", 0, "a 1 a->s:1; s 0; b 2 b->a:1; "},
+        {"undirected edges", "b--s:1 c->b:1 b->d:1", 1, "b 1 b--s:1; s 0; c -; d 2 b->d:1; "},
+        {"undirected and negative", "s--a:-1", 1, "code 18"},
+        {"negative loop", "s->s:-1", 1, "code 18"},
+        {"zero loop and cycle", "s->s:0 s->a:-1 a->s:1", 1, "s 0; a -1 s->a:-1; "},
+        {"negative cycle that is not reached", "s->a:1 x->y:-5 y->x:1 x->s:1", 1,
+         "s 0; a 1 s->a:1; x -; y -; "},
+        {"negative cycle at the end of the range", "s->a:-2147483648 a->b:-2147483648 b->a:2147483646", 1,
+         "code 18"},
+        {"the least distance", "s->a:-2147483648 a->b:-2147483648 b->c:1 c->c:1", 1,
+         "s 0; a -2147483648 s->a:-2147483648; b -2147483648 a->b:-2147483648; c -2147483648 b->c:1; "},
+        {"the greatest distance", "s->a:2147483640 a->b:6 a->c:7 c->d:-9", 1,
+         "s 0; a 2147483640 s->a:2147483640; b 2147483646 a->b:6; c -; d -; "},
+        {"the greatest distance with a cycle", "s->a:2147483640 a->c:7 c->s:0", 1,
+         "s 0; a 2147483640 s->a:2147483640; c -; "},
+    };
+    SingleSource test;
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.what);
+        const TestGraph g(c.graph);
+        const int code = run(test, g, g.node("s"), c.directed);
+        std::string answer = code == 0 ? "" : "code " + std::to_string(code);
+        for (RVNode* node : *g->pNodeList()) {
+            if (code != 0) break;
+            const int distance = test.output.distance(node);
+            const RVEdge* edge = test.output.pTreeEdge(node);
+            answer += text(node) + " " + (distance == kInfinite ? "-" : std::to_string(distance)) +
+                      (edge == nullptr ? "" : " " + text(edge)) + "; ";
+        }
+        EXPECT_EQ(answer, c.answer);
+    }
+    const TestGraph g("s->a");
+    SingleSource costless(g);
+    costless.input.pStartNode(g.node("s"));
+    EXPECT_EQ(costless(), 0);
+    EXPECT_EQ(costless.output.distance(g.node("a")), 1);
+    costless.input.pStartNode(nullptr);
+    EXPECT_EQ(costless(), 8);
+}
+
+TEST(SingleSource, TakesMapsAndSetsOver) {
+    const TestGraph g("s->a b->a");
+    SingleSource test(g);
+    auto* costs = new RVHashMap();
+    costs->put(g.edge("s->a"), new RVInt(7));
+    test.input.pCostMap(costs);
+    auto* undirected = new RVHashSet();
+    undirected->add(g.edge("b->a"));
+    test.input.pUndirectedEdgeSet(undirected);
+    test.input.cost(g.edge("s->a"), 8);
+    test.input.pStartNode(g.node("s"));
+    EXPECT_EQ(test(), 0);
+    EXPECT_EQ(test.output.distance(g.node("b")), 9);
+    test.input.pCostMap(nullptr);
+    EXPECT_EQ(test.input.cost(g.edge("s->a")), 1);
+    EXPECT_EQ(test.input.undirected(g.edge("b->a"), 0), 0);
+    EXPECT_EQ(test(), 0);
+    EXPECT_EQ(test.output.distance(g.node("b")), kInfinite);
+    EXPECT_EQ(test.input.intField("undirected"), 0);
+    EXPECT_FALSE(test.input.hasField("undirected"));
+}
+
+TEST(SingleSource, AgreesWithAllSimplePaths) {
+    SingleSource test;
+    int cycles = 0;
+    int reached = 0;
+    for (unsigned seed = 0; seed < 400; ++seed) {
+        const std::string tokens = randomText(seed, {.nodes = 7,
+                                                     .edges = 12,
+                                                     .least = seed % 3 == 0 ? 0 : -2,
+                                                     .most = 7,
+                                                     .undirected = seed % 3 == 2 ? 0 : 8,
+                                                     .acyclic = seed % 6 == 5});
+        const MarkedGraph g(tokens, seed);
+        const int directed = seed % 7 == 0 ? 0 : 1;
+        const Ways ways = directed == 0 ? Ways::both : Ways::drawn;
+        PathOracle oracle(g, ways, false);
+        const rvtest::Distances steps(g, ways);
+        for (RVNode* start : *g->pNodeList()) {
+            SCOPED_TRACE(std::to_string(seed) + ", " + text(start) + ": " + tokens);
+            bool hasCycle = false;
+            for (RVNode* node : *g->pNodeList()) {
+                if (steps.reaches(start, node) && oracle.hasNegativeCycle(node)) hasCycle = true;
+            }
+            ASSERT_EQ(run(test, g, start, directed), hasCycle ? 18 : 0);
+            cycles += hasCycle ? 1 : 0;
+            for (RVNode* node : *g->pNodeList()) {
+                if (hasCycle) break;
+                const auto best = oracle.cheapest(start, node);
+                ASSERT_EQ(test.output.distance(node), best ? *best : kInfinite) << text(node);
+                RVEdge* edge = test.output.pTreeEdge(node);
+                ASSERT_EQ(edge == nullptr, node == start || !best) << text(node);
+                if (edge == nullptr) continue;
+                RVNode* const before = follow(edge, node, Ways::both);
+                EXPECT_EQ(test.output.distance(before) + number(edge, 0, 0), *best) << text(node);
+                ++reached;
+            }
+        }
+    }
+    EXPECT_GT(reached, 1000);
+    EXPECT_GT(cycles, 200);
+}
+
+// Sorted paths
+
+// The first paths, with their costs.
+std::string firstPaths(const RVSortedPathsOutputData& output, int most, bool simple = false) {
+    std::string all;
+    RVSortedPathsEnumerator path(&output);
+    path.simplePathsOnly(simple ? 1 : 0);
+    RVEdgeDList edges;
+    while (most-- > 0 && path.next()) {
+        path.buildEdgeList(edges);
+        all += std::to_string(path.totalCost()) + ": " + text(edges) + "; ";
+    }
+    return all;
+}
+
+TEST(SortedPaths, GivePathsInTheOrderOfTheirCost) {
+    const struct {
+        const char* what;
+        const char* graph;
+        int code;
+        const char* paths;
+        int number;
+        int acyclic;
+    } cases[] = {
+        {"one edge", "s->f:3 f:2", 0, "5: s->f:3; ", 1, 1},
+        {"two parallel edges", "s->f:2 s->f:5", 0, "2: s->f:2; 5: s->f:5; ", 2, 1},
+        {"nodes are paid when entered", "s:9 s->a:1 a:5 a->f:1 s->f:4 f:2", 0,
+         "6: s->f:4; 9: s->a:1 a->f:1; ", 2, 1},
+        {"a diamond with a shortcut", "s->a:1 a->f:1 s->b:2 b->f:2 a->b:0", 0,
+         "2: s->a:1 a->f:1; 3: s->a:1 a->b:0 b->f:2; 4: s->b:2 b->f:2; ", 3, 1},
+        {"around a cycle", "s->a:1 a->s:1 a->f:1", 0,
+         "2: s->a:1 a->f:1; 4: s->a:1 a->s:1 s->a:1 a->f:1; 6: s->a:1 a->s:1 s->a:1 a->s:1 s->a:1 a->f:1; ",
+         kInfinite, 0},
+        {"past the finish node and back", "s->f:1 f->f:0 f:3", 0,
+         "4: s->f:1; 7: s->f:1 f->f:0; 10: s->f:1 f->f:0 f->f:0; ", kInfinite, 0},
+        {"a cycle of no cost", "s->a:1 a->a:0 a->f:1", 0,
+         "2: s->a:1 a->f:1; 2: s->a:1 a->a:0 a->f:1; 2: s->a:1 a->a:0 a->a:0 a->f:1; ", kInfinite, 0},
+        {"negative costs", "s->a:4 a->f:-6 s->f:0", 0, "-2: s->a:4 a->f:-6; 0: s->f:0; ", 2, 1},
+        {"negative costs and a cycle", "s->a:4 a->f:-6 a->s:-3 s->f:0", 0,
+         "-2: s->a:4 a->f:-6; -1: s->a:4 a->s:-3 s->a:4 a->f:-6; 0: s->f:0; ", kInfinite, 0},
+        {"a negative cycle", "s->a:1 a->a:-1 a->f:1", 18, "", 0, 1},
+        {"a negative cycle that nodes make dear", "s->a:1 a->a:-1 a->f:1 a:1", 0,
+         "3: s->a:1 a->f:1; 3: s->a:1 a->a:-1 a->f:1; 3: s->a:1 a->a:-1 a->a:-1 a->f:1; ", kInfinite, 0},
+        {"negative cycles elsewhere", "s->f:1 f->x:1 x->x:-1 y->y:-1 y->s:1", 0, "1: s->f:1; ", 1, 1},
+        {"no way", "f->s:1 s->a:1 a->a:-1", 0, "", 0, 1},
+        {"infinite", "s->a:2147483647 a->f:0", 0, "", 0, 1},
+        {"infinite but for one", "s->a:2147483640 a->f:6 a->f:7 s->f:2147483646", 0,
+         "2147483646: s->a:2147483640 a->f:6; 2147483646: s->f:2147483646; ", 3, 1},
+    };
+    SortedPaths test;
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.what);
+        const TestGraph g(c.graph);
+        EXPECT_EQ(run(test, g, g.node("s"), g.node("f")), c.code);
+        EXPECT_EQ(firstPaths(test.output, 3), c.paths);
+        EXPECT_EQ(test.output.numberOfPaths(), c.number);
+        EXPECT_EQ(test.output.acyclic(), c.acyclic);
+        EXPECT_EQ(test.output.pathExists(), *c.paths != '\0' ? 1 : 0);
+        test.output.discardPathGraph();
+        EXPECT_EQ(firstPaths(test.output, 3), "");
+    }
+}
+
+TEST(SortedPaths, StartWhereTheyFinish) {
+    SortedPaths test;
+    const TestGraph g("s->a:1 s:4 b->s:1 s->b:2");
+    EXPECT_EQ(run(test, g, g.node("s"), g.node("s")), 0);
+    EXPECT_EQ(test.output.shortestPathLength(), 0);
+    EXPECT_EQ(firstPaths(test.output, 3), "0: ; 7: s->b:2 b->s:1; 14: s->b:2 b->s:1 s->b:2 b->s:1; ");
+    EXPECT_EQ(firstPaths(test.output, 3, true), "0: ; ");
+    RVSortedPathsEnumerator path(&test.output);
+    EXPECT_EQ(path.totalCost() + path.pathNumber() + path.totalCostWithoutFinishNode(), 0);
+    EXPECT_TRUE(path.next());
+    EXPECT_EQ(path.totalCostWithoutFinishNode(), 0);
+    EXPECT_TRUE(path.next());
+    EXPECT_EQ(path.totalCostWithoutFinishNode(), 3);
+    EXPECT_EQ(path.pathNumber(), 2);
+    test.output.discardPathGraph();
+
+    const TestGraph alone("s->a:1");
+    EXPECT_EQ(run(test, alone, alone.node("s"), alone.node("s")), 0);
+    EXPECT_EQ(test.output.numberOfPaths(), 1);
+    test.output.discardPathGraph();
+}
+
+// Heaps within heaps: their order, their number of edges, what they share, and how many nodes there are.
+void expectPathGraph(const RVSortedPathsOutputData& output, const RVGraph* graph) {
+    const RVGraph* const paths = output.pPathGraph();
+    ASSERT_NE(paths, nullptr);
+    std::map<const RVNode*, int> delta;
+    for (RVNode* node : *paths->pNodeList()) {
+        int heapEdges = 0;
+        int crossEdges = 0;
+        for (RVEdge* edge : *node->pOutEdgeList()) {
+            EXPECT_GE(output.cost(edge), 0);
+            EXPECT_EQ(output.type(edge) == 0, node == output.pRootNode());
+            heapEdges += output.type(edge) == 1 ? 1 : 0;
+            crossEdges += output.type(edge) == 2 ? 1 : 0;
+            if (output.type(edge) == 1) continue;
+            // Root and cross edges cost what the detour costs.
+            const auto known = delta.emplace(edge->pTargetNode(), output.cost(edge)).first;
+            EXPECT_EQ(known->second, output.cost(edge));
+        }
+        EXPECT_LE(heapEdges, 3);
+        EXPECT_LE(crossEdges, 1);
+        EXPECT_EQ(output.pSidetrackEdge(node) == nullptr, node == output.pRootNode());
+    }
+    const double n = graph->numberOfNodes();
+    EXPECT_LE(paths->numberOfNodes(), graph->numberOfEdges() + n * (std::log2(n) + 2));
+}
+
+// Every walk up to a cost, by brute force. The costs of what is still to come bound the search.
+class WalkOracle {
+public:
+    WalkOracle(const RVGraph* graph, RVNode* finish, const std::map<RVNode*, std::int64_t>& rest,
+               std::int64_t most)
+        : m_graph(graph), m_finish(finish), m_rest(rest), m_most(most) {}
+    std::multiset<std::string> walks(RVNode* start) {
+        extend(start, 0, "");
+        return m_walks;
+    }
+    bool isComplete = true;
+
+private:
+    void extend(RVNode* at, std::int64_t cost, const std::string& walk) {
+        const auto rest = m_rest.find(at);
+        if (rest == m_rest.end() || cost + rest->second > m_most || !isComplete) return;
+        if (walk.size() > 400) {  // around a cycle of no cost
+            isComplete = false;
+            return;
+        }
+        if (at == m_finish) m_walks.insert(std::to_string(cost) + ":" + walk);
+        for (RVEdge* edge : *m_graph->pEdgeList()) {
+            if (edge->pSourceNode() != at) continue;
+            extend(edge->pTargetNode(), cost + number(edge, 0, 0) + number(edge->pTargetNode(), 0, 0),
+                   walk + " " + std::to_string(edge->denseIndex()));
+        }
+    }
+    const RVGraph* m_graph;
+    RVNode* m_finish;
+    const std::map<RVNode*, std::int64_t>& m_rest;
+    std::int64_t m_most;
+    std::multiset<std::string> m_walks;
+};
+
+TEST(SortedPaths, AgreeWithAllWalksAndPaths) {
+    SortedPaths test;
+    int compared = 0;
+    int incomplete = 0;
+    int longest = 0;
+    for (unsigned seed = 0; seed < 500; ++seed) {
+        const std::string tokens = randomText(seed, {.nodes = 6,
+                                                     .edges = 11,
+                                                     .least = seed % 3 == 0   ? -1
+                                                              : seed % 3 == 1 ? 0
+                                                                              : 1,
+                                                     .most = 5,
+                                                     .nodeNumbers = seed % 2 == 0});
+        const MarkedGraph g(tokens, seed);
+        PathOracle oracle(g, Ways::directed, true);
+        RVNode* const start = g->pFirstNode();
+        for (RVNode* finish : *g->pNodeList()) {
+            SCOPED_TRACE(std::to_string(seed) + ", to " + text(finish) + ": " + tokens);
+            // A walk pays for the node where it ends, but not for that where it starts.
+            std::map<RVNode*, std::int64_t> rest;
+            bool hasCycle = false;
+            const rvtest::Distances steps(g, Ways::directed);
+            for (RVNode* node : *g->pNodeList()) {
+                const auto best = oracle.cheapest(node, finish);
+                if (node == finish) {
+                    rest[node] = 0;
+                } else if (best) {
+                    rest[node] = *best + oracle.costOf(finish);
+                }
+                if (steps.reaches(start, node) && steps.reaches(node, finish) &&
+                    oracle.hasNegativeCycle(node))
+                    hasCycle = true;
+            }
+            ASSERT_EQ(run(test, g, start, finish), hasCycle ? 18 : 0);
+            if (hasCycle || rest.count(start) == 0) {
+                EXPECT_EQ(test.output.pathExists() + test.output.numberOfPaths(), 0);
+                continue;
+            }
+            EXPECT_EQ(test.output.shortestPathLength(), rest[start]);
+            expectPathGraph(test.output, g);
+
+            // All walks of the costs up to that of the last one.
+            RVSortedPathsEnumerator path(&test.output);
+            RVEdgeDList edges;
+            std::multiset<std::string> given;
+            std::int64_t last = rest[start];
+            constexpr int kMost = 60;
+            while (path.pathNumber() < kMost && path.next()) {
+                ASSERT_GE(path.totalCost(), last);
+                if (path.totalCost() > last && path.pathNumber() > kMost / 2) break;
+                last = path.totalCost();
+                path.buildEdgeList(edges);
+                std::string walk = std::to_string(last) + ":";
+                const RVNode* at = start;
+                for (const RVEdge* edge : edges) {
+                    ASSERT_EQ(edge->pSourceNode(), at);
+                    at = edge->pTargetNode();
+                    walk += " " + std::to_string(edge->denseIndex());
+                }
+                ASSERT_EQ(at, finish);
+                given.insert(walk);
+                longest = std::max(longest, edges.length());
+            }
+            if (path.pathNumber() == kMost) --last;  // not all of the last cost
+            WalkOracle walks(g, finish, rest, last);
+            const std::multiset<std::string> expected = walks.walks(start);
+            if (walks.isComplete) {
+                std::multiset<std::string> upTo;
+                for (const std::string& walk : given) {
+                    if (std::stoll(walk) <= last) upTo.insert(walk);
+                }
+                ASSERT_EQ(upTo, expected);
+                ++compared;
+            } else {
+                ++incomplete;
+            }
+            if (test.output.acyclic() != 0) {
+                EXPECT_EQ(test.output.numberOfPaths(), start == finish ? 1 : oracle.count(start, finish));
+            }
+
+            // Those without repetition, all of them.
+            std::multiset<std::int64_t> simple;
+            if (start == finish) simple.insert(0);
+            if (start != finish) {
+                oracle.forEachPath(start, finish, [&](const std::vector<RVEdge*>& edgesOfPath) {
+                    simple.insert(oracle.costOf(edgesOfPath, start) + oracle.costOf(finish));
+                });
+            }
+            std::multiset<std::int64_t> givenSimple;
+            RVSortedPathsEnumerator simplePath(&test.output);
+            simplePath.simplePathsOnly(1);
+            while (simplePath.next()) {
+                simplePath.buildEdgeList(edges);
+                std::set<const RVNode*> nodes{start};
+                for (const RVEdge* edge : edges) ASSERT_TRUE(nodes.insert(edge->pTargetNode()).second);
+                givenSimple.insert(simplePath.totalCost());
+            }
+            EXPECT_EQ(givenSimple, simple);
+            test.output.discardPathGraph();
+        }
+    }
+    EXPECT_GT(compared, 800);
+    EXPECT_LT(incomplete, compared / 4);
+    EXPECT_GT(longest, 8);
+}
+
+TEST(SortedPaths, LeaveThePathGraphToTheCaller) {
+    const TestGraph g("s->f:1 s->f:2 s->a:1 a->f:1");
+    auto test = std::make_unique<SortedPaths>();
+    ASSERT_EQ(run(*test, g, g.node("s"), g.node("f")), 0);
+    const std::unique_ptr<RVGraph> paths(test->output.pPathGraph());
+    ASSERT_NE(paths, nullptr);
+    const RVSortedPathsOutputData copy(test->output);
+    RVSortedPathsEnumerator path(&copy);
+    EXPECT_TRUE(path.next());
+    test->output.reset();
+    EXPECT_EQ(test->output.pPathGraph(), nullptr);
+    EXPECT_EQ(test->output.pTreeEdge(g.node("s")), nullptr);
+    test.reset();
+    EXPECT_TRUE(path.next());
+    const RVSortedPathsEnumerator second(path);
+    EXPECT_EQ(second.totalCost(), 2);
+
+    RVSortedPathsOutputData kept(copy);
+    paths->discardNode(kept.pRootNode());
+    EXPECT_EQ(kept.pRootNode(), nullptr);
+    EXPECT_FALSE(RVSortedPathsEnumerator(&kept).next());
+    // Values are those of one graph.
+    RVEdge* const foreign = g.edge("s->f:1");
+    EXPECT_EQ(kept.cost(foreign, 9), 9);
+    EXPECT_EQ(kept.cost(foreign) + kept.type(foreign) + kept.cost(nullptr), 0);
+    RVSortedPathsOutputData plain;
+    plain.cost(foreign, 9);
+    plain.type(foreign, 2);
+    plain.pSidetrackEdge(g.node("s"), foreign);
+    EXPECT_EQ(plain.cost(foreign) + plain.type(foreign), 11);
+    EXPECT_EQ(plain.pSidetrackEdge(g.node("s")), foreign);
+    EXPECT_EQ(plain.pPathGraph(), nullptr);
+    EXPECT_FALSE(RVSortedPathsEnumerator(nullptr).next());
+}
+
+// Twice as many paths with every diamond, until there are too many to count.
+TEST(SortedPaths, CountToTheEndOfTheRange) {
+    const struct {
+        int diamonds;
+        bool oneMore;
+        int number;
+    } cases[] = {{30, false, 1 << 30},
+                 {31, false, kInfinite},
+                 {40, false, kInfinite},
+                 {0, false, 1},
+                 {30, true, 1073741825}};
+    for (const auto& c : cases) {
+        RVAFactory factory;
+        const std::unique_ptr<RVGraph> graph(factory.newGraph());
+        RVNode* const start = graph->addNode();
+        RVNode* at = start;
+        for (int i = 0; i < c.diamonds; ++i) {
+            RVNode* const next = graph->addNode();
+            graph->addEdge(at, next);
+            graph->addEdge(at, next);
+            at = next;
+        }
+        if (c.oneMore) graph->addEdge(start, at);
+        SortedPaths test;
+        test.input.pStartNode(start);
+        test.input.pFinishNode(at);
+        EXPECT_EQ(test(graph.get()), 0);
+        EXPECT_EQ(test.output.numberOfPaths(), c.number);
+        test.output.discardPathGraph();
+    }
+}
+
+// A long way with a detour at every step, walked far.
+TEST(SortedPaths, TakeLargeGraphs) {
+    constexpr int kNodes = 100000;
+    RVAFactory factory;
+    const std::unique_ptr<RVGraph> graph(factory.newGraph());
+    std::vector<RVNode*> nodes;
+    for (int i = 0; i < kNodes; ++i) nodes.push_back(graph->addNode());
+    SortedPaths test(graph.get());
+    for (std::size_t i = 1; i < nodes.size(); ++i) {
+        graph->addEdge(nodes[i - 1], nodes[i]);
+        test.input.cost(graph->addEdge(nodes[i - 1], nodes[i]), 2);
+    }
+    test.input.pStartNode(nodes.front());
+    test.input.pFinishNode(nodes.back());
+    EXPECT_EQ(test(), 0);
+    EXPECT_EQ(test.output.numberOfPaths(), kInfinite);
+    expectPathGraph(test.output, graph.get());
+    RVSortedPathsEnumerator path(&test.output);
+    while (path.pathNumber() < 200000 && path.next()) {
+        const int detours = path.pathNumber() == 1 ? 0 : path.pathNumber() <= kNodes ? 1 : 2;
+        ASSERT_EQ(path.totalCost(), kNodes - 1 + detours);
+    }
+    test.output.discardPathGraph();
+}
+
+TEST(SortedPaths, ComeWithTheirCodes) {
+    const TestGraph g("a->b");
+    const TestGraph other("x");
+    RVNode* const a = g.node("a");
+    RVNode* const x = other.node("x");
+    RVNode* const none = nullptr;
+    const struct {
+        RVGraph* graph;
+        RVNode* start;
+        RVNode* finish;
+        int code;
+    } cases[] = {{nullptr, none, none, 22}, {g, none, x, 8}, {g, x, none, 5},
+                 {g, a, none, 9},           {g, a, x, 6},    {g, a, a, 0}};
+    SortedPaths test;
+    for (const auto& c : cases) {
+        test.input.pStartNode(c.start);
+        test.input.pFinishNode(c.finish);
+        EXPECT_EQ(test(c.graph), c.code);
+    }
+    test.output.discardPathGraph();
+    EXPECT_EQ(test.input.cost(g.edge("a->b")), 1);
+    EXPECT_EQ(test.input.intField("cost", g.edge("a->b")), 1);
+    EXPECT_EQ(test.input.intField("cost", a), 0);
+}
+
+}  // namespace
