@@ -30,6 +30,7 @@
 #pragma once
 
 #include <algorithm>
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <new>
@@ -434,6 +435,7 @@ private:
     Fields m_nodeFields;
     Fields m_edgeFields;
     std::vector<Wait> m_waits;
+    std::size_t m_waiting = 0;              // entries in use
     std::uint32_t m_freeWait = 0;           // position + 1, 0 for none
     rv::Column<std::uint32_t> m_waitHeads;  // by node; position + 1, 0 for none
 

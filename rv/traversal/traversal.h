@@ -252,4 +252,5 @@ private:
 
     // The detached reverse edges of a run on the caller's graph, which cleanup destroys.
     rv::Uncopied<std::vector<RVEdge*>> m_reverseEdges;
+    rv::Uncopied<bool> m_hasReverseEdges = false;
 };
