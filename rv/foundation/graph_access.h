@@ -38,9 +38,6 @@ public:
     static std::uint32_t addObserver(RVGraph* graph, GraphObserver* observer);
     static void removeObserver(RVGraph* graph, GraphObserver* observer);
 
-    static bool isMappingTarget(const RVGraphMember* member) { return member->m_mappingTarget; }
-    static void setMappingTarget(RVGraphMember* member) { member->m_mappingTarget = true; }
-
     // Fills an empty graph with a copy of what is attached in another: names and all orders, those of the
     // nodes' in- and out-lists included. nodeCopies and edgeCopies give the copies by the dense index of
     // the originals, none where there is no copy.

@@ -1,4 +1,4 @@
-// That the caller's graph is restored when memory runs out, at whatever point of a run.
+// What is left when memory runs out, at whatever point.
 
 #include <gtest/gtest.h>
 
@@ -58,6 +58,25 @@ TEST(OutOfMemory, LeavesTheCallersGraphAsItWas) {
             }
         }
     }
+}
+
+TEST(OutOfMemory, LeavesNoMappingToACopyThatFailed) {
+    const rvtest::MarkedGraph g("a->b b->c c->a c->a d", 3);
+    RVAlgorithmData data;
+    bool isDone = false;
+    for (int allocations = 0; !isDone; ++allocations) {
+        RVGraph copy;
+        allocationsLeft = allocations;
+        try {
+            data.copyGraph(g, &copy);
+            isDone = true;
+        } catch (const std::bad_alloc&) {
+        }
+        allocationsLeft = -1;
+        for (RVNode* node : *g->pNodeList()) EXPECT_EQ(data.pCopyNode(node) != node, isDone);
+        for (RVEdge* edge : *g->pEdgeList()) EXPECT_EQ(data.pCopyEdge(edge) != edge, isDone);
+    }
+    EXPECT_EQ(data.pCopyNode(g.node("a")), g.node("a")) << "the copy is gone";
 }
 
 }  // namespace

@@ -351,6 +351,33 @@ TEST(Mappings, GiveWhatTheyStore) {
     EXPECT_EQ(data.pCopyEdge(nullptr), nullptr);
 }
 
+// Neither a graph that dies nor a node that is discarded looks at all others: this would take very long.
+TEST(Mappings, BearManyGraphsAndDiscards) {
+    constexpr int kMany = 20000;
+    RVAFactory factory;
+    RVAlgorithmData data;
+    const std::unique_ptr<RVGraph> hub(factory.newGraph());
+    const std::unique_ptr<RVGraph> twins(factory.newGraph());
+    std::vector<std::unique_ptr<RVGraph>> graphs;
+    for (int i = 0; i < kMany; ++i) {
+        RVNode* const node = hub->addNode();
+        graphs.emplace_back(factory.newGraph());
+        for (RVGraph* graph : {twins.get(), graphs.back().get()}) {
+            RVNode* const copy = graph->addNode();
+            data.pOriginalNode(graph->addNode(), node);  // a stray
+            data.pCopyNode(node, copy);
+            data.pOriginalNode(copy, node);
+        }
+    }
+    RVNode* const second = hub->pNodeList()->pNodeInPosition(2);
+    EXPECT_EQ(data.pCopyNode(second), graphs[1]->pFirstNode());
+    for (auto& graph : graphs) graph.reset();
+    EXPECT_EQ(data.pCopyNode(second), second);
+    EXPECT_EQ(data.pOriginalNode(twins->pNodeList()->pNodeInPosition(3)), second);
+    for (int i = 0; i < kMany; ++i) twins->discardNode(twins->pFirstNode());
+    EXPECT_EQ(data.pOriginalNode(twins->pLastNode()), hub->pLastNode());
+}
+
 std::vector<const RVAlgorithmData*> dataOf(const RVGraphMember* member) {
     std::vector<const RVAlgorithmData*> all;
     const RVAlgorithmExtension* record = member->pAnalysisExtensions()->pFirstExtension();
