@@ -6,7 +6,7 @@
 // Keys are read through the comparison, from state that may change while an object is out of the tree.
 // Only insertion compares: O(log n), O(1) where the object goes last. Removing a cell never compares.
 // searchObject finds an object's cell by identity, not by key: O(1) through an index that is built on the
-// first search, O(n) only for an object that is in the tree several times.
+// first search, O(n) only for an object that is, or was, in the tree several times.
 #pragma once
 
 #include <memory>

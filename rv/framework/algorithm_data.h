@@ -258,6 +258,6 @@ public:
     RVAlgorithmOutputData() = default;
 
     // Empties the results. Called before a run writes results, while the output is still bound to the graph
-    // of the run before.
+    // of the run before; one that is bound to no graph is bound to the input's graph first.
     virtual void reset() = 0;
 };

@@ -71,22 +71,22 @@ int RVTraversalInternalData::dummyReversedEdge(RVEdge* edge, int flag) {
 
 void RVTraversalInternalData::clearLists() {
     m_candidateEdges->deleteAllCells();
-    m_untraversedEdges.get().clear();
+    m_untraversedEdges.clear();
     m_traversedEdges->deleteAllCells();
     m_visitedNodes->deleteAllCells();
-    m_unvisitedNodes.get().clear();
+    m_unvisitedNodes.clear();
     m_startNodes.get() = {};
     m_traversalOrderNumber = 1;
 }
 
 void RVTraversalInternalData::listUnvisited(const RVGraph* graph) {
-    m_untraversedEdges.get().fill(*graph->pEdgeList(), graph->edgeIndexLimit());
-    m_unvisitedNodes.get().fill(*graph->pNodeList(), graph->nodeIndexLimit());
+    m_untraversedEdges.fill(*graph->pEdgeList(), graph->edgeIndexLimit());
+    m_unvisitedNodes.fill(*graph->pNodeList(), graph->nodeIndexLimit());
     m_startNodes.get() = {};
 }
 
 RVNode* RVTraversalInternalData::pFirstUnvisitedNode(int enough) {
-    auto& unvisited = m_unvisitedNodes.get();
+    auto& unvisited = m_unvisitedNodes;
     RVNode* first = unvisited.first();
     if (first == nullptr || first->inDegree() <= enough) return first;
     StartNodes& start = m_startNodes.get();
@@ -100,7 +100,7 @@ RVNode* RVTraversalInternalData::pFirstUnvisitedNode(int enough) {
 // A stable counting sort by in-degree; what is sorted is only walked from then on.
 void RVTraversalInternalData::sortUnvisited(int enough) {
     StartNodes& start = m_startNodes.get();
-    auto& unvisited = m_unvisitedNodes.get();
+    auto& unvisited = m_unvisitedNodes;
     unvisited.acceptChanges();
     const auto key = [enough](const RVNode* node) {
         return static_cast<std::size_t>(std::max(node->inDegree() - enough, 0));

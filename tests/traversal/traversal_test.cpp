@@ -83,6 +83,7 @@ protected:
     }
     void generateOutputData() override {
         RVTraversalInternalData* const data = pTraversalInternalData();
+        const RVTraversalInternalData early(*data);
         result.clear();
         int last = 0;
         for (RVNode* node : *data->pVisitedNodeList()) {
@@ -92,7 +93,11 @@ protected:
             result += " ";
         }
         EXPECT_EQ(data->traversalOrderNumber(), last + 1);
-        result += "| " + text(*data->pUnvisitedNodeList()) + " | " + text(*data->pUntraversedEdgeList());
+        const auto left = [](const RVTraversalInternalData& of) {
+            return "| " + text(*of.pUnvisitedNodeList()) + " | " + text(*of.pUntraversedEdgeList());
+        };
+        result += left(*data);
+        for (const RVTraversalInternalData& copy : {early, *data}) EXPECT_EQ(left(copy), left(*data));
     }
     void postprocess() override {
         RVTraversalAlgorithm::postprocess();
