@@ -701,7 +701,7 @@ template <class Member, class List>
 void noteOrder(const List& list, int limit, GraphOrders::Order<Member>& order) {
     order.indices.reserve(static_cast<std::size_t>(list.length()));
     order.hashes.assign(static_cast<std::size_t>(limit), GraphOrders::kNotNoted);
-    order.found.resize(order.hashes.size());
+    order.found.reserve(order.hashes.size());
     for (const Member* member : list) {
         order.indices.push_back(member->denseIndex());
         order.hashes[static_cast<std::size_t>(member->denseIndex())] = member->memberHash();
@@ -728,7 +728,7 @@ GraphOrders GraphAccess::noteOrders(const RVGraph* graph) {
 // Restores the order of one of the graph's own lists and gives the first cell that was not noted.
 template <class Member, class List>
 RVDListCell* GraphAccess::restoreOrder(List& list, GraphOrders::Order<Member>& order) noexcept {
-    std::fill(order.found.begin(), order.found.end(), nullptr);
+    order.found.assign(order.hashes.size(), nullptr);
     List others;
     for (RVDListCell *next = nullptr, *cell = list.m_pFirst; cell != nullptr; cell = next) {
         next = cell->m_pNext;
