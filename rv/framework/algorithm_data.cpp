@@ -5,7 +5,6 @@
 #include <list>
 #include <optional>
 #include <unordered_map>
-#include <unordered_set>
 #include <utility>
 
 #include "rv/foundation/graph_access.h"
@@ -57,6 +56,11 @@ public:
 private:
     friend class DataGraphs;
     using Record = RVAlgorithmExtension;
+    // Some mapping may lead to the other graph, or back. Both graphs know the place of the other one's link.
+    struct Link {
+        DataGraph* graph;
+        std::size_t placeThere;
+    };
 
     RVAlgorithmExtension** listHead(RVGraphObject* owner) const;
     void link(Record* record) const;
@@ -83,7 +87,7 @@ private:
     bool m_recordsMovedAway = false;        // a record in the slabs may be one of another graph's objects
     Mapping m_copies[2];                    // of nodes and of edges
     Mapping m_originals[2];
-    std::unordered_set<DataGraph*> m_linked;  // some mapping may lead there from here, or back
+    std::vector<Link> m_links;
     // By object: how many values lead to it, at the most, that it is not itself mapped back to.
     Column<std::uint32_t> m_strays[2];
 };
@@ -103,19 +107,11 @@ public:
 
     DataGraph* find(const RVGraph* graph) const {
         if (m_last != nullptr && m_last->m_graph == graph) return m_last;
-        const auto found = m_places.find(graph);
-        return found == m_places.end() ? nullptr : m_last = &*found->second;
+        return findAmongAll(graph);
     }
     DataGraph& at(RVGraph* graph) {
-        if (DataGraph* found = find(graph)) return *found;
-        const auto place = m_places.emplace(graph, m_graphs.end()).first;
-        try {
-            place->second = m_graphs.emplace(m_graphs.end(), *this, m_data, graph);
-        } catch (...) {
-            m_places.erase(place);
-            throw;
-        }
-        return *(m_last = &m_graphs.back());
+        DataGraph* const found = find(graph);
+        return found != nullptr ? *found : add(graph);
     }
 
     using Direction = Mapping (DataGraph::*)[2];
@@ -136,21 +132,17 @@ public:
     void forgetMember(RVGraphMember* member, DataGraph& home);
     void forgetGraph(DataGraph& dying);
 
-    void remove(DataGraph& graph) {
-        if (m_last == &graph) m_last = nullptr;
-        const auto place = m_places.find(graph.m_graph);
-        m_graphs.erase(place->second);
-        m_places.erase(place);
-    }
+    void remove(DataGraph& graph);
 
 private:
     friend class DataGraph;
+    using Graphs = std::list<DataGraph>;
+    static constexpr std::size_t kFew = 8;
 
-    static void link(DataGraph& a, DataGraph& b) {
-        if (&a == &b) return;
-        a.m_linked.insert(&b);
-        b.m_linked.insert(&a);
-    }
+    DataGraph* findAmongAll(const RVGraph* graph) const;
+    DataGraph& add(RVGraph* graph);
+    static void link(DataGraph& a, DataGraph& b);
+    static void unlink(DataGraph& graph);
     // The graph of a value of the mapping.
     DataGraph& graphOf(const RVGraphMember* value, const Mapping& mapping) const {
         RVGraph* const home = value->pHomeGraph();
@@ -162,8 +154,8 @@ private:
     void forgetMutual(DataGraph& dying, Direction direction, std::size_t kind);
 
     RVAlgorithmData* m_data;
-    std::list<DataGraph> m_graphs;  // in the order in which they came
-    std::unordered_map<const RVGraph*, std::list<DataGraph>::iterator> m_places;
+    Graphs m_graphs;                                                // in the order in which they came
+    std::unordered_map<const RVGraph*, Graphs::iterator> m_places;  // empty while there have been few
     mutable DataGraph* m_last = nullptr;
     bool m_mixedTargets = false;    // some mapping may lead to several graphs
     std::optional<Slab> m_kept[2];  // records whose objects have left a graph that died
@@ -351,7 +343,72 @@ void DataGraph::memberMoved(RVGraphMember* member, RVGraph*, int indexThere) {
     // What led to the member may come from anywhere where the graph that it left was known.
     m_owner.m_mixedTargets = true;
     DataGraphs::link(here, *this);
-    for (DataGraph* graph : m_linked) DataGraphs::link(here, *graph);
+    for (std::size_t i = 0; i < m_links.size(); ++i) DataGraphs::link(here, *m_links[i].graph);
+}
+
+// Graphs
+
+DataGraph* DataGraphs::findAmongAll(const RVGraph* graph) const {
+    if (!m_places.empty()) {
+        const auto found = m_places.find(graph);
+        return found == m_places.end() ? nullptr : m_last = &*found->second;
+    }
+    const auto found = std::find_if(m_graphs.begin(), m_graphs.end(),
+                                    [graph](const DataGraph& entry) { return entry.m_graph == graph; });
+    return found == m_graphs.end() ? nullptr : m_last = const_cast<DataGraph*>(&*found);
+}
+
+DataGraph& DataGraphs::add(RVGraph* graph) {
+    if (m_graphs.size() == kFew && m_places.empty()) {
+        std::unordered_map<const RVGraph*, Graphs::iterator> places;
+        for (auto it = m_graphs.begin(); it != m_graphs.end(); ++it) places.emplace(it->m_graph, it);
+        m_places.swap(places);
+    }
+    const bool isPlaced = !m_places.empty() && m_places.emplace(graph, m_graphs.end()).second;
+    try {
+        m_graphs.emplace_back(*this, m_data, graph);
+    } catch (...) {
+        if (isPlaced) m_places.erase(graph);
+        throw;
+    }
+    if (isPlaced) m_places[graph] = std::prev(m_graphs.end());
+    return *(m_last = &m_graphs.back());
+}
+
+void DataGraphs::remove(DataGraph& graph) {
+    if (m_last == &graph) m_last = nullptr;
+    if (m_places.empty()) {
+        m_graphs.remove_if([&graph](const DataGraph& entry) { return &entry == &graph; });
+    } else {
+        const auto place = m_places.extract(graph.m_graph);
+        m_graphs.erase(place.mapped());
+    }
+}
+
+void DataGraphs::link(DataGraph& a, DataGraph& b) {
+    if (&a == &b) return;
+    const auto isLinked = [](const DataGraph& from, const DataGraph& to) {
+        return std::any_of(from.m_links.begin(), from.m_links.end(),
+                           [&to](const DataGraph::Link& link) { return link.graph == &to; });
+    };
+    if (a.m_links.size() < b.m_links.size() ? isLinked(a, b) : isLinked(b, a)) return;
+    a.m_links.push_back({&b, b.m_links.size()});
+    try {
+        b.m_links.push_back({&a, a.m_links.size() - 1});
+    } catch (...) {
+        a.m_links.pop_back();
+        throw;
+    }
+}
+
+void DataGraphs::unlink(DataGraph& graph) {
+    for (const DataGraph::Link& linked : graph.m_links) {
+        std::vector<DataGraph::Link>& there = linked.graph->m_links;
+        DataGraph::Link& place = there[linked.placeThere];
+        place = there.back();
+        place.graph->m_links[place.placeThere].placeThere = linked.placeThere;
+        there.pop_back();
+    }
 }
 
 // Mappings
@@ -463,7 +520,7 @@ void DataGraphs::forgetMember(RVGraphMember* member, DataGraph& home) {
         }
     };
     forgetIn(home);
-    for (DataGraph* graph : home.m_linked) forgetIn(*graph);
+    for (const DataGraph::Link& linked : home.m_links) forgetIn(*linked.graph);
 }
 
 void DataGraphs::forgetGraph(DataGraph& dying) {
@@ -472,8 +529,8 @@ void DataGraphs::forgetGraph(DataGraph& dying) {
             if (m_mixedTargets) forgetMutual(dying, direction, kind);
             const std::vector<std::uint32_t>& strays = dying.m_strays[kind].values();
             const bool hasStrays = std::any_of(strays.begin(), strays.end(), [](auto n) { return n != 0; });
-            for (DataGraph* graph : dying.m_linked) {
-                Mapping& mapping = (graph->*direction)[kind];
+            for (const DataGraph::Link& linked : dying.m_links) {
+                Mapping& mapping = (linked.graph->*direction)[kind];
                 if (!m_mixedTargets) {
                     if (mapping.target == &dying) mapping.values.clear();
                 } else if (hasStrays) {
@@ -485,7 +542,7 @@ void DataGraphs::forgetGraph(DataGraph& dying) {
             }
         }
     }
-    for (DataGraph* graph : dying.m_linked) graph->m_linked.erase(&dying);
+    unlink(dying);
 }
 
 // What a dying graph's objects are mapped to is not mapped back any more.
@@ -504,7 +561,7 @@ void DataGraphs::copyFrom(DataGraphs& other) {
     for (const DataGraph& source : other.m_graphs) at(source.m_graph);
     for (const DataGraph& source : other.m_graphs) {
         DataGraph& graph = at(source.m_graph);
-        for (const DataGraph* linked : source.m_linked) link(graph, at(linked->m_graph));
+        for (const DataGraph::Link& linked : source.m_links) link(graph, at(linked.graph->m_graph));
     }
     for (DataGraph& source : other.m_graphs) {
         DataGraph& graph = at(source.m_graph);
