@@ -195,6 +195,7 @@ TYPED_TEST(AlgorithmContract, AnswersMissingAndForeignDataWithCodes) {
     auto factory = std::make_unique<RVAFactory>();
     const TestGraph orphan("a", factory.get());
     factory.reset();
+    EXPECT_EQ(orphan.node("a")->pFactory(), nullptr);
     EXPECT_EQ(TypeParam(orphan)(), RV_NO_GRAPH_FACTORY);
 }
 

@@ -234,27 +234,6 @@ TEST(InternalGraphAlgorithm, LeavesTheCallersGraphAsItWasWhenAHookThrows) {
     }
 }
 
-TEST(InternalGraphAlgorithm, GrowsNothingInAThousandRuns) {
-    TestGraph g("a--b b->c b->c c->b c--c a->a d b--e e--b f--g:1 f--g:2");
-    ProbeRun run(g);
-    for (int i = 0; i < 4; ++i) {
-        run.algorithm.direction = i % 2;
-        run.algorithm.useOriginalGraph(i / 2);
-        run();
-    }
-    const std::string before = snapshot(g);
-    const int nodes = g->nodeIndexLimit();
-    const int edges = g->edgeIndexLimit();
-    for (int i = 0; i < 1000; ++i) {
-        run.algorithm.direction = i % 2;
-        run.algorithm.useOriginalGraph(i / 2 % 2);
-        ASSERT_EQ(run(), RV_NO_ERROR);
-    }
-    EXPECT_EQ(snapshot(g), before);
-    EXPECT_EQ(g->nodeIndexLimit(), nodes);
-    EXPECT_EQ(g->edgeIndexLimit(), edges);
-}
-
 // All spokes twice, first out of the centre and then into it: walking the centre's lists for every edge would
 // run out of time.
 TEST(InternalGraphAlgorithm, TakesAStarOfParallelEdges) {
