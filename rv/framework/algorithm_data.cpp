@@ -144,12 +144,12 @@ private:
     static void link(DataGraph& a, DataGraph& b);
     static void unlink(DataGraph& graph);
     // The graph of a value of the mapping.
-    DataGraph& graphOf(const RVGraphMember* value, const Mapping& mapping) const {
+    DataGraph& graphOf(const RVGraphMember* value, const Mapping& mapping) {
         RVGraph* const home = value->pHomeGraph();
-        return mapping.target != nullptr && mapping.target->m_graph == home ? *mapping.target : *find(home);
+        return mapping.target != nullptr && mapping.target->m_graph == home ? *mapping.target : at(home);
     }
     static Direction opposite(Direction direction) { return direction == kCopies ? kOriginals : kCopies; }
-    bool isMutual(const DataGraph& graph, Direction direction, std::size_t kind, std::size_t place) const;
+    bool isMutual(const DataGraph& graph, Direction direction, std::size_t kind, std::size_t place);
     void clearCopies(DataGraph& graph);
     void forgetMutual(DataGraph& dying, Direction direction, std::size_t kind);
 
@@ -474,8 +474,7 @@ void DataGraphs::copyGraph(const RVGraph* original, RVGraph* copy) {
 }
 
 // Whether the value at a place of a graph's mapping is mapped back to the object of that place.
-bool DataGraphs::isMutual(const DataGraph& graph, Direction direction, std::size_t kind,
-                          std::size_t place) const {
+bool DataGraphs::isMutual(const DataGraph& graph, Direction direction, std::size_t kind, std::size_t place) {
     const Mapping& mapping = (graph.*direction)[kind];
     const RVGraphMember* const value = mapping.values.values()[place];
     const RVGraphMember* const source = (graphOf(value, mapping).*opposite(direction))[kind].get(value);
