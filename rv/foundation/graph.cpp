@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <cstring>
 #include <utility>
 
 #include "rv/foundation/graph_access.h"
@@ -332,7 +333,8 @@ RVNode* RVGraph::removeNode(RVNode* node) {
 
 RVNode* RVGraph::insertNode(RVNode* node) {
     if (node == nullptr || node->m_attached) return nullptr;
-    prepareWaits(static_cast<std::size_t>(node->degree()));
+    // An edge that does not come back gives up its place at the other end, unless that is in another graph.
+    if (node->m_pGraph != this || m_hasForeignEdges) prepareWaits(static_cast<std::size_t>(node->degree()));
     if (node->m_pGraph != this) adopt(node);
     ++m_modifications;
     m_nodes.linkLast(&node->m_graphCell);
@@ -399,7 +401,7 @@ RVEdge* RVGraph::insertEdge(RVEdge* edge, RVNode* source, RVNode* target) {
     if (edge == nullptr || !isMine(source) || !isMine(target)) return nullptr;
     if (edge->m_attached && edge->m_pGraph != this) return nullptr;
     ++m_modifications;
-    prepareWaits(2);
+    if (!source->m_attached || !target->m_attached) prepareWaits(2);
     if (edge->m_pGraph != this) adopt(edge);
     edge->leaveLists();
     edge->m_pSource = source;
@@ -451,12 +453,10 @@ void RVGraph::destroyMember(RVGraphMember* member, rv::Slab& slab) {
     indices.giveBack(index);
     const bool adopted = member->m_adopted;
     member->~RVGraphMember();
-    if (adopted) {  // the slot is not used again; it reads as free from now on
-        const void* const none = nullptr;
-        std::memcpy(static_cast<void*>(member), &none, sizeof none);
-    } else {
-        slab.recycle(member);
-    }
+    // The slot reads as free, and as a member of no graph to those who still have the pointer. That of an
+    // adopted member is not used again.
+    std::memset(static_cast<void*>(member), 0, sizeof(RVGraphMember));
+    if (!adopted) slab.recycle(member);
 }
 
 void RVGraph::Indices::giveBack(int index) {
@@ -527,7 +527,7 @@ void RVGraph::setName(RVGraphMember* member, const wchar_t* text) {
 
 // Makes room for so many more entries, so that waiting itself cannot fail.
 void RVGraph::prepareWaits(std::size_t count) {
-    const std::size_t needed = m_waits.size() + count;
+    const std::size_t needed = m_waiting + count;
     if (needed > m_waits.capacity()) m_waits.reserve(std::max(needed, 2 * m_waits.capacity()));
     m_waitHeads.cover(m_nodeIndices.limit);
 }
@@ -542,6 +542,7 @@ void RVGraph::wait(RVNode* node, RVDListCell* cell) {
     }
     const std::uint32_t head = m_waitHeads.get(node->m_index);
     m_waits[place - 1] = {cell, head, 0};
+    ++m_waiting;
     if (head != 0) m_waits[head - 1].previous = place;
     m_waitHeads.set(node->m_index, place, m_nodeIndices.limit);
     cell->setWaiting(place);
@@ -557,6 +558,7 @@ void RVGraph::stopWaiting(RVNode* node, RVDListCell* cell) {
         m_waitHeads.set(node->m_index, entry.next, m_nodeIndices.limit);
     }
     m_waits[place - 1] = {nullptr, m_freeWait, 0};
+    --m_waiting;
     m_freeWait = place;
     cell->setOut(nullptr);
 }
@@ -693,16 +695,29 @@ void GraphAccess::copyGraph(const RVGraph* source, RVGraph* target, std::vector<
     }
 }
 
+namespace {
+
+template <class Member, class List>
+void noteOrder(const List& list, int limit, GraphOrders::Order<Member>& order) {
+    order.indices.reserve(static_cast<std::size_t>(list.length()));
+    order.hashes.assign(static_cast<std::size_t>(limit), GraphOrders::kNotNoted);
+    order.found.reserve(order.hashes.size());
+    for (const Member* member : list) {
+        order.indices.push_back(member->denseIndex());
+        order.hashes[static_cast<std::size_t>(member->denseIndex())] = member->memberHash();
+    }
+}
+
+}  // namespace
+
 GraphOrders GraphAccess::noteOrders(const RVGraph* graph) {
     GraphOrders orders;
-    orders.nodes.reserve(static_cast<std::size_t>(graph->numberOfNodes()));
-    orders.edges.reserve(static_cast<std::size_t>(graph->numberOfEdges()));
+    noteOrder(graph->m_nodes, graph->nodeIndexLimit(), orders.nodes);
+    noteOrder(graph->m_edges, graph->edgeIndexLimit(), orders.edges);
     orders.listsInGraphOrder = graph->m_listsInGraphOrder;
-    for (const RVNode* node : graph->m_nodes) orders.nodes.push_back({node->m_index, node->m_hash});
-    for (const RVEdge* edge : graph->m_edges) orders.edges.push_back({edge->m_index, edge->m_hash});
     if (orders.listsInGraphOrder) return orders;  // then the edge list tells all
-    orders.outEdges.reserve(orders.edges.size());
-    orders.inEdges.reserve(orders.edges.size());
+    orders.outEdges.reserve(orders.edges.indices.size());
+    orders.inEdges.reserve(orders.edges.indices.size());
     for (const RVNode* node : graph->m_nodes) {
         for (const RVEdge* edge : node->m_outEdges) orders.outEdges.push_back(edge->m_index);
         for (const RVEdge* edge : node->m_inEdges) orders.inEdges.push_back(edge->m_index);
@@ -710,65 +725,58 @@ GraphOrders GraphAccess::noteOrders(const RVGraph* graph) {
     return orders;
 }
 
-namespace {
-
-// The members in their noted order, and behind them those that were not noted.
+// Restores the order of one of the graph's own lists and gives the first cell that was not noted.
 template <class Member, class List>
-std::vector<Member*> inNotedOrder(const List& list, int limit, const std::vector<GraphOrders::Member>& noted,
-                                  std::vector<Member*>& byIndex) {
-    byIndex.assign(static_cast<std::size_t>(limit), nullptr);
-    for (Member* member : list) byIndex[static_cast<std::size_t>(member->denseIndex())] = member;
-    std::vector<Member*> ordered;
-    ordered.reserve(static_cast<std::size_t>(list.length()));
-    std::vector<bool> placed(byIndex.size());
-    for (const GraphOrders::Member& entry : noted) {
-        const auto place = static_cast<std::size_t>(entry.index);
-        if (byIndex[place] == nullptr || byIndex[place]->memberHash() != entry.hash) continue;
-        ordered.push_back(byIndex[place]);
-        placed[place] = true;
+RVDListCell* GraphAccess::restoreOrder(List& list, GraphOrders::Order<Member>& order) noexcept {
+    order.found.assign(order.hashes.size(), nullptr);
+    List others;
+    for (RVDListCell *next = nullptr, *cell = list.m_pFirst; cell != nullptr; cell = next) {
+        next = cell->m_pNext;
+        auto* member = static_cast<Member*>(cell->m_pObject);
+        if (order.has(member)) {
+            order.found[static_cast<std::size_t>(member->m_index)] = member;
+        } else {
+            others.linkLast(cell);
+        }
     }
-    for (Member* member : list) {
-        const auto place = static_cast<std::size_t>(member->denseIndex());
-        if (placed[place]) continue;
-        ordered.push_back(member);
-        byIndex[place] = nullptr;  // only what was noted is found by index
+    list.forgetCells();
+    for (const int index : order.indices) {
+        Member* const member = order.found[static_cast<std::size_t>(index)];
+        if (member != nullptr) list.linkLast(&member->m_graphCell);
     }
-    return ordered;
+    RVDListCell* const firstOther = others.m_pFirst;
+    for (RVDListCell *next = nullptr, *cell = firstOther; cell != nullptr; cell = next) {
+        next = cell->m_pNext;
+        list.linkLast(cell);
+    }
+    others.forgetCells();
+    return firstOther;
 }
 
-}  // namespace
-
-void GraphAccess::restoreOrders(RVGraph* graph, const GraphOrders& orders) {
-    std::vector<RVNode*> nodeByIndex;
-    std::vector<RVEdge*> edgeByIndex;
-    const auto nodes =
-        inNotedOrder<RVNode>(graph->m_nodes, graph->nodeIndexLimit(), orders.nodes, nodeByIndex);
-    const auto edges =
-        inNotedOrder<RVEdge>(graph->m_edges, graph->edgeIndexLimit(), orders.edges, edgeByIndex);
+void GraphAccess::restoreOrders(RVGraph* graph, GraphOrders& orders) noexcept {
     ++graph->m_modifications;
     graph->m_listsInGraphOrder = orders.listsInGraphOrder;
-    graph->m_nodes.forgetCells();
-    for (RVNode* node : nodes) {
-        graph->m_nodes.linkLast(&node->m_graphCell);
+    restoreOrder(graph->m_nodes, orders.nodes);
+    for (RVNode* node : graph->m_nodes) {
         node->m_outEdges.forgetCells();
         node->m_inEdges.forgetCells();
     }
-    graph->m_edges.forgetCells();
-    for (RVEdge* edge : edges) graph->m_edges.linkLast(&edge->m_graphCell);
-    if (!orders.listsInGraphOrder) {
+    RVDListCell* rest = restoreOrder(graph->m_edges, orders.edges);
+    if (orders.listsInGraphOrder) {
+        rest = graph->m_edges.m_pFirst;
+    } else {
+        const auto& found = orders.edges.found;
         for (const int index : orders.outEdges) {
-            RVEdge* edge = edgeByIndex[static_cast<std::size_t>(index)];
+            RVEdge* edge = found[static_cast<std::size_t>(index)];
             if (edge != nullptr) edge->m_pSource->m_outEdges.linkLast(&edge->m_outCell);
         }
         for (const int index : orders.inEdges) {
-            RVEdge* edge = edgeByIndex[static_cast<std::size_t>(index)];
+            RVEdge* edge = found[static_cast<std::size_t>(index)];
             if (edge != nullptr) edge->m_pTarget->m_inEdges.linkLast(&edge->m_inCell);
         }
     }
-    for (RVEdge* edge : edges) {
-        const bool placed =
-            !orders.listsInGraphOrder && edgeByIndex[static_cast<std::size_t>(edge->m_index)] != nullptr;
-        if (placed) continue;
+    for (; rest != nullptr; rest = rest->m_pNext) {
+        auto* edge = static_cast<RVEdge*>(rest->m_pObject);
         edge->m_pSource->m_outEdges.linkLast(&edge->m_outCell);
         edge->m_pTarget->m_inEdges.linkLast(&edge->m_inCell);
     }

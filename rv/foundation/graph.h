@@ -30,6 +30,7 @@
 #pragma once
 
 #include <algorithm>
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <new>
@@ -189,9 +190,8 @@ private:
     int m_index = 0;
     std::uint32_t m_hash : 28 = 0;
     bool m_attached : 1 = false;
-    bool m_removed : 1 = false;        // an edge taken out by itself
-    bool m_adopted : 1 = false;        // its memory belongs to another graph
-    bool m_mappingTarget : 1 = false;  // some data may map another object to this one and not back
+    bool m_removed : 1 = false;  // an edge taken out by itself
+    bool m_adopted : 1 = false;  // its memory belongs to another graph
 };
 
 class RV_EXPORT RVNode : public RVGraphMember {
@@ -434,6 +434,7 @@ private:
     Fields m_nodeFields;
     Fields m_edgeFields;
     std::vector<Wait> m_waits;
+    std::size_t m_waiting = 0;              // entries in use
     std::uint32_t m_freeWait = 0;           // position + 1, 0 for none
     rv::Column<std::uint32_t> m_waitHeads;  // by node; position + 1, 0 for none
 

@@ -2,6 +2,7 @@
 // Internal to the library, not installed.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <vector>
 
@@ -10,15 +11,23 @@
 namespace rv {
 
 // The orders of a graph at one time: of its nodes, its edges and each node's out- and in-edges. Objects are
-// noted by index and hash, so that those that are destroyed meanwhile are told from later ones.
+// noted by index and hash, so that those that are destroyed meanwhile are told from later ones. There is room
+// for all that is needed to restore the orders.
 struct GraphOrders {
-    struct Member {
-        int index;
-        std::uint32_t hash;
+    static constexpr std::uint32_t kNotNoted = 0xFFFFFFFF;  // no member's hash
+    template <class Member>
+    struct Order {
+        bool has(const Member* member) const {
+            const auto place = static_cast<std::size_t>(member->denseIndex());
+            return place < hashes.size() && hashes[place] == member->memberHash();
+        }
+        std::vector<int> indices;
+        std::vector<std::uint32_t> hashes;  // by index
+        std::vector<Member*> found;         // by index; filled while the order is restored
     };
-    std::vector<Member> nodes;
-    std::vector<Member> edges;
-    std::vector<int> outEdges;  // by dense index, node after node
+    Order<RVNode> nodes;
+    Order<RVEdge> edges;
+    std::vector<int> outEdges;  // by index, node after node
     std::vector<int> inEdges;
     bool listsInGraphOrder = true;
 };
@@ -29,9 +38,6 @@ public:
     static std::uint32_t addObserver(RVGraph* graph, GraphObserver* observer);
     static void removeObserver(RVGraph* graph, GraphObserver* observer);
 
-    static bool isMappingTarget(const RVGraphMember* member) { return member->m_mappingTarget; }
-    static void setMappingTarget(RVGraphMember* member) { member->m_mappingTarget = true; }
-
     // Fills an empty graph with a copy of what is attached in another: names and all orders, those of the
     // nodes' in- and out-lists included. nodeCopies and edgeCopies give the copies by the dense index of
     // the originals, none where there is no copy.
@@ -40,7 +46,15 @@ public:
 
     static GraphOrders noteOrders(const RVGraph* graph);
     // Puts what is attached back into the noted orders; objects that were not noted go behind all others.
-    static void restoreOrders(RVGraph* graph, const GraphOrders& orders);
+    // Allocates nothing.
+    static void restoreOrders(RVGraph* graph, GraphOrders& orders) noexcept;
+
+    // Makes room for so many removals of attached edges, which then allocate nothing.
+    static void prepareRemovals(RVGraph* graph, std::size_t edges) { graph->prepareWaits(2 * edges); }
+
+private:
+    template <class Member, class List>
+    static RVDListCell* restoreOrder(List& list, GraphOrders::Order<Member>& order) noexcept;
 };
 
 }  // namespace rv

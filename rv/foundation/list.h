@@ -124,6 +124,7 @@ public:
 
     virtual void deleteAllCells();
     // Also destroys the objects, first to last. The list is empty before the first of them is destroyed.
+    // REQUIRES: no object is in the list several times, and none destroys another one that is.
     void deleteAllCellsAndObjects();
 
     // Append the objects of another list, or this one's own once more, in its order. The contents of this

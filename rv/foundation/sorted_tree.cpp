@@ -17,11 +17,17 @@ public:
         for (RVBinTreeCell* cell = tree.pFirstCell(); cell != nullptr; cell = cell->pNextCell()) add(cell);
     }
 
-    // The object's only cell; none when it has none, or several (then `several` is set).
-    RVBinTreeCell* find(const RVObject* object, bool& several) const {
-        const Slot& slot = m_slots[position(object)];
+    // The object's only cell; none when it has none, or several. Of several the last one that is left is
+    // looked for in the tree.
+    RVBinTreeCell* find(const RVObject* object, const RVBinTree& tree, bool& several) {
+        Slot& slot = m_slots[position(object)];
         several = slot.count > 1;
-        return slot.count == 1 ? slot.cell : nullptr;
+        if (slot.count != 1) return nullptr;
+        if (slot.cell == nullptr) {
+            slot.cell = tree.pFirstCell();
+            while (slot.cell->pObject() != object) slot.cell = slot.cell->pNextCell();
+        }
+        return slot.cell;
     }
 
     void add(RVBinTreeCell* cell) {
@@ -34,17 +40,13 @@ public:
         }
     }
 
-    // Forgets a cell that has left the tree. When one of two or more cells of an object leaves, the
-    // remaining one is looked for in the tree.
-    void remove(const RVBinTreeCell* cell, const RVBinTree& tree) {
+    // Forgets a cell that has left the tree.
+    void remove(const RVBinTreeCell* cell) {
         std::size_t hole = position(cell->pObject());
         Slot& slot = m_slots[hole];
         if (slot.count == 0) return;
         if (--slot.count > 0) {
-            if (slot.count == 1) {
-                slot.cell = tree.pFirstCell();
-                while (slot.cell->pObject() != slot.object) slot.cell = slot.cell->pNextCell();
-            }
+            slot.cell = nullptr;  // perhaps another one
             return;
         }
         --m_used;
@@ -147,7 +149,7 @@ RVDListCell* RVBinTree::prependObject(RVObject* object) { return addObject(objec
 RVBinTreeCell* RVBinTree::searchObject(const RVObject* object) const {
     if (m_index == nullptr) m_index = std::make_unique<rv::CellIndex>(*this);
     bool several = false;
-    RVBinTreeCell* cell = m_index->find(object, several);
+    RVBinTreeCell* cell = m_index->find(object, *this, several);
     return several ? static_cast<RVBinTreeCell*>(RVDList::searchObject(object)) : cell;
 }
 
@@ -251,7 +253,7 @@ void RVBinTree::unlink(RVBinTreeCell* cell) {
         retraceShrunk(parent, side);
     }
     RVDList::unlink(cell);
-    if (m_index != nullptr) m_index->remove(cell, *this);
+    if (m_index != nullptr) m_index->remove(cell);
 }
 
 void RVBinTree::replaceChild(RVBinTreeCell* parent, RVBinTreeCell* old, RVBinTreeCell* now) {

@@ -7,7 +7,7 @@
 // Only insertion compares: O(log n), O(1) where the object goes last. A tree whose order is that of an
 // integer per object may say so (integerKey) and then compares integers that its cells keep. Removing a cell
 // never compares. searchObject finds an object's cell by identity, not by key: O(1) through an index that is
-// built on the first search, O(n) only for an object that is in the tree several times.
+// built on the first search, O(n) only for an object that is, or was, in the tree several times.
 #pragma once
 
 #include <memory>

@@ -48,8 +48,10 @@ RVServiceErrorCodeEnum runAndThen(F f, After after) {
 RVServiceErrorCodeEnum RVAlgorithm::run() {
     const RVServiceErrorCodeEnum code = checkData();
     if (code != RV_NO_ERROR) return code;
+    RVGraph* const graph = pInputData()->pAssociatedGraph();
+    if (pOutputData()->pAssociatedGraph() == nullptr) pOutputData()->pAssociatedGraph(graph);
     pOutputData()->reset();
-    pOutputData()->pAssociatedGraph(pInputData()->pAssociatedGraph());
+    pOutputData()->pAssociatedGraph(graph);
     return runAndThen([this] { return runHooks(); }, [this] { cleanup(); });
 }
 

@@ -2,7 +2,7 @@
 //
 // A run calls, in this order:
 //   checkData            a nonzero code ends the run and is its result
-//   (the output is reset on the graph of its last run, then bound to the input's graph)
+//   (the output is reset on the graph that it is bound to, if any, else on the input's, then bound to that)
 //   initialize           makes what the run needs
 //   parseInputData       reads the input
 //   preprocess           prepares the graph

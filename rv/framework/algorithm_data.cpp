@@ -2,7 +2,9 @@
 
 #include <algorithm>
 #include <cstring>
+#include <list>
 #include <optional>
+#include <unordered_map>
 #include <utility>
 
 #include "rv/foundation/graph_access.h"
@@ -15,17 +17,21 @@ namespace {
 std::size_t kindOf(const RVGraphMember* member) { return member->isNode() ? 0 : 1; }
 constexpr std::size_t kNodes = 0;
 constexpr std::size_t kEdges = 1;
+// Above all dense indices of a graph's nodes or edges.
+int indexLimit(const RVGraph* graph, std::size_t kind) {
+    return kind == kNodes ? graph->nodeIndexLimit() : graph->edgeIndexLimit();
+}
 }  // namespace
 
 // Maps the nodes, or the edges, of one graph to objects of another.
 struct Mapping {
     RVGraphMember* get(const RVGraphMember* member) const { return values.get(member->denseIndex()); }
-    void set(const RVGraphMember* member, RVGraphMember* value, int limit) {
-        values.set(member->denseIndex(), value, limit);
+    RVGraphMember*& at(const RVGraphMember* member) {
+        return values.values()[static_cast<std::size_t>(member->denseIndex())];
     }
 
     Column<RVGraphMember*> values;
-    RVGraph* target = nullptr;  // the graph of the first value; of all of them unless the data says otherwise
+    DataGraph* target = nullptr;  // of the first value; of all of them unless the data says otherwise
 };
 
 // What one data object keeps about one graph: its records on the graph's objects, and where these objects
@@ -50,6 +56,11 @@ public:
 private:
     friend class DataGraphs;
     using Record = RVAlgorithmExtension;
+    // Some mapping may lead to the other graph, or back. Both graphs know the place of the other one's link.
+    struct Link {
+        DataGraph* graph;
+        std::size_t placeThere;
+    };
 
     RVAlgorithmExtension** listHead(RVGraphObject* owner) const;
     void link(Record* record) const;
@@ -57,8 +68,13 @@ private:
     static void endInPlace(Record* record);
     void destroy(Record* record);
     void release();
+    void takeFrom(std::vector<Record*>& records, std::uint32_t place, std::uint32_t flag);
     template <class F>
     void forEachRecord(F f);
+
+    std::uint32_t& strays(const RVGraphMember* member) {
+        return m_strays[kindOf(member)].values()[static_cast<std::size_t>(member->denseIndex())];
+    }
 
     DataGraphs& m_owner;
     RVAlgorithmData* m_data;
@@ -71,6 +87,9 @@ private:
     bool m_recordsMovedAway = false;        // a record in the slabs may be one of another graph's objects
     Mapping m_copies[2];                    // of nodes and of edges
     Mapping m_originals[2];
+    std::vector<Link> m_links;
+    // By object: how many values lead to it, at the most, that it is not itself mapped back to.
+    Column<std::uint32_t> m_strays[2];
 };
 
 // All that a data object keeps about graphs.
@@ -80,24 +99,19 @@ public:
     DataGraphs(const DataGraphs&) = delete;
     DataGraphs& operator=(const DataGraphs&) = delete;
     ~DataGraphs() {
-        for (const auto& entry : m_graphs) {
-            entry->dropRecords();
-            GraphAccess::removeObserver(entry->m_graph, entry.get());
+        for (DataGraph& entry : m_graphs) {
+            entry.dropRecords();
+            GraphAccess::removeObserver(entry.m_graph, &entry);
         }
     }
 
     DataGraph* find(const RVGraph* graph) const {
         if (m_last != nullptr && m_last->m_graph == graph) return m_last;
-        for (const auto& entry : m_graphs) {
-            if (entry->m_graph == graph) return m_last = entry.get();
-        }
-        return nullptr;
+        return findAmongAll(graph);
     }
     DataGraph& at(RVGraph* graph) {
-        if (DataGraph* found = find(graph)) return *found;
-        m_graphs.reserve(m_graphs.size() + 1);
-        m_graphs.push_back(std::make_unique<DataGraph>(*this, m_data, graph));
-        return *(m_last = m_graphs.back().get());
+        DataGraph* const found = find(graph);
+        return found != nullptr ? *found : add(graph);
     }
 
     using Direction = Mapping (DataGraph::*)[2];
@@ -112,24 +126,36 @@ public:
     }
     void map(RVGraphMember* member, RVGraphMember* value, std::size_t kind, Direction direction);
     void copyGraph(const RVGraph* original, RVGraph* copy);
-    void copyFrom(const DataGraphs& other);
+    void copyFrom(DataGraphs& other);
 
     // A value that is going away, or whose graph is, leaves every mapping.
     void forgetMember(RVGraphMember* member, DataGraph& home);
-    void forgetGraph(const RVGraph* graph);
+    void forgetGraph(DataGraph& dying);
 
-    void remove(DataGraph* graph) {
-        if (m_last == graph) m_last = nullptr;
-        const auto found = std::find_if(m_graphs.begin(), m_graphs.end(),
-                                        [&](const auto& entry) { return entry.get() == graph; });
-        m_graphs.erase(found);
-    }
+    void remove(DataGraph& graph);
 
 private:
     friend class DataGraph;
+    using Graphs = std::list<DataGraph>;
+    static constexpr std::size_t kFew = 8;
+
+    DataGraph* findAmongAll(const RVGraph* graph) const;
+    DataGraph& add(RVGraph* graph);
+    static void link(DataGraph& a, DataGraph& b);
+    static void unlink(DataGraph& graph);
+    // The graph of a value of the mapping.
+    DataGraph& graphOf(const RVGraphMember* value, const Mapping& mapping) {
+        RVGraph* const home = value->pHomeGraph();
+        return mapping.target != nullptr && mapping.target->m_graph == home ? *mapping.target : at(home);
+    }
+    static Direction opposite(Direction direction) { return direction == kCopies ? kOriginals : kCopies; }
+    bool isMutual(const DataGraph& graph, Direction direction, std::size_t kind, std::size_t place);
+    void clearCopies(DataGraph& graph);
+    void forgetMutual(DataGraph& dying, Direction direction, std::size_t kind);
 
     RVAlgorithmData* m_data;
-    std::vector<std::unique_ptr<DataGraph>> m_graphs;
+    Graphs m_graphs;                                                // in the order in which they came
+    std::unordered_map<const RVGraph*, Graphs::iterator> m_places;  // empty while there have been few
     mutable DataGraph* m_last = nullptr;
     bool m_mixedTargets = false;    // some mapping may lead to several graphs
     std::optional<Slab> m_kept[2];  // records whose objects have left a graph that died
@@ -159,8 +185,9 @@ void DataGraph::enlist(Record* record) {
     if (record->m_place == Record::kLoose) {
         m_heapRecords.push_back(record);
         record->m_place = static_cast<std::uint32_t>(m_heapRecords.size() - 1);
-    } else if (record->m_place == Record::kOtherSlab) {
+    } else if (record->m_place == Record::kSettled) {
         m_settledRecords.push_back(record);
+        record->m_place = static_cast<std::uint32_t>(m_settledRecords.size() - 1) | Record::kSettled;
     }
     record->m_stamp = m_stamp;
     link(record);
@@ -193,16 +220,21 @@ void DataGraph::destroy(Record* record) {
         const std::size_t kind = record->m_pOwner->isNode() ? kNodes : kEdges;
         record->~Record();
         m_slabs[kind]->recycle(record);
-    } else if (place == Record::kOtherSlab) {
-        m_settledRecords.erase(std::find(m_settledRecords.begin(), m_settledRecords.end(), record));
+    } else if ((place & Record::kSettled) != 0) {
+        takeFrom(m_settledRecords, place, Record::kSettled);
         endInPlace(record);
     } else {
-        m_heapRecords[place] = m_heapRecords.back();
-        m_heapRecords[place]->m_place = place;
-        m_heapRecords.pop_back();
+        takeFrom(m_heapRecords, place, 0);
         record->m_place = Record::kLoose;
         delete record;
     }
+}
+
+// The last one goes to the place that becomes free.
+void DataGraph::takeFrom(std::vector<Record*>& records, std::uint32_t place, std::uint32_t flag) {
+    records[place & ~flag] = records.back();
+    records[place & ~flag]->m_place = place;
+    records.pop_back();
 }
 
 template <class F>
@@ -261,8 +293,8 @@ void DataGraph::graphDies(RVGraph* graph) {
     if (data->m_pAssociatedGraph == graph) data->m_pAssociatedGraph = nullptr;
     if (data->m_pInputGraph == graph) data->m_pInputGraph = nullptr;
     if (data->m_secondaryGraphs->length() > 0) delete data->m_secondaryGraphs->searchAndRemoveObject(graph);
-    m_owner.forgetGraph(graph);
-    m_owner.remove(this);  // ends this object
+    m_owner.forgetGraph(*this);
+    m_owner.remove(*this);  // ends this object
 }
 
 void DataGraph::memberDies(RVGraphMember* member) {
@@ -281,130 +313,269 @@ void DataGraph::memberMoved(RVGraphMember* member, RVGraph*, int indexThere) {
     for (Record* record = *listHead(member); record != nullptr; record = record->m_pNext) {
         if (record->m_pData != m_data) continue;
         unlink(record);
-        if (record->m_place == Record::kSlab) {
-            record->m_place = Record::kOtherSlab;
+        const std::uint32_t place = record->m_place;
+        if (place == Record::kSlab) {
             m_recordsMovedAway = true;
-        } else if (record->m_place == Record::kOtherSlab) {
-            m_settledRecords.erase(std::find(m_settledRecords.begin(), m_settledRecords.end(), record));
+            record->m_place = Record::kSettled;
+        } else if ((place & Record::kSettled) != 0) {
+            takeFrom(m_settledRecords, place, Record::kSettled);
+            record->m_place = Record::kSettled;
         } else {
-            m_heapRecords[record->m_place] = m_heapRecords.back();
-            m_heapRecords[record->m_place]->m_place = record->m_place;
-            m_heapRecords.pop_back();
+            takeFrom(m_heapRecords, place, 0);
             record->m_place = Record::kLoose;
         }
         here.enlist(record);
         break;
     }
     const std::size_t kind = kindOf(member);
-    const int limit =
-        kind == kNodes ? member->pHomeGraph()->nodeIndexLimit() : member->pHomeGraph()->edgeIndexLimit();
+    const int limit = indexLimit(member->pHomeGraph(), kind);
     for (const DataGraphs::Direction direction : {DataGraphs::kCopies, DataGraphs::kOriginals}) {
         Mapping& there = (this->*direction)[kind];
         RVGraphMember* value = there.values.get(indexThere);
         if (value == nullptr) continue;
         there.values.reset(indexThere);
-        (here.*direction)[kind].set(member, value, limit);
+        (here.*direction)[kind].values.set(member->denseIndex(), value, limit);
     }
+    if (m_strays[kind].get(indexThere) != 0) {
+        here.m_strays[kind].set(member->denseIndex(), m_strays[kind].get(indexThere), limit);
+        m_strays[kind].reset(indexThere);
+    }
+    // What led to the member may come from anywhere where the graph that it left was known.
     m_owner.m_mixedTargets = true;
+    DataGraphs::link(here, *this);
+    for (std::size_t i = 0; i < m_links.size(); ++i) DataGraphs::link(here, *m_links[i].graph);
+}
+
+// Graphs
+
+DataGraph* DataGraphs::findAmongAll(const RVGraph* graph) const {
+    if (!m_places.empty()) {
+        const auto found = m_places.find(graph);
+        return found == m_places.end() ? nullptr : m_last = &*found->second;
+    }
+    const auto found = std::find_if(m_graphs.begin(), m_graphs.end(),
+                                    [graph](const DataGraph& entry) { return entry.m_graph == graph; });
+    return found == m_graphs.end() ? nullptr : m_last = const_cast<DataGraph*>(&*found);
+}
+
+DataGraph& DataGraphs::add(RVGraph* graph) {
+    if (m_graphs.size() == kFew && m_places.empty()) {
+        std::unordered_map<const RVGraph*, Graphs::iterator> places;
+        for (auto it = m_graphs.begin(); it != m_graphs.end(); ++it) places.emplace(it->m_graph, it);
+        m_places.swap(places);
+    }
+    const bool isPlaced = !m_places.empty() && m_places.emplace(graph, m_graphs.end()).second;
+    try {
+        m_graphs.emplace_back(*this, m_data, graph);
+    } catch (...) {
+        if (isPlaced) m_places.erase(graph);
+        throw;
+    }
+    if (isPlaced) m_places[graph] = std::prev(m_graphs.end());
+    return *(m_last = &m_graphs.back());
+}
+
+void DataGraphs::remove(DataGraph& graph) {
+    if (m_last == &graph) m_last = nullptr;
+    if (m_places.empty()) {
+        m_graphs.remove_if([&graph](const DataGraph& entry) { return &entry == &graph; });
+    } else {
+        const auto place = m_places.extract(graph.m_graph);
+        m_graphs.erase(place.mapped());
+    }
+}
+
+void DataGraphs::link(DataGraph& a, DataGraph& b) {
+    if (&a == &b) return;
+    const auto isLinked = [](const DataGraph& from, const DataGraph& to) {
+        return std::any_of(from.m_links.begin(), from.m_links.end(),
+                           [&to](const DataGraph::Link& link) { return link.graph == &to; });
+    };
+    if (a.m_links.size() < b.m_links.size() ? isLinked(a, b) : isLinked(b, a)) return;
+    a.m_links.push_back({&b, b.m_links.size()});
+    try {
+        b.m_links.push_back({&a, a.m_links.size() - 1});
+    } catch (...) {
+        a.m_links.pop_back();
+        throw;
+    }
+}
+
+void DataGraphs::unlink(DataGraph& graph) {
+    for (const DataGraph::Link& linked : graph.m_links) {
+        std::vector<DataGraph::Link>& there = linked.graph->m_links;
+        DataGraph::Link& place = there[linked.placeThere];
+        place = there.back();
+        place.graph->m_links[place.placeThere].placeThere = linked.placeThere;
+        there.pop_back();
+    }
 }
 
 // Mappings
+//
+// A value is a stray unless the object that it leads to is mapped back. When an object dies, its own values
+// tell which others lead to it; strays have to be looked for, which is done only where there are some.
 
 void DataGraphs::map(RVGraphMember* member, RVGraphMember* value, std::size_t kind, Direction direction) {
     if (member == nullptr) return;
-    RVGraph* const home = member->pHomeGraph();
-    Mapping& mapping = (at(home).*direction)[kind];
-    // What still leads back to the member can then not be found from it.
-    const RVGraphMember* const before = mapping.get(member);
-    if (before != nullptr && before != value) GraphAccess::setMappingTarget(member);
-    mapping.set(member, value, kind == kNodes ? home->nodeIndexLimit() : home->edgeIndexLimit());
-    if (value == nullptr) return;
-    DataGraph& there = at(value->pHomeGraph());
-    if (mapping.target == nullptr) mapping.target = value->pHomeGraph();
-    if (mapping.target != value->pHomeGraph()) m_mixedTargets = true;
-    const Direction back = direction == kCopies ? kOriginals : kCopies;
-    if ((there.*back)[kind].get(value) != member) GraphAccess::setMappingTarget(value);
+    const Direction back = opposite(direction);
+    DataGraph& here = at(member->pHomeGraph());
+    Mapping& mapping = (here.*direction)[kind];
+    RVGraphMember* const before = mapping.get(member);
+    if (value == before) return;
+    const auto isMutual = [&](const DataGraph* graph, const RVGraphMember* other) {
+        return graph != nullptr && (graph->*back)[kind].get(other) == member;
+    };
+    DataGraph* const thereBefore = before == nullptr ? nullptr : &graphOf(before, mapping);
+    const bool wasMutual = isMutual(thereBefore, before);
+
+    // Whatever may fail comes first.
+    DataGraph* there = nullptr;
+    if (value != nullptr) {
+        there = mapping.target;
+        if (there == nullptr || there->m_graph != value->pHomeGraph()) {
+            there = &at(value->pHomeGraph());
+            link(here, *there);
+        }
+    }
+    const bool becomesMutual = isMutual(there, value);
+    mapping.values.cover(indexLimit(here.m_graph, kind));
+    if (wasMutual) here.m_strays[kind].cover(indexLimit(here.m_graph, kind));
+    if (there != nullptr && !becomesMutual) there->m_strays[kind].cover(indexLimit(there->m_graph, kind));
+
+    if (before != nullptr) wasMutual ? ++here.strays(member) : --thereBefore->strays(before);
+    if (there != nullptr) {
+        becomesMutual ? --here.strays(member) : ++there->strays(value);
+        if (mapping.target == nullptr) mapping.target = there;
+        if (mapping.target != there) m_mixedTargets = true;
+    }
+    mapping.at(member) = value;
 }
 
 void DataGraphs::copyGraph(const RVGraph* original, RVGraph* copy) {
     DataGraph& there = at(const_cast<RVGraph*>(original));
+    DataGraph& here = at(copy);
+    link(there, here);
+    clearCopies(there);
     Mapping(&copies)[2] = there.m_copies;
+    Mapping(&originals)[2] = here.m_originals;
+    copies[kNodes].target = copies[kEdges].target = &here;
+    originals[kNodes].target = originals[kEdges].target = &there;
+    try {
+        GraphAccess::copyGraph(original, copy, copies[kNodes].values.values(),
+                               copies[kEdges].values.values());
+        for (const std::size_t kind : {kNodes, kEdges}) originals[kind].values.cover(indexLimit(copy, kind));
+    } catch (...) {
+        for (Mapping& mapping : copies) mapping.values.clear();
+        throw;
+    }
+    for (RVNode* node : *original->pNodeList()) originals[kNodes].at(copies[kNodes].get(node)) = node;
+    for (RVEdge* edge : *original->pEdgeList()) originals[kEdges].at(copies[kEdges].get(edge)) = edge;
+}
+
+// Whether the value at a place of a graph's mapping is mapped back to the object of that place.
+bool DataGraphs::isMutual(const DataGraph& graph, Direction direction, std::size_t kind, std::size_t place) {
+    const Mapping& mapping = (graph.*direction)[kind];
+    const RVGraphMember* const value = mapping.values.values()[place];
+    const RVGraphMember* const source = (graphOf(value, mapping).*opposite(direction))[kind].get(value);
+    return source != nullptr && source->pHomeGraph() == graph.m_graph &&
+           static_cast<std::size_t>(source->denseIndex()) == place;
+}
+
+// Before all objects of a graph get other copies.
+void DataGraphs::clearCopies(DataGraph& graph) {
     for (const std::size_t kind : {kNodes, kEdges}) {
-        // What leads back from an earlier copy can then not be found from the original.
-        for (RVGraphMember* earlier : copies[kind].values.values()) {
-            const DataGraph* graph = earlier == nullptr ? nullptr : find(earlier->pHomeGraph());
-            RVGraphMember* const source = graph == nullptr ? nullptr : graph->m_originals[kind].get(earlier);
-            if (source != nullptr) GraphAccess::setMappingTarget(source);
+        Mapping& mapping = graph.m_copies[kind];
+        std::vector<RVGraphMember*>& copies = mapping.values.values();
+        if (!copies.empty()) graph.m_strays[kind].cover(indexLimit(graph.m_graph, kind));
+        for (std::size_t place = 0; place < copies.size(); ++place) {
+            if (copies[place] == nullptr) continue;
+            isMutual(graph, kCopies, kind, place) ? ++graph.m_strays[kind].values()[place]
+                                                  : --graphOf(copies[place], mapping).strays(copies[place]);
+            copies[place] = nullptr;
         }
     }
-    GraphAccess::copyGraph(original, copy, copies[kNodes].values.values(), copies[kEdges].values.values());
-    copies[kNodes].target = copies[kEdges].target = copy;
-    Mapping(&originals)[2] = at(copy).m_originals;
-    for (RVNode* node : *original->pNodeList()) {
-        originals[kNodes].set(copies[kNodes].get(node), node, copy->nodeIndexLimit());
-    }
-    for (RVEdge* edge : *original->pEdgeList()) {
-        originals[kEdges].set(copies[kEdges].get(edge), edge, copy->edgeIndexLimit());
-    }
-    originals[kNodes].target = originals[kEdges].target = there.m_graph;
 }
 
 void DataGraphs::forgetMember(RVGraphMember* member, DataGraph& home) {
     const std::size_t kind = kindOf(member);
-    const auto forget = [&](Direction direction, Direction back) {
-        RVGraphMember* const value = (home.*direction)[kind].get(member);
-        if (value == nullptr) return;
-        (home.*direction)[kind].values.reset(member->denseIndex());
-        DataGraph* const there = find(value->pHomeGraph());
-        if (there != nullptr && (there->*back)[kind].get(value) == member) {
-            (there->*back)[kind].values.reset(value->denseIndex());
-        }
-    };
-    forget(kCopies, kOriginals);
-    forget(kOriginals, kCopies);
-    if (!GraphAccess::isMappingTarget(member)) return;
-    for (const auto& graph : m_graphs) {
+    for (const Direction direction : {kCopies, kOriginals}) {
+        Mapping& mapping = (home.*direction)[kind];
+        RVGraphMember* const value = mapping.get(member);
+        if (value == nullptr) continue;
+        DataGraph& there = graphOf(value, mapping);
+        Mapping& back = (there.*opposite(direction))[kind];
+        back.get(value) == member ? back.values.reset(value->denseIndex())
+                                  : static_cast<void>(--there.strays(value));
+        mapping.at(member) = nullptr;
+    }
+    if (home.m_strays[kind].get(member->denseIndex()) == 0) return;
+    home.m_strays[kind].reset(member->denseIndex());
+    const auto forgetIn = [&](DataGraph& graph) {
         for (const Direction direction : {kCopies, kOriginals}) {
-            for (RVGraphMember*& value : ((*graph).*direction)[kind].values.values()) {
+            for (RVGraphMember*& value : (graph.*direction)[kind].values.values()) {
                 if (value == member) value = nullptr;
             }
         }
-    }
+    };
+    forgetIn(home);
+    for (const DataGraph::Link& linked : home.m_links) forgetIn(*linked.graph);
 }
 
-void DataGraphs::forgetGraph(const RVGraph* dying) {
-    for (const auto& graph : m_graphs) {
-        if (graph->m_graph == dying) continue;
-        for (const Direction direction : {kCopies, kOriginals}) {
-            for (Mapping& mapping : ((*graph).*direction)) {
-                if (m_mixedTargets) {
+void DataGraphs::forgetGraph(DataGraph& dying) {
+    for (const Direction direction : {kCopies, kOriginals}) {
+        for (const std::size_t kind : {kNodes, kEdges}) {
+            if (m_mixedTargets) forgetMutual(dying, direction, kind);
+            const std::vector<std::uint32_t>& strays = dying.m_strays[kind].values();
+            const bool hasStrays = std::any_of(strays.begin(), strays.end(), [](auto n) { return n != 0; });
+            for (const DataGraph::Link& linked : dying.m_links) {
+                Mapping& mapping = (linked.graph->*direction)[kind];
+                if (!m_mixedTargets) {
+                    if (mapping.target == &dying) mapping.values.clear();
+                } else if (hasStrays) {
                     for (RVGraphMember*& value : mapping.values.values()) {
-                        if (value != nullptr && value->pHomeGraph() == dying) value = nullptr;
+                        if (value != nullptr && value->pHomeGraph() == dying.m_graph) value = nullptr;
                     }
-                } else if (mapping.target == dying) {
-                    mapping.values.clear();
                 }
-                if (mapping.target == dying) mapping.target = nullptr;
+                if (mapping.target == &dying) mapping.target = nullptr;
             }
         }
     }
+    unlink(dying);
 }
 
-void DataGraphs::copyFrom(const DataGraphs& other) {
+// What a dying graph's objects are mapped to is not mapped back any more.
+void DataGraphs::forgetMutual(DataGraph& dying, Direction direction, std::size_t kind) {
+    const Mapping& mapping = (dying.*direction)[kind];
+    for (std::size_t place = 0; place < mapping.values.values().size(); ++place) {
+        RVGraphMember* const value = mapping.values.values()[place];
+        if (value == nullptr || value->pHomeGraph() == dying.m_graph) continue;
+        if (!isMutual(dying, direction, kind, place)) continue;
+        (graphOf(value, mapping).*opposite(direction))[kind].at(value) = nullptr;
+    }
+}
+
+void DataGraphs::copyFrom(DataGraphs& other) {
     m_mixedTargets = other.m_mixedTargets;
-    for (const auto& source : other.m_graphs) {
-        DataGraph& graph = at(source->m_graph);
-        for (const Direction direction : {kCopies, kOriginals}) {
-            for (const std::size_t kind : {kNodes, kEdges}) {
-                const Mapping& from = ((*source).*direction)[kind];
-                (graph.*direction)[kind] = from;
-                // Whether the values point back is not known for this data, so their end must be told of.
-                for (RVGraphMember* value : from.values.values()) {
-                    if (value != nullptr) GraphAccess::setMappingTarget(value);
-                }
+    for (const DataGraph& source : other.m_graphs) at(source.m_graph);
+    for (const DataGraph& source : other.m_graphs) {
+        DataGraph& graph = at(source.m_graph);
+        for (const DataGraph::Link& linked : source.m_links) link(graph, at(linked.graph->m_graph));
+    }
+    for (DataGraph& source : other.m_graphs) {
+        DataGraph& graph = at(source.m_graph);
+        for (const std::size_t kind : {kNodes, kEdges}) {
+            graph.m_strays[kind] = source.m_strays[kind];
+            for (const Direction direction : {kCopies, kOriginals}) {
+                const Mapping& from = (source.*direction)[kind];
+                Mapping& to = (graph.*direction)[kind];
+                to.values = from.values;
+                to.target = from.target == nullptr ? nullptr : &at(from.target->m_graph);
             }
         }
-        source->forEachRecord([&](RVAlgorithmExtension* record) { m_data->copyExtension(*record); });
+    }
+    for (DataGraph& source : other.m_graphs) {
+        source.forEachRecord([&](RVAlgorithmExtension* record) { m_data->copyExtension(*record); });
     }
 }
 

@@ -70,11 +70,12 @@ private:
     friend class rv::DataGraph;
     friend class rv::DataGraphs;
 
-    // Where the memory of a record comes from; any other value is a place in the data's list of records
-    // that are on the heap.
-    static constexpr std::uint32_t kLoose = 0xFFFFFFFF;      // not in the hands of its data
-    static constexpr std::uint32_t kSlab = 0xFFFFFFFE;       // the data's slab for the object's graph
-    static constexpr std::uint32_t kOtherSlab = 0xFFFFFFFD;  // the slab for a graph that the object has left
+    // Where the memory of a record comes from; any other value is a place in the data's list of records that
+    // are on the heap.
+    static constexpr std::uint32_t kLoose = 0xFFFFFFFF;  // not in the hands of its data
+    static constexpr std::uint32_t kSlab = 0xFFFFFFFE;   // the data's slab for the object's graph
+    // With the place in the data's list of such records: the slab for a graph that the object has left.
+    static constexpr std::uint32_t kSettled = 0x80000000;
 
     RVAlgorithmExtension* m_pNext = nullptr;
     RVGraphObject* m_pOwner = nullptr;
@@ -257,6 +258,6 @@ public:
     RVAlgorithmOutputData() = default;
 
     // Empties the results. Called before a run writes results, while the output is still bound to the graph
-    // of the run before.
+    // of the run before; one that is bound to no graph is bound to the input's graph first.
     virtual void reset() = 0;
 };

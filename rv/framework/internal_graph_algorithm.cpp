@@ -158,6 +158,60 @@ private:
 
 }  // namespace rv
 
+namespace {
+
+// Edges of a graph to be walked, in graph order, while others may be added, detached or discarded.
+class EdgeWalk final : rv::GraphObserver {
+public:
+    // From the edge at the iterator's place on.
+    EdgeWalk(RVGraph* graph, RVEdgeIter it) : m_graph(graph) {
+        m_places.resize(static_cast<std::size_t>(graph->edgeIndexLimit()));
+        for (; it; it++) {
+            m_edges.push_back(it.pEdge());
+            m_places[placeOf(it.pEdge()->denseIndex())] = m_edges.size();
+        }
+        rv::GraphAccess::addObserver(graph, this);
+    }
+    EdgeWalk(const EdgeWalk&) = delete;
+    EdgeWalk& operator=(const EdgeWalk&) = delete;
+    ~EdgeWalk() {
+        if (m_graph != nullptr) rv::GraphAccess::removeObserver(m_graph, this);
+    }
+
+    // The next edge that is in the graph, or none.
+    RVEdge* next() {
+        while (m_next < m_edges.size()) {
+            RVEdge* edge = m_edges[m_next++];
+            if (edge != nullptr && edge->pOwnerGraph() == m_graph) return edge;
+        }
+        return nullptr;
+    }
+
+private:
+    static std::size_t placeOf(int index) { return static_cast<std::size_t>(index); }
+    void graphDies(RVGraph*) override {
+        m_edges.clear();
+        m_graph = nullptr;
+    }
+    void memberDies(RVGraphMember* member) override {
+        if (member->isEdge()) forget(member, member->denseIndex());
+    }
+    void memberMoved(RVGraphMember* member, RVGraph*, int indexThere) override {
+        if (member->isEdge()) forget(member, indexThere);
+    }
+    void forget(const RVGraphMember* member, int index) {
+        const std::size_t place = placeOf(index) < m_places.size() ? m_places[placeOf(index)] : 0;
+        if (place != 0 && m_edges[place - 1] == member) m_edges[place - 1] = nullptr;
+    }
+
+    RVGraph* m_graph;
+    std::vector<RVEdge*> m_edges;       // none where one is gone
+    std::vector<std::size_t> m_places;  // by index: place in m_edges + 1, 0 for none
+    std::size_t m_next = 0;
+};
+
+}  // namespace
+
 RVInternalGraphAlgorithm::RVInternalGraphAlgorithm() = default;
 
 RV_OBJECT_IMPL(RVInternalGraphAlgorithm)
@@ -180,6 +234,8 @@ RVAlgorithmData* RVInternalGraphAlgorithm::newInternalData() { return new RVAnal
 void RVInternalGraphAlgorithm::initialize() {
     m_parallelEdges = nullptr;
     m_orders = nullptr;
+    m_isRestored = false;
+    m_returning.get().clear();
     RVInternalAlgorithm::initialize();
     RVGraph* graph = pInputData()->pAssociatedGraph();
     pInternalData()->pAssociatedGraph(graph);
@@ -189,6 +245,7 @@ void RVInternalGraphAlgorithm::initialize() {
 
 // Also called when a hook has thrown: the working graph is destroyed only if it is not the caller's.
 void RVInternalGraphAlgorithm::cleanup() {
+    restoreAfterFailure();
     if (RVAlgorithmData* data = pInternalData()) {
         RVGraph* const input = data->pInputGraph();
         RVGraph* const working = data->pAssociatedGraph();
@@ -197,24 +254,38 @@ void RVInternalGraphAlgorithm::cleanup() {
         delete data->pSecondaryGraphs()->searchAndRemoveObject(input);
     }
     m_parallelEdges = nullptr;
-    m_orders = nullptr;
     RVInternalAlgorithm::cleanup();
 }
 
 void RVInternalGraphAlgorithm::preprocess() { preprocessGraph(); }
 
 void RVInternalGraphAlgorithm::postprocess() {
-    const auto putOrdersBack = [this] {
-        if (m_orders.get() != nullptr) rv::GraphAccess::restoreOrders(pAssociatedGraph(), *m_orders.get());
-        m_orders = nullptr;
-    };
     try {
         postprocessGraph();
     } catch (...) {
-        putOrdersBack();
+        restoreAfterFailure();
         throw;
     }
-    putOrdersBack();
+    restoreOrders();
+}
+
+// An override that has thrown may have done so before it called its base. The caller's graph is restored
+// nevertheless; an exception behind the first one is not passed on.
+void RVInternalGraphAlgorithm::restoreAfterFailure() {
+    for (const bool asOverridden : {true, false}) {
+        if (m_orders.get() == nullptr || m_isRestored) break;
+        try {
+            asOverridden ? privatePostprocessGraph()
+                         : RVInternalGraphAlgorithm::privatePostprocessGraph(pAssociatedGraph());
+        } catch (...) {  // NOLINT(bugprone-empty-catch)
+        }
+    }
+    restoreOrders();
+}
+
+void RVInternalGraphAlgorithm::restoreOrders() {
+    if (m_orders.get() != nullptr) rv::GraphAccess::restoreOrders(pAssociatedGraph(), *m_orders.get());
+    m_orders = nullptr;
 }
 
 void RVInternalGraphAlgorithm::preprocessGraph() { privatePreprocessGraph(); }
@@ -224,6 +295,11 @@ void RVInternalGraphAlgorithm::postprocessGraph() { privatePostprocessGraph(); }
 void RVInternalGraphAlgorithm::noteOrders() {
     if (m_orders.get() != nullptr || pAssociatedGraph() != pInternalData()->pInputGraph()) return;
     m_orders = std::make_unique<rv::GraphOrders>(rv::GraphAccess::noteOrders(pAssociatedGraph()));
+}
+
+void RVInternalGraphAlgorithm::prepareRemovals(int edges) {
+    if (pAssociatedGraph() != pInternalData()->pInputGraph()) return;
+    rv::GraphAccess::prepareRemovals(pAssociatedGraph(), static_cast<std::size_t>(edges));
 }
 
 // Normalising
@@ -238,13 +314,17 @@ void RVInternalGraphAlgorithm::privatePreprocessGraph() {
 void RVInternalGraphAlgorithm::preprocessUndirectedEdges() {
     RVGraph* graph = pAssociatedGraph();
     RVAnalysisInternalData* data = pAnalysisInternalData();
-    // Gathered before the first reverse edge is added, which the walk must not meet.
-    std::vector<RVEdge*> undirected;
-    for (RVEdge* edge : *graph->pEdgeList()) {
-        if (edge->pSourceNode() != edge->pTargetNode() && data->directed(edge) == 0)
-            undirected.push_back(edge);
-    }
-    for (RVEdge* edge : undirected) {
+    const auto isUndirected = [&](RVEdge* edge) {
+        return edge->pSourceNode() != edge->pTargetNode() && data->directed(edge) == 0;
+    };
+    RVEdgeIter it(graph);
+    while (it && !isUndirected(it.pEdge())) it++;
+    if (!it) return;
+    noteOrders();
+
+    EdgeWalk edges(graph, it);  // which does not meet the reverse edges
+    while (RVEdge* edge = edges.next()) {
+        if (!isUndirected(edge)) continue;
         RVEdge* reverse = graph->addEdge(edge->pTargetNode(), edge->pSourceNode(), 0);
         try {
             actOnAddReverseEdge(reverse, edge);
@@ -290,20 +370,26 @@ void RVInternalGraphAlgorithm::preprocessMultiEdges(RVGraph* graph) {
 
     const RVAnalysisInternalData* data = pAnalysisInternalData();
     RVEdgeDList none;
+    std::size_t detached = 0;
     for (RVEdge* representative : representatives) {
         const auto* record =
             static_cast<const RVEdgeAnalysisExtension*>(data->pExistingExtension(representative));
         if (record == nullptr || !record->hasMultiEdges()) {
-            // An edge without parallels needs no list of its own, unless the hook fills it.
+            // An edge without parallels needs no list of its own, unless the hook fills one.
             actOnRemoveMultiEdges(representative, &none);
-            if (none.length() == 0) continue;
-            data->pMultiEdgeList(representative)->copyAppendList(&none);
-            none.deleteAllCells();
+            if (none.length() != 0) {
+                data->pMultiEdgeList(representative)->copyAppendList(&none);
+                none.deleteAllCells();
+            }
         } else {
             actOnRemoveMultiEdges(representative, record->pMultiEdgeList());
         }
+        const RVEdgeDList& parallels = data->multiEdges(representative);
+        if (parallels.length() == 0) continue;
         noteOrders();
-        for (RVEdge* edge : *data->pMultiEdgeList(representative)) graph->removeEdge(edge);
+        detached += static_cast<std::size_t>(parallels.length());
+        if (detached > m_returning.get().capacity()) m_returning.get().reserve(2 * detached);
+        for (RVEdge* edge : parallels) graph->removeEdge(edge);
     }
 }
 
@@ -374,6 +460,7 @@ void RVInternalGraphAlgorithm::privatePostprocessGraph() { privatePostprocessGra
 // throws here does not keep the rest from coming back.
 void RVInternalGraphAlgorithm::privatePostprocessGraph(RVGraph* graph) {
     RVAnalysisInternalData* data = pAnalysisInternalData();
+    if (graph == pAssociatedGraph()) m_isRestored = true;
     for (RVNode* node : *data->pDisconnectedNodeList()) graph->insertNode(node);
 
     for (RVNode* node : *graph->pNodeList()) {
@@ -384,7 +471,8 @@ void RVInternalGraphAlgorithm::privatePostprocessGraph(RVGraph* graph) {
         }
     }
 
-    std::vector<RVEdge*> parallels;
+    std::vector<RVEdge*>& parallels = m_returning.get();
+    parallels.clear();
     bool anyDummy = false;
     for (RVEdge* edge : *graph->pEdgeList()) {
         const auto* record = static_cast<const RVEdgeAnalysisExtension*>(data->pExistingExtension(edge));
@@ -409,7 +497,8 @@ void RVInternalGraphAlgorithm::privatePostprocessGraph(RVGraph* graph) {
     for (RVEdgeIter it(anyDummy || !parallels.empty() ? graph : nullptr); it;) {
         RVEdge* edge = it.pEdge();
         it++;
-        if (data->dummyEdge(edge) != 0) graph->discardEdge(edge);
+        const auto* record = static_cast<const RVEdgeAnalysisExtension*>(data->pExistingExtension(edge));
+        if (record != nullptr && record->dummyEdge() != 0) graph->discardEdge(edge);
     }
     if (failure != nullptr) std::rethrow_exception(failure);
 }

@@ -12,7 +12,8 @@
 // Subclasses steer this through the hooks.
 //
 // useOriginalGraph(1) makes no copy: the caller's graph itself is normalised, and afterwards holds the same
-// objects with the same ends in the same orders again. The caller's graph is never changed otherwise.
+// objects with the same ends in the same orders again, also when a hook throws or memory runs out: restoring
+// allocates nothing. The caller's graph is never changed otherwise.
 //
 // O(n + m) time and space beside the algorithm.
 #pragma once
@@ -110,14 +111,21 @@ protected:
     // otherwise.
     std::span<RVEdge* const> parallelEdges(RVEdge* edge, int directed);
 
-    // To be called before the working graph's objects are first detached: if it is the caller's graph, its
-    // orders are noted, for postprocess to put them back.
+    // To be called before the working graph is first changed: if it is the caller's graph, its orders are
+    // noted, for postprocess to put them back.
     void noteOrders();
+    // Makes room for so many edges to be detached from the caller's graph while it is restored.
+    void prepareRemovals(int edges);
 
 private:
+    void restoreAfterFailure();
+    void restoreOrders();
+
     int m_useOriginalGraph = 0;
     // Of the present run.
     rv::Uncopied<std::unique_ptr<rv::ParallelEdges>> m_parallelEdges;
-    rv::Uncopied<std::unique_ptr<rv::GraphOrders>> m_orders;
+    rv::Uncopied<std::unique_ptr<rv::GraphOrders>> m_orders;  // while the caller's graph may be changed
+    rv::Uncopied<bool> m_isRestored = false;                  // by privatePostprocessGraph
     rv::Uncopied<std::vector<RVEdge*>> m_parallelScratch;
+    rv::Uncopied<std::vector<RVEdge*>> m_returning;  // with room for all parallel edges that are detached
 };

@@ -16,6 +16,23 @@ namespace rv {
 template <class Member, class List>
 class PendingMembers {
 public:
+    PendingMembers() = default;
+    PendingMembers(const PendingMembers& other) { *this = other; }
+    // The cells of a list are not noted, since what it holds may be gone; taking then searches the list.
+    PendingMembers& operator=(const PendingMembers& other) {
+        if (this == &other) return *this;
+        m_list = other.m_list;
+        m_handles = CellHandles();
+        m_members = other.m_members;
+        m_pending = other.m_pending;
+        m_first = other.m_first;
+        m_count = other.m_count;
+        m_isList = m_isHandedOut = other.m_isList;
+        if (m_isList) m_handles.begin(m_list.get(), 0);
+        return *this;
+    }
+    ~PendingMembers() = default;
+
     // Empties everything.
     void clear() {
         m_list->deleteAllCells();

@@ -71,22 +71,22 @@ int RVTraversalInternalData::dummyReversedEdge(RVEdge* edge, int flag) {
 
 void RVTraversalInternalData::clearLists() {
     m_candidateEdges->deleteAllCells();
-    m_untraversedEdges.get().clear();
+    m_untraversedEdges.clear();
     m_traversedEdges->deleteAllCells();
     m_visitedNodes->deleteAllCells();
-    m_unvisitedNodes.get().clear();
+    m_unvisitedNodes.clear();
     m_startNodes.get() = {};
     m_traversalOrderNumber = 1;
 }
 
 void RVTraversalInternalData::listUnvisited(const RVGraph* graph) {
-    m_untraversedEdges.get().fill(*graph->pEdgeList(), graph->edgeIndexLimit());
-    m_unvisitedNodes.get().fill(*graph->pNodeList(), graph->nodeIndexLimit());
+    m_untraversedEdges.fill(*graph->pEdgeList(), graph->edgeIndexLimit());
+    m_unvisitedNodes.fill(*graph->pNodeList(), graph->nodeIndexLimit());
     m_startNodes.get() = {};
 }
 
 RVNode* RVTraversalInternalData::pFirstUnvisitedNode(int enough) {
-    auto& unvisited = m_unvisitedNodes.get();
+    auto& unvisited = m_unvisitedNodes;
     RVNode* first = unvisited.first();
     if (first == nullptr || first->inDegree() <= enough) return first;
     StartNodes& start = m_startNodes.get();
@@ -100,7 +100,7 @@ RVNode* RVTraversalInternalData::pFirstUnvisitedNode(int enough) {
 // A stable counting sort by in-degree; what is sorted is only walked from then on.
 void RVTraversalInternalData::sortUnvisited(int enough) {
     StartNodes& start = m_startNodes.get();
-    auto& unvisited = m_unvisitedNodes.get();
+    auto& unvisited = m_unvisitedNodes;
     unvisited.acceptChanges();
     const auto key = [enough](const RVNode* node) {
         return static_cast<std::size_t>(std::max(node->inDegree() - enough, 0));
@@ -138,6 +138,7 @@ RVAlgorithmData* RVTraversalAlgorithm::newInternalData() { return new RVTraversa
 
 void RVTraversalAlgorithm::initialize() {
     m_reverseEdges.get().clear();
+    m_hasReverseEdges = false;
     RVInternalGraphAlgorithm::initialize();
     pTraversalInternalData()->clearLists();
 }
@@ -159,6 +160,10 @@ void RVTraversalAlgorithm::privatePreprocessGraph() {
 // From the last edge to the first, so that the new edges, appended behind, are not walked.
 void RVTraversalAlgorithm::addReverseEdges() {
     RVGraph* graph = pAssociatedGraph();
+    noteOrders();
+    prepareRemovals(graph->numberOfEdges());
+    m_reverseEdges.get().reserve(static_cast<std::size_t>(graph->numberOfEdges()));
+    m_hasReverseEdges = true;
     for (RVEdgeIter it(graph, RVBackward); it; it++) {
         RVEdge* edge = it.pEdge();
         RVEdge* reverse = graph->addEdge(edge->pTargetNode(), edge->pSourceNode(), 0);
@@ -189,21 +194,25 @@ void RVTraversalAlgorithm::privatePostprocessGraph() {
 }
 
 void RVTraversalAlgorithm::removeReverseEdges() {
-    if (directed() != 0) return;
-    pTraversalInternalData()->wasMadeDirected(0);
+    if (!m_hasReverseEdges) return;
+    RVTraversalInternalData* data = pTraversalInternalData();
+    data->wasMadeDirected(0);
     RVGraph* graph = pAssociatedGraph();
     for (RVEdgeIter it(graph); it;) {
         RVEdge* edge = it.pEdge();
         it++;
-        if (pTraversalInternalData()->dummyReversedEdge(edge) == 0) continue;
+        const auto* record = static_cast<const RVEdgeExtensionTraversal*>(data->pExistingExtension(edge));
+        if (record == nullptr || record->dummyReversedEdge() == 0) continue;
         graph->removeEdge(edge);
         m_reverseEdges.get().push_back(edge);
     }
+    m_hasReverseEdges = false;
 }
 
 // Reverse edges that were added to the caller's graph would otherwise stay with it, detached, for ever.
 void RVTraversalAlgorithm::cleanup() {
     if (pInternalData() != nullptr && pAssociatedGraph() == pInternalData()->pInputGraph()) {
+        removeReverseEdges();  // unless an override kept privatePostprocessGraph from being called
         for (RVEdge* edge : m_reverseEdges.get()) edge->pHomeGraph()->discardEdge(edge);
     }
     m_reverseEdges.get().clear();

@@ -124,8 +124,8 @@ public:
     // Edges waiting to be traversed, in the order that the subclass keeps.
     RVEdgeDList* pCandidateEdgeList() const { return m_candidateEdges.get(); }
     // Both in graph order at first. O(n) or O(m) when first asked for.
-    RVEdgeDList* pUntraversedEdgeList() const { return m_untraversedEdges.get().list(); }
-    RVNodeDList* pUnvisitedNodeList() const { return m_unvisitedNodes.get().list(); }
+    RVEdgeDList* pUntraversedEdgeList() const { return m_untraversedEdges.list(); }
+    RVNodeDList* pUnvisitedNodeList() const { return m_unvisitedNodes.list(); }
     // In the order in which they were traversed and visited.
     RVEdgeDList* pTraversedEdgeList() const { return m_traversedEdges.get(); }
     RVNodeDList* pVisitedNodeList() const { return m_visitedNodes.get(); }
@@ -159,10 +159,10 @@ public:
     // Fills the untraversed and the unvisited list with a graph's edges and nodes, in graph order.
     void listUnvisited(const RVGraph* graph);
     // Take an object out of these lists; nothing where it is not in them. O(1).
-    void removeUntraversed(RVEdge* edge) { m_untraversedEdges.get().take(edge); }
-    void removeUnvisited(RVNode* node) { m_unvisitedNodes.get().take(node); }
+    void removeUntraversed(RVEdge* edge) { m_untraversedEdges.take(edge); }
+    void removeUnvisited(RVNode* node) { m_unvisitedNodes.take(node); }
 
-    RVEdge* pFirstUntraversedEdge() { return m_untraversedEdges.get().first(); }
+    RVEdge* pFirstUntraversedEdge() { return m_untraversedEdges.first(); }
     // The unvisited node that comes first among those of smallest in-degree, where degrees up to
     // `enough` count as equal; none when all are visited. O(1) amortised while the graph and the unvisited
     // list are not changed by others.
@@ -182,10 +182,10 @@ private:
     void sortUnvisited(int enough);
 
     rv::Owned<RVEdgeDList> m_candidateEdges;
-    mutable rv::Uncopied<rv::PendingMembers<RVEdge, RVEdgeDList>> m_untraversedEdges;
+    mutable rv::PendingMembers<RVEdge, RVEdgeDList> m_untraversedEdges;
     rv::Owned<RVEdgeDList> m_traversedEdges;
     rv::Owned<RVNodeDList> m_visitedNodes;
-    mutable rv::Uncopied<rv::PendingMembers<RVNode, RVNodeDList>> m_unvisitedNodes;
+    mutable rv::PendingMembers<RVNode, RVNodeDList> m_unvisitedNodes;
     int m_traversalOrderNumber = 1;
     int m_wasMadeDirected = 0;
     int m_directed = 1;
@@ -252,4 +252,5 @@ private:
 
     // The detached reverse edges of a run on the caller's graph, which cleanup destroys.
     rv::Uncopied<std::vector<RVEdge*>> m_reverseEdges;
+    rv::Uncopied<bool> m_hasReverseEdges = false;
 };

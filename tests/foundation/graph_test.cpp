@@ -389,36 +389,6 @@ TEST(Graph, SurgeryAgreesWithAModel) {
     }
 }
 
-// What rearranges a graph, each alone: a copy made edge by edge would put the nodes' lists in graph order.
-TEST(Graph, CopiesKeepAllOrders) {
-    const struct {
-        const char* what;
-        void (*change)(RVGraph*, RVEdge*, RVNode*);
-    } cases[] = {
-        {"edge inverted", [](RVGraph*, RVEdge* edge, RVNode*) { edge->invertDirection(); }},
-        {"source changed", [](RVGraph*, RVEdge* edge, RVNode* node) { edge->changeSourceNode(node); }},
-        {"target changed", [](RVGraph*, RVEdge* edge, RVNode* node) { edge->changeTargetNode(node); }},
-        {"node back", [](RVGraph* g, RVEdge*, RVNode* node) { g->insertNode(g->removeNode(node)); }},
-        {"edge back", [](RVGraph* g, RVEdge* edge, RVNode* node) { g->insertEdge(edge, node, node); }},
-        {"node detached", [](RVGraph* g, RVEdge*, RVNode* node) { g->removeNode(node); }},
-        {"edge detached", [](RVGraph* g, RVEdge* edge, RVNode*) { g->removeEdge(edge); }},
-    };
-    for (const auto& c : cases) {
-        for (unsigned seed = 0; seed < 60; ++seed) {
-            const std::string drawing = rvtest::randomText(seed);
-            SCOPED_TRACE(testing::Message() << c.what << " in " << drawing);
-            rvtest::TestGraph graph(drawing);
-            RVEdge* edge = graph->pEdgeList()->pEdgeInPosition(1 + graph->numberOfEdges() / 2);
-            if (edge == nullptr) continue;
-            c.change(graph, edge, graph->pFirstNode());
-            RVGraph copy;
-            RVAlgorithmData data;
-            data.copyGraph(graph, &copy);
-            EXPECT_EQ(rvtest::orders(&copy), rvtest::orders(graph));
-        }
-    }
-}
-
 TEST(Graph, WalksItsEdges) {
     rvtest::TestGraph graph("a->b b->b c->b b->a");
     RVNode* const b = graph.node("b");
@@ -449,34 +419,6 @@ TEST(Graph, WalksItsEdges) {
         graph->discardEdge(edge);
     }
     EXPECT_EQ(met, 7);
-}
-
-TEST(Graph, DiesInAnyOrderWithItsFactoryAndItsData) {
-    std::string order = "dfg";  // data, factory, graph
-    do {
-        SCOPED_TRACE(order);
-        auto factory = std::make_unique<RVAFactory>();
-        std::unique_ptr<RVGraph> graph(factory->newGraph());
-        auto data = std::make_unique<RVAnalysisInternalData>();
-        data->pAssociatedGraph(graph.get());
-        RVEdge* const edge = graph->addEdge(graph->addNode(0), graph->addNode(0), 0);
-        data->pReflexiveEdgeList(edge->pSourceNode())->appendEdge(edge);
-        data->directed(edge, 0);
-        graph->removeNode(edge->pTargetNode());
-        for (char which : order) {
-            if (which == 'f') factory.reset();
-            if (which == 'g') graph.reset();
-            if (which == 'd') data.reset();
-            if (graph != nullptr) {
-                EXPECT_EQ(graph->pFactory(), factory.get());
-                EXPECT_EQ(edge->pFactory(), factory.get());
-                EXPECT_EQ(edge->pAnalysisExtensions()->pFirstExtension() != nullptr, data != nullptr);
-            }
-            if (data != nullptr) {
-                EXPECT_EQ(data->pAssociatedGraph(), graph.get());
-            }
-        }
-    } while (std::next_permutation(order.begin(), order.end()));
 }
 
 // Nothing goes deep, and nothing searches: either would not come to an end here.

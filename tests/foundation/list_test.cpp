@@ -207,16 +207,4 @@ TEST(List, AGraphsOwnListsRefuseChanges) {
     EXPECT_THAT(walked(copy), ElementsAre(a, b, a)) << "a copy is a list of its own";
 }
 
-TEST(List, AMillionCells) {
-    RVObject object;
-    RVDList list;
-    for (int round = 0; round < 2; ++round) {
-        for (int i = 0; i < 1000000; ++i) list.appendObject(&object);
-        RVDListCell* const out = list.removeCell(list.pCellInPosition(500000));
-        if (round == 0) list.deleteAllCells();
-        delete out;
-    }
-    EXPECT_EQ(list.length(), 999999);
-}
-
 }  // namespace

@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <map>
-#include <set>
 #include <sstream>
 #include <string>
 #include <utility>
@@ -182,33 +181,6 @@ TEST(InputFields, AreTakenFromOtherInputs) {
     EXPECT_EQ(graphless.notes(), "closed=1; start of none=0; range=5; limit=25; seed=5; ");
 }
 
-// Of two classes that share names, in both directions; and what is not announced is not given.
-TEST(InputFields, AreTakenBetweenInputClasses) {
-    class ShortInput : public TourInput {
-    public:
-        using TourInput::TourInput;
-        std::span<const RVInputField> inputFields() const override {
-            return TourInput::inputFields().subspan(3, 2);
-        }
-    };
-    TestGraph g("a->b");
-    TourInput full(g);
-    ShortInput part(g);
-    full.cost(g.node("a"), 8);
-    full.range(9);
-    part.copyData(&full);
-    EXPECT_EQ(part.notes(), "range=9; cost of a=8; cost of b=-1; ");
-    part.range(10);
-    full.notes();
-    full.copyData(&part);
-    EXPECT_EQ(full.notes(), "range=10; cost of a=8; cost of b=-1; ");
-    part.copyData(&part);
-    EXPECT_EQ(part.notes(), "range=10; ");
-    TourInput twin(g);
-    twin.copyData(&full);
-    EXPECT_EQ(twin.notes().find("seed"), std::string::npos);
-}
-
 // Holds for every input class and its own table.
 template <class Input>
 class InputClass : public testing::Test {
@@ -235,19 +207,6 @@ protected:
     Input m_input{m_graph};
 };
 TYPED_TEST_SUITE(InputClass, rvtest::InputClasses, rvtest::ClassNames);
-
-TYPED_TEST(InputClass, KnowsItsOwnNamesOnly) {
-    std::set<std::string> unknown = {"", "nothing"};
-    for (const RVInputField& field : this->fields()) {
-        const std::string name = field.name;
-        unknown.insert(
-            {name.substr(1), name + "s", std::string(1, static_cast<char>(name[0] ^ 32)) + name.substr(1)});
-    }
-    for (const RVInputField& field : this->fields()) unknown.erase(field.name);
-    for (const std::string& name : unknown) {
-        EXPECT_EQ(ask(this->m_input, name.c_str(), this->m_objects), ": 0 0 0 0 0 0") << name;
-    }
-}
 
 TYPED_TEST(InputClass, TakesWhatIsAnnouncedAndNothingElse) {
     TypeParam& input = this->m_input;

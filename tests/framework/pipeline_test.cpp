@@ -127,9 +127,8 @@ protected:
     }
 
     const std::string m_full =
-        "checkData reset initialize parseInputData preprocess algorithmBody generateOutputData postprocess "
+        "checkData reset:a initialize parseInputData preprocess algorithmBody generateOutputData postprocess "
         "cleanup";
-    const std::string m_again = std::string(m_full).replace(10, 5, "reset:a");
     TestGraph m_graph{"a->b:4 b->c b->c a->a c->b"};
     RVAnalysisInputData m_input{m_graph};
     Log m_log;
@@ -144,7 +143,7 @@ TEST_F(Pipeline, CallsAllHooksWhateverTheBodySays) {
     m_algorithm.bodyCode = RV_NO_ERROR;
     m_algorithm.hasOwnData = false;
     EXPECT_EQ(m_algorithm.run(), RV_NO_ERROR);
-    EXPECT_EQ(m_log.take(), m_again);
+    EXPECT_EQ(m_log.take(), m_full);
     expectNoTraces();
     m_algorithm.checkCode = RV_NO_EFFECT_NODES;
     EXPECT_EQ(m_algorithm.run(), RV_NO_EFFECT_NODES);
@@ -172,17 +171,17 @@ TEST_F(Pipeline, CleansUpAfterExceptions) {
         const char* steps;
     } cases[] = {
         {"checkData", "checkData"},
-        {"reset", "checkData reset"},
-        {"initialize", "checkData reset initialize cleanup"},
-        {"parseInputData", "checkData reset initialize parseInputData cleanup"},
-        {"preprocess", "checkData reset initialize parseInputData preprocess postprocess cleanup"},
+        {"reset:a", "checkData reset:a"},
+        {"initialize", "checkData reset:a initialize cleanup"},
+        {"parseInputData", "checkData reset:a initialize parseInputData cleanup"},
+        {"preprocess", "checkData reset:a initialize parseInputData preprocess postprocess cleanup"},
         {"algorithmBody",
-         "checkData reset initialize parseInputData preprocess algorithmBody postprocess cleanup"},
+         "checkData reset:a initialize parseInputData preprocess algorithmBody postprocess cleanup"},
         {"generateOutputData", m_full.c_str()},
         {"postprocess", m_full.c_str()},
         {"cleanup", m_full.c_str()},
         {"algorithmBody postprocess cleanup",
-         "checkData reset initialize parseInputData preprocess algorithmBody postprocess cleanup"},
+         "checkData reset:a initialize parseInputData preprocess algorithmBody postprocess cleanup"},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.throwing);
@@ -199,11 +198,12 @@ TEST_F(Pipeline, CleansUpAfterExceptions) {
         m_log.throwing = "";
         m_output.pAssociatedGraph(m_graph);
         EXPECT_EQ(m_algorithm.run(), RV_NO_ERROR);
-        EXPECT_EQ(m_log.take(), m_again);
+        EXPECT_EQ(m_log.take(), m_full);
     }
 }
 
-// Also where lists do not stand in the order of the edges, or objects are detached.
+// Also where lists do not stand in the order of the edges, or objects are detached. A change that comes first
+// shows what it does alone.
 TEST(GraphCopy, HasAllOrdersAndNames) {
     for (unsigned seed = 0; seed < 300; ++seed) {
         const TestGraph g(randomText(seed, {.nodes = 4, .edges = 9, .most = 99}));
@@ -215,9 +215,9 @@ TEST(GraphCopy, HasAllOrdersAndNames) {
         for (int i = 0; i < 12 && !edges.empty(); ++i) {
             RVNode* const node = nodes[random() % nodes.size()];
             RVEdge* const edge = edges[random() % edges.size()];
-            const auto roll = random() % 7;
-            if (roll == 0) g->removeNode(node);
-            if (roll == 1) g->insertNode(node);
+            const auto roll = random() % 8;
+            if (roll == 0 || roll == 7) g->removeNode(node);
+            if (roll == 1 || roll == 7) g->insertNode(node);
             if (roll == 2) g->removeEdge(edge);
             if (roll == 3) g->insertEdge(edge, edge->pTargetNode(), node);
             if (roll == 4) edge->invertDirection();
@@ -229,52 +229,6 @@ TEST(GraphCopy, HasAllOrdersAndNames) {
             ASSERT_EQ(orders(&copy), orders(g)) << "seed " << seed << ", change " << i;
         }
     }
-}
-
-class CountingAlgorithm : public RVBaseGraphAlgorithm {
-public:
-    int bodies = 0;
-
-protected:
-    RVServiceErrorCodeEnum algorithmBody() override {
-        ++bodies;
-        return RV_ALGORITHM_FAILURE;
-    }
-};
-
-TEST(BaseGraphAlgorithm, ChecksItsDataInOrder) {
-    TestGraph good("a");
-    RVGraph factoryless;
-    RVAnalysisInputData inputs[] = {RVAnalysisInputData(), RVAnalysisInputData(&factoryless),
-                                    RVAnalysisInputData(good)};
-    Log log;
-    LoggingOutput output(log);
-    const struct {
-        RVAlgorithmInputData* input;
-        RVAlgorithmOutputData* output;
-        int code;
-    } cases[] = {
-        {nullptr, nullptr, 1001},    {nullptr, &output, 1001},  {&inputs[0], nullptr, 1002},
-        {&inputs[2], nullptr, 1002}, {&inputs[0], &output, 22}, {&inputs[1], &output, 21},
-        {&inputs[2], &output, 999},
-    };
-    for (const auto& c : cases) {
-        CountingAlgorithm algorithm;
-        algorithm.pInputData(c.input);
-        algorithm.pOutputData(c.output);
-        EXPECT_EQ(algorithm.run(), c.code);
-        EXPECT_EQ(algorithm.internalRun(), c.code);
-        EXPECT_EQ(algorithm.bodies, c.code == 999 ? 2 : 0);
-        EXPECT_EQ(log.take(), c.code == 999 ? "reset reset:a" : "");
-    }
-    auto factory = std::make_unique<RVAFactory>();
-    const TestGraph orphan("a", factory.get());
-    inputs[0].pAssociatedGraph(orphan);
-    factory.reset();
-    CountingAlgorithm algorithm;
-    algorithm.pInputData(&inputs[0]);
-    algorithm.pOutputData(&output);
-    EXPECT_EQ(algorithm.run(), RV_NO_GRAPH_FACTORY);
 }
 
 }  // namespace

@@ -83,6 +83,7 @@ protected:
     }
     void generateOutputData() override {
         RVTraversalInternalData* const data = pTraversalInternalData();
+        const RVTraversalInternalData early(*data);
         result.clear();
         int last = 0;
         for (RVNode* node : *data->pVisitedNodeList()) {
@@ -92,7 +93,11 @@ protected:
             result += " ";
         }
         EXPECT_EQ(data->traversalOrderNumber(), last + 1);
-        result += "| " + text(*data->pUnvisitedNodeList()) + " | " + text(*data->pUntraversedEdgeList());
+        const auto left = [](const RVTraversalInternalData& of) {
+            return "| " + text(*of.pUnvisitedNodeList()) + " | " + text(*of.pUntraversedEdgeList());
+        };
+        result += left(*data);
+        for (const RVTraversalInternalData& copy : {early, *data}) EXPECT_EQ(left(copy), left(*data));
     }
     void postprocess() override {
         RVTraversalAlgorithm::postprocess();
@@ -238,7 +243,8 @@ TEST(TraversalEngine, StartsByTheRule) {
 TEST(TraversalEngine, TakesItsReverseEdgesAwayWhenAHookThrows) {
     class Throwing : public BestFirstSearch {
     public:
-        int left = 0;  // calls until one throws
+        int left = 0;             // calls until one throws
+        bool isStubborn = false;  // never lets itself be restored
 
     protected:
         void copyEdgeProperties(RVEdge* newEdge, RVEdge* edge) override {
@@ -249,8 +255,20 @@ TEST(TraversalEngine, TakesItsReverseEdgesAwayWhenAHookThrows) {
             if (left-- == 0) throw std::runtime_error("in the body");
             BestFirstSearch::privateTraverseEdge(edge);
         }
+        void postprocess() override {
+            if (left-- == 0) throw std::runtime_error("before postprocessing");
+            BestFirstSearch::postprocess();
+        }
+        void postprocessGraph() override {
+            if (left-- == 0) throw std::runtime_error("before restoring");
+            BestFirstSearch::postprocessGraph();
+        }
+        void privatePostprocessGraph() override {
+            if (left-- == 0 || isStubborn) throw std::runtime_error("in place of restoring");
+            BestFirstSearch::privatePostprocessGraph();
+        }
         void actOnInsertMultiEdge(RVEdge*) override {
-            if (left-- == 0) throw std::runtime_error("while postprocessing");
+            if (left-- == 0) throw std::runtime_error("while restoring");
         }
     };
     const TestGraph g("a->b b->a c->b:2 c->b:3 b->b d");
@@ -258,10 +276,14 @@ TEST(TraversalEngine, TakesItsReverseEdgesAwayWhenAHookThrows) {
     Runner<Throwing, RVTraversalInputData, NoOutput> search(g);
     search.input.undirected(1);
     search.algorithm.useOriginalGraph(1);
-    for (int call = 0; call < 8; ++call) {  // 2 reverse edges, 4 edges of the search, 2 parallels
-        search.algorithm.left = call;
-        EXPECT_THROW(search(), std::runtime_error) << call;
-        EXPECT_EQ(snapshot(g), before) << call;
+    for (const bool isStubborn : {true, false}) {
+        search.algorithm.isStubborn = isStubborn;
+        for (int call = 0; call < 11;
+             ++call) {  // 2 reverse edges, 4 edges of the search, 3 hooks, 2 parallels
+            search.algorithm.left = call;
+            EXPECT_THROW(search(), std::runtime_error) << call;
+            EXPECT_EQ(snapshot(g), before) << call;
+        }
     }
     EXPECT_EQ(search(), RV_NO_ERROR);
     EXPECT_EQ(g->edgeIndexLimit(), 7);
