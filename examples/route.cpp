@@ -1,14 +1,17 @@
-// Prints the cheapest path between two places of a graph, or all places that can be reached at a given cost.
+// Prints the cheapest path between two places of a graph, or several, or all places that can be reached at a
+// given cost.
 
 #include <cerrno>
 #include <charconv>
 #include <cstdint>
 #include <cstdio>
 #include <cstring>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <system_error>
+#include <utility>
 #include <vector>
 
 #include "route_graph.h"
@@ -25,6 +28,10 @@ Prints the cheapest path from START to FINISH in the graph of FILE, or of standa
 with its cost, the sum so far, and the step, and at last the total. Or, with --range, a line with distance and
 name of each node that START reaches within COST, the nearest first. Columns have tabs between them.
 
+  --paths K     the K cheapest paths, a line with cost and nodes for each; in a graph with cycles they may come
+                to a node more than once, and then pay for it each time
+  --simple      with --paths: only paths that repeat no node; finding them may take long
+  --count       how many paths there are from START to FINISH, instead of any
   --undirected  all edges can be followed both ways
   --unique      also says whether the path is the only one, whatever the costs of the others
   --range COST  what can be reached at a cost of 0 to 2147483647; no cost may be negative
@@ -59,6 +66,9 @@ struct Options {
     std::string finish;
     std::string file = "-";
     std::optional<int> range;
+    std::optional<int> paths;
+    bool simple = false;
+    bool count = false;
     bool reversed = false;
     bool undirected = false;
     bool unique = false;
@@ -81,14 +91,15 @@ int print(const std::string& text) {
 // The options
 
 // These give the error, empty without one.
-std::string readRange(std::string_view text, Options& options) {
-    int range = 0;
+std::string readNumber(const std::string& option, std::string_view text, int least,
+                       std::optional<int>& place) {
+    int number = 0;
     const char* end = text.data() + text.size();
-    const auto [rest, error] = std::from_chars(text.data(), end, range);
-    if (error != std::errc() || rest != end || range < 0) {
-        return "--range needs an integer from 0 to 2147483647";
+    const auto [rest, error] = std::from_chars(text.data(), end, number);
+    if (error != std::errc() || rest != end || number < least) {
+        return option + " needs an integer from " + std::to_string(least) + " to 2147483647";
     }
-    options.range = range;
+    place = number;
     return {};
 }
 
@@ -108,6 +119,12 @@ std::string readOptions(int argc, char** argv, Options& options) {
     for (int i = 1; i < argc; ++i) {
         const std::string argument = argv[i];
         std::string error;
+        const std::string name = argument.substr(0, argument.find('='));
+        const auto readValue = [&](int least, std::optional<int>& place) {
+            const bool isNext = name.size() == argument.size();
+            const std::string value = !isNext ? argument.substr(name.size() + 1) : ++i == argc ? "" : argv[i];
+            error = readNumber(name, value, least, place);
+        };
         if (onlyOperands || argument == "-" || !argument.starts_with('-')) {
             operands.push_back(argument);
         } else if (argument == "--") {
@@ -118,12 +135,16 @@ std::string readOptions(int argc, char** argv, Options& options) {
             options.undirected = true;
         } else if (argument == "--unique") {
             options.unique = true;
+        } else if (argument == "--simple") {
+            options.simple = true;
+        } else if (argument == "--count") {
+            options.count = true;
         } else if (argument == "--reversed") {
             options.reversed = true;
-        } else if (argument.starts_with("--range=")) {
-            error = readRange(argument.substr(std::strlen("--range=")), options);
-        } else if (argument == "--range") {
-            error = readRange(++i == argc ? "" : argv[i], options);
+        } else if (name == "--range") {
+            readValue(0, options.range);
+        } else if (name == "--paths") {
+            readValue(1, options.paths);
         } else {
             error = "unknown option " + argument;
         }
@@ -131,7 +152,17 @@ std::string readOptions(int argc, char** argv, Options& options) {
     }
     if (options.help) return {};
     if (options.reversed && !options.range) return "--reversed needs --range";
-    if (options.unique && options.range) return "--unique and --range exclude one another";
+    if (options.simple && !options.paths) return "--simple needs --paths";
+    const std::pair<bool, const char*> questions[] = {{options.range.has_value(), "--range"},
+                                                      {options.unique, "--unique"},
+                                                      {options.paths.has_value(), "--paths"},
+                                                      {options.count, "--count"}};
+    const char* asked = nullptr;
+    for (const auto& [isAsked, name] : questions) {
+        if (!isAsked) continue;
+        if (asked != nullptr) return std::string(asked) + " and " + name + " exclude one another";
+        asked = name;
+    }
     return assignOperands(operands, options);
 }
 
@@ -180,6 +211,14 @@ RVServiceErrorCodeEnum appendUniqueness(const RouteGraph& graph, RVNode* start, 
     return code;
 }
 
+int failWithNegativeCycle(const std::string& ends) {
+    return fail(kNegativeCycle, "no cheapest path: the ways " + ends + " hold a cycle of negative cost");
+}
+
+std::string endsText(const RouteGraph& graph, const RVNode* start, const RVNode* finish) {
+    return "from " + graph.name(start) + " to " + graph.name(finish);
+}
+
 int printPath(const RouteGraph& graph, RVNode* start, RVNode* finish, bool unique) {
     RVShortestPathsInputData input(graph.pGraph());
     RVShortestPathsOutputData output;
@@ -187,10 +226,8 @@ int printPath(const RouteGraph& graph, RVNode* start, RVNode* finish, bool uniqu
     input.pStartNode(start);
     input.pFinishNode(finish);
     RVServiceErrorCodeEnum code = run(graph, search, input, output);
-    const std::string ends = "from " + graph.name(start) + " to " + graph.name(finish);
-    if (code == RV_NEGATIVE_CYCLE) {
-        return fail(kNegativeCycle, "no cheapest path: the ways " + ends + " hold a cycle of negative cost");
-    }
+    const std::string ends = endsText(graph, start, finish);
+    if (code == RV_NEGATIVE_CYCLE) return failWithNegativeCycle(ends);
     if (code != RV_NO_ERROR) return failWithCode("the search", code);
     if (output.pathExists() == 0) return fail(kNoPath, "no path " + ends);
 
@@ -200,6 +237,82 @@ int printPath(const RouteGraph& graph, RVNode* start, RVNode* finish, bool uniqu
     if (unique) {
         code = appendUniqueness(graph, start, finish, text);
         if (code != RV_NO_ERROR) return failWithCode("the unique path test", code);
+    }
+    return print(text);
+}
+
+// Several paths
+
+// A graph in which every way is an edge of its own direction: an edge that is followed both ways becomes two.
+class WayGraph {
+public:
+    explicit WayGraph(const RouteGraph& graph) : m_graph(m_factory.newGraph()), m_input(m_graph.get()) {
+        m_nodes.resize(static_cast<std::size_t>(graph.pGraph()->nodeIndexLimit()));
+        for (RVNode* node : *graph.pGraph()->pNodeList()) {
+            RVNode*& copy = m_nodes[static_cast<std::size_t>(node->denseIndex())];
+            copy = m_graph->addNode();
+            copy->pUserField(node);
+            m_input.cost(copy, graph.costs().cost(node));
+        }
+        for (RVEdge* edge : *graph.pGraph()->pEdgeList()) {
+            const int cost = graph.costs().cost(edge);
+            addWay(edge->pSourceNode(), edge->pTargetNode(), cost);
+            if (graph.isFollowedBothWays(edge)) addWay(edge->pTargetNode(), edge->pSourceNode(), cost);
+        }
+    }
+
+    RVSortedPathsInputData& question(const RVNode* start, const RVNode* finish) {
+        m_input.pStartNode(copyOf(start));
+        m_input.pFinishNode(copyOf(finish));
+        return m_input;
+    }
+    static const RVNode* original(const RVNode* copy) {
+        return static_cast<const RVNode*>(copy->pUserField());
+    }
+
+private:
+    RVNode* copyOf(const RVNode* node) const { return m_nodes[static_cast<std::size_t>(node->denseIndex())]; }
+    void addWay(const RVNode* source, const RVNode* target, int cost) {
+        m_input.cost(m_graph->addEdge(copyOf(source), copyOf(target)), cost);
+    }
+
+    RVAFactory m_factory;
+    std::unique_ptr<RVGraph> m_graph;
+    std::vector<RVNode*> m_nodes;  // by dense index of the original
+    RVSortedPathsInputData m_input;
+};
+
+int printPaths(const RouteGraph& graph, const RVNode* start, const RVNode* finish, const Options& options) {
+    WayGraph ways(graph);
+    RVSortedPathsOutputData output;
+    RVSortedPathsAlgorithm search;
+    search.pInputData(&ways.question(start, finish));
+    search.pOutputData(&output);
+    const RVServiceErrorCodeEnum code = search.run();
+    const std::unique_ptr<RVGraph> pathGraph(output.pPathGraph());
+    if (code == RV_NEGATIVE_CYCLE) return failWithNegativeCycle(endsText(graph, start, finish));
+    if (code != RV_NO_ERROR) return failWithCode("the search", code);
+    if (output.pathExists() == 0) return fail(kNoPath, "no path " + endsText(graph, start, finish));
+
+    if (options.count) {
+        const int number = output.numberOfPaths();
+        return print(output.acyclic() == 0  ? "infinitely many\n"
+                     : number == 2147483647 ? "2147483647 or more\n"
+                                            : std::to_string(number) + "\n");
+    }
+    std::string text;
+    RVSortedPathsEnumerator path(&output);
+    path.simplePathsOnly(options.simple ? 1 : 0);
+    RVEdgeDList edges;
+    while (path.pathNumber() < *options.paths && path.next()) {
+        text.append(std::to_string(path.totalCostWithoutFinishNode()))
+            .append(1, '\t')
+            .append(graph.name(start));
+        path.buildEdgeList(edges);
+        for (const RVEdge* edge : edges) {
+            text.append(" -> ").append(graph.name(WayGraph::original(edge->pTargetNode())));
+        }
+        text.append(1, '\n');
     }
     return print(text);
 }
@@ -270,5 +383,6 @@ int main(int argc, char** argv) {
     if (options.range) return printRange(graph, start, *options.range, options.reversed);
     RVNode* finish = graph.pNode(options.finish);
     if (finish == nullptr) return fail(kFailure, "no node " + options.finish + " in " + name);
+    if (options.paths || options.count) return printPaths(graph, start, finish, options);
     return printPath(graph, start, finish, options.unique);
 }

@@ -44,7 +44,7 @@ public:
     // The greatest distance; -1, the default, means no limit.
     int range() const { return m_range; }
     int range(int value) { return m_range = value; }
-    // Nonzero: the nodes that can reach the start node. Default 0.
+    // Nonzero: the nodes that can reach the start node. Default 0. No named field: copyData leaves it.
     int reversed() const { return m_reversed; }
     int reversed(int flag) { return m_reversed = flag; }
 

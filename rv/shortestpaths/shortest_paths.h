@@ -9,9 +9,13 @@
 //
 // Ties: of equally cheap paths, the one that the method finds (see the three headers): without negative costs
 // the Dijkstra traversal; in an acyclic graph the first in-edge, in in-edge order, on a cheapest path to each
-// node; otherwise that of all-pairs shortest paths.
+// node; otherwise that of all-pairs shortest paths. For the methods a node with a cost is two nodes with an
+// edge of that cost from the one that is entered to the one that is left, and an undirected edge has a reverse
+// edge that stands behind all edges of the graph.
 //
-// Sums saturate: a path whose cost reaches 2147483647, be it on the way, counts as none.
+// Sums saturate step by step: a path whose cost reaches 2147483647, be it on the way, counts as none, and a
+// cost stays at -2147483648 at least. Whether a cycle is negative is told from its 32-bit sum, which wraps, so
+// cycles that cost more than that range holds may be taken for negative ones, and the other way round.
 //
 // Codes of run: RV_NO_ERROR, RV_NO_INPUT_GRAPH, RV_NO_GRAPH_FACTORY, then RV_NO_START_NODE,
 // RV_START_NODE_NOT_IN_GRAPH, RV_NO_FINISH_NODE, RV_FINISH_NODE_NOT_IN_GRAPH; RV_NEGATIVE_CYCLE when a
