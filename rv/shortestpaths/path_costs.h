@@ -28,8 +28,8 @@ private:
     int m_directed = 1;
 };
 
-// May be used alone, to hold the costs of a graph once: copyData of any other of these inputs takes them over.
-// Named fields: "undirected" (of the graph), "cost" (of a node and of an edge), "edgeUndirected" (of an
+// May be used alone, to hold the costs of a graph once: copyData of any other of these inputs takes them
+// over. Named fields: "undirected" (of the graph), "cost" (of a node and of an edge), "edgeUndirected" (of an
 // edge).
 class RV_EXPORT RVPathCostInputData : public RVAnalysisInputData {
     RV_DATA_OBJECT(RVPathCostInputData)

@@ -10,20 +10,21 @@
 // Ties: of equally cheap paths, the one that the method finds (see the three headers): without negative costs
 // the Dijkstra traversal; in an acyclic graph the first in-edge, in in-edge order, on a cheapest path to each
 // node; otherwise that of all-pairs shortest paths. For the methods a node with a cost is two nodes with an
-// edge of that cost from the one that is entered to the one that is left, and an undirected edge has a reverse
-// edge that stands behind all edges of the graph.
+// edge of that cost from the one that is entered to the one that is left, and an undirected edge has a
+// reverse edge that stands behind all edges of the graph.
 //
 // Sums saturate step by step: a path whose cost reaches 2147483647, be it on the way, counts as none, and a
-// cost stays at -2147483648 at least. Whether a cycle is negative is told from its 32-bit sum, which wraps, so
-// cycles that cost more than that range holds may be taken for negative ones, and the other way round.
+// cost stays at -2147483648 at least. Whether a cycle is negative is told from its 32-bit sum, which wraps,
+// so cycles that cost more than that range holds may be taken for negative ones, and the other way round.
 //
 // Codes of run: RV_NO_ERROR, RV_NO_INPUT_GRAPH, RV_NO_GRAPH_FACTORY, then RV_NO_START_NODE,
 // RV_START_NODE_NOT_IN_GRAPH, RV_NO_FINISH_NODE, RV_FINISH_NODE_NOT_IN_GRAPH; RV_NEGATIVE_CYCLE when a
-// negative cycle lies on the way from start to finish (an undirected edge of negative cost is one), with
-// pathExists 0; RV_ALGORITHM_FAILURE when a part fails, and the framework's. A finish node that cannot be
-// reached is no failure: pathExists 0, totalCost 2147483647 and no edges. Always works on a copy of the
-// graph. O(m + n log n) time, with negative costs and without cycles O(n + m), with both O(n^3) and O(n^2)
-// space.
+// negative cycle lies on the way from start to finish (an undirected edge that costs less than 0 on its
+// way there and back, with both its nodes, is one), with pathExists 0 and totalCost 0; RV_ALGORITHM_FAILURE
+// when a part fails, and the framework's. A finish node that cannot be reached is no failure: pathExists 0,
+// totalCost 2147483647 and no edges.
+// Always works on a copy of the graph. O(m + n log n) time, with negative costs and without cycles O(n + m),
+// with both O(n^3) and O(n^2) space.
 //
 //   RVShortestPathsAlgorithm paths;
 //   RVShortestPathsInputData input(graph);

@@ -1,7 +1,8 @@
 // Unique path test: whether exactly one path leads from one node to another, and one such path.
 //
-// Any graph. Edges are followed forward, undirected ones both ways. Paths repeat no node. Two paths differ when one has an edge
-// that the other has not, so parallel edges make two paths. A node reaches itself by the empty path alone.
+// Any graph. Edges are followed forward, undirected ones both ways. Paths repeat no node. Two paths differ
+// when one has an edge that the other has not, so parallel edges make two paths. A node reaches itself by the
+// empty path alone.
 //
 // Codes of run: RV_NO_ERROR, RV_NO_INPUT_GRAPH, RV_NO_GRAPH_FACTORY, then RV_NO_START_NODE,
 // RV_START_NODE_NOT_IN_GRAPH, RV_NO_FINISH_NODE, RV_FINISH_NODE_NOT_IN_GRAPH, RV_ALGORITHM_FAILURE when a
