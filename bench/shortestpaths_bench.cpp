@@ -13,6 +13,11 @@
 //   service      a cheapest path from the first to the last node of a graph without cycles and with negative
 //                costs; boost dag_shortest_paths with copy_graph
 //   unique       the unique path test from node 0 to the last one
+//   single       single-source shortest paths from node 0; boost Dijkstra with copy_graph
+//   bellman_ford the same with some negative costs; boost bellman_ford_shortest_paths with copy_graph
+//   sorted       the path graph of all paths from node 0 to the last one, with its size per edge of the graph
+//   enumerate    the 10^5 cheapest of these paths, in ns per path: the walk alone, and with their edges
+//   ten          path graph and ten cheapest paths of a small graph, in microseconds
 //   all_pairs    all pairs of random graphs of some hundred nodes, in ns per node cubed (ns_per_n3)
 // Phases/.../n gives the share of each step of a Dijkstra run, in ns per edge.
 
@@ -31,6 +36,7 @@
 #include "rv/analysis.h"
 
 #ifdef RV_BENCH_BOOST
+#include <boost/graph/bellman_ford_shortest_paths.hpp>
 #include <boost/graph/breadth_first_search.hpp>
 #include <boost/graph/copy.hpp>
 #include <boost/graph/dag_shortest_paths.hpp>
@@ -60,6 +66,19 @@ Subject withCosts(EdgeArray array, int least, int most) {
     bench::Random random(11);
     std::vector<int> costs;
     for (int i = 0; i < array.size(); ++i) costs.push_back(least + random.below(most - least + 1));
+    return {std::move(array), std::move(costs)};
+}
+
+// Some costs are negative, but no cycle is: each edge costs what is left of going up or down between heights.
+Subject withHeights(EdgeArray array) {
+    bench::Random random(12);
+    std::vector<int> heights;
+    for (int i = 0; i < array.nodes; ++i) heights.push_back(random.below(300));
+    std::vector<int> costs;
+    for (const auto& [source, target] : array.edges) {
+        costs.push_back(1 + random.below(1000) + heights[static_cast<std::size_t>(source)] -
+                        heights[static_cast<std::size_t>(target)]);
+    }
     return {std::move(array), std::move(costs)};
 }
 
@@ -156,6 +175,60 @@ void phases(benchmark::State& state, const Subject& subject) {
     }
 }
 
+// The path graph of a subject; the next run, or the end, disposes of it.
+struct PathGraph {
+    explicit PathGraph(const Subject& subject) : rv(subject), input(rv.graph.get()) {
+        rv.describe(input);
+        algorithm.pInputData(&input);
+        algorithm.pOutputData(&output);
+    }
+    ~PathGraph() { output.discardPathGraph(); }
+    PathGraph(const PathGraph&) = delete;
+    PathGraph& operator=(const PathGraph&) = delete;
+    void run() {
+        output.discardPathGraph();
+        if (algorithm.run() != RV_NO_ERROR || output.pathExists() == 0) std::abort();
+    }
+
+    RvSubject rv;
+    RVSortedPathsInputData input;
+    RVSortedPathsOutputData output;
+    RVSortedPathsAlgorithm algorithm;
+};
+
+void buildPathGraph(benchmark::State& state, const Subject& subject) {
+    PathGraph paths(subject);
+    bench::measure(state, kPerEdge, subject.array.size(), [&] { paths.run(); });
+    const double edges = subject.array.size();
+    state.counters["path_nodes_per_edge"] = paths.output.pPathGraph()->numberOfNodes() / edges;
+    state.counters["path_edges_per_edge"] = paths.output.pPathGraph()->numberOfEdges() / edges;
+}
+
+void enumeratePaths(benchmark::State& state, const Subject& subject, bool withEdges) {
+    constexpr int kPaths = 100'000;
+    PathGraph paths(subject);
+    paths.run();
+    bench::measure(state, "ns_per_path", kPaths, [&] {
+        RVSortedPathsEnumerator path(&paths.output);
+        RVEdgeDList edges;
+        while (path.pathNumber() < kPaths && path.next()) {
+            if (withEdges) path.buildEdgeList(edges);
+        }
+        benchmark::DoNotOptimize(path.totalCost());
+    });
+}
+
+void findTenPaths(benchmark::State& state, const Subject& subject) {
+    PathGraph paths(subject);
+    bench::measure(state, "microseconds", 1e3, [&] {
+        paths.run();
+        RVSortedPathsEnumerator path(&paths.output);
+        RVEdgeDList edges;
+        while (path.pathNumber() < 10 && path.next()) path.buildEdgeList(edges);
+        benchmark::DoNotOptimize(edges.length());
+    });
+}
+
 // Boost.Graph
 
 #ifdef RV_BENCH_BOOST
@@ -188,6 +261,16 @@ void boostDag(const Graph<Selector>& graph) {
                               boost::distance_map(results.distances.map())
                                   .predecessor_map(results.parents.map())
                                   .color_map(colors.map()));
+}
+
+template <class Selector>
+void boostBellmanFord(const Graph<Selector>& graph) {
+    Distances<Selector> results(graph);
+    const auto start = *boost::vertices(graph).first;
+    auto distances = results.distances.map();
+    boost::put(distances, start, 0);
+    boost::bellman_ford_shortest_paths(graph, static_cast<int>(boost::num_vertices(graph)),
+                                       boost::distance_map(distances).predecessor_map(results.parents.map()));
 }
 
 template <class Selector>
@@ -242,6 +325,7 @@ void addBoostRows(const std::string& name, int n, Subject (*make)(const NamedFam
 
 Subject various(const NamedFamily& family, int n) { return withCosts(family.make(n), 1, 1000); }
 Subject equal(const NamedFamily& family, int n) { return withCosts(family.make(n), 1, 1); }
+Subject hilly(const NamedFamily& family, int n) { return withHeights(family.make(n)); }
 Subject withNegative(const NamedFamily& family, int n) { return withCosts(family.make(n), -100, 900); }
 
 void addDijkstraRows(const char* algorithm, const NamedFamily& family, int n,
@@ -308,6 +392,34 @@ void addServiceRows(const NamedFamily& family, int n) {
 #endif
 }
 
+void addSingleSourceRows(const char* algorithm, const NamedFamily& family, int n,
+                         Subject (*make)(const NamedFamily&, int), bool isNegative) {
+    const std::string name = std::string(algorithm) + "/" + family.name + "/";
+    bench::add(name + "rv", n, [=, &family](benchmark::State& s) {
+        const Subject subject = make(family, n);
+        runRv<RVSingleSourceShortestPathsAlgorithm, RVSingleSourceShortestPathsInputData,
+              RVSingleSourceShortestPathsOutputData>(s, subject, kPerEdge, subject.array.size(), kNothing);
+    });
+#ifdef RV_BENCH_BOOST
+    if (isNegative) {
+        addBoostRows(name, n, make, family, true, boostBellmanFord<boost::listS>,
+                     boostBellmanFord<boost::vecS>);
+    } else {
+        addBoostRows(name, n, make, family, true, boostDijkstra<boost::listS>, boostDijkstra<boost::vecS>);
+    }
+#endif
+}
+
+void addSortedPathsRows(const NamedFamily& family, int n) {
+    const std::string name = std::string(family.name) + "/rv";
+    bench::add("sorted/" + name, n,
+               [=, &family](benchmark::State& s) { buildPathGraph(s, various(family, n)); });
+    for (const bool withEdges : {false, true}) {
+        bench::add((withEdges ? "enumerate_edges/" : "enumerate/") + name, n,
+                   [=, &family](benchmark::State& s) { enumeratePaths(s, various(family, n), withEdges); });
+    }
+}
+
 void addUniqueRow(const NamedFamily& family, int n) {
     bench::add(std::string("unique/") + family.name + "/rv", n, [=, &family](benchmark::State& s) {
         const Subject subject = various(family, n);
@@ -339,8 +451,12 @@ void addSize(int n) {
         addDijkstraRows("equal", family, n, equal);
         addReachableRows(family, n);
         addUniqueRow(family, n);
+        addSingleSourceRows("single", family, n, various, false);
     }
     for (const NamedFamily& family : kAcyclicFamilies) addServiceRows(family, n);
+    addSingleSourceRows("bellman_ford", kFamilies[0], n, hilly, true);
+    addSortedPathsRows(kFamilies[0], n);
+    addSortedPathsRows(kFamilies[1], n);
     bench::add("Phases/random/rv", n, [=](benchmark::State& s) { phases(s, various(kFamilies[0], n)); });
 }
 
@@ -357,6 +473,10 @@ int main(int argc, char** argv) {
     addSize(10'000);
     addSize(100'000);
     if (large) addSize(1'000'000);
+    for (const NamedFamily& family : {kFamilies[0], kAcyclicFamilies[1]}) {
+        bench::add(std::string("ten/") + family.name + "/rv", 1000,
+                   [=](benchmark::State& s) { findTenPaths(s, various(family, 1000)); });
+    }
     for (const int n : {500, 1000}) addAllPairsRows(n);
     if (large) addAllPairsRows(2000);
     benchmark::Initialize(&argc, argv);

@@ -313,9 +313,13 @@ void RVSortedPathsAlgorithm::removeOtherNodes(RVNode* end, int reversed) {
 
 void RVSortedPathsAlgorithm::addNodeCosts() {
     const auto* input = RVSortedPathsInputData::castDown(pInputData());
-    for (const RVEdge* edge : *pAssociatedGraph()->pEdgeList()) {
-        int& cost = m_run.get()->costs[placeOf(edge)];
-        cost = rv::saturatingSum(cost, input->cost(pInternalData()->pOriginalNode(edge->pTargetNode())));
+    for (RVNode* node : *pAssociatedGraph()->pNodeList()) {
+        const int nodeCost = input->cost(pInternalData()->pOriginalNode(node));
+        if (nodeCost == 0) continue;
+        for (const RVEdge* edge : *node->pInEdgeList()) {
+            int& cost = m_run.get()->costs[placeOf(edge)];
+            cost = rv::saturatingSum(cost, nodeCost);
+        }
     }
 }
 
