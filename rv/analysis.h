@@ -1,6 +1,10 @@
 // Everything that a caller of the library needs.
 #pragma once
 
+#include "rv/flow/disjoint_paths.h"
+#include "rv/flow/maximum_flow.h"
+#include "rv/flow/minimum_cut.h"
+#include "rv/flow/minimum_spanning_tree.h"
 #include "rv/foundation/constraint.h"
 #include "rv/foundation/graph.h"
 #include "rv/foundation/graph_iterators.h"

@@ -60,12 +60,18 @@ using UniquePath = Runner<RVUniquePathTestAlgorithm, RVUniquePathTestInputData, 
 using SingleSource = Runner<RVSingleSourceShortestPathsAlgorithm, RVSingleSourceShortestPathsInputData,
                             RVSingleSourceShortestPathsOutputData>;
 using SortedPaths = Runner<RVSortedPathsAlgorithm, RVSortedPathsInputData, RVSortedPathsOutputData>;
+using MaximumFlow = Runner<RVMaximumFlowAlgorithm, RVMaximumFlowInputData, RVMaximumFlowOutputData>;
+using MinimumCut = Runner<RVMinimumCutAlgorithm, RVMinimumCutInputData, RVMinimumCutOutputData>;
+using DisjointPaths = Runner<RVDisjointPathsAlgorithm, RVDisjointPathsInputData, RVDisjointPathsOutputData>;
+using SpanningTree =
+    Runner<RVMinimumSpanningTreeAlgorithm, RVMinimumSpanningTreeInputData, RVMinimumSpanningTreeOutputData>;
 using Reachable = Runner<RVReachableNodesAlgorithm, RVReachableNodesInputData, RVReachableNodesOutputData>;
 
 // A new algorithm goes here.
 using Algorithms = testing::Types<TopologicalSort, BreadthFirst, DepthFirst, Connected, Blocks, Strong,
                                   PathTest, AcyclicTest, TreeTest, Dijkstra, AcyclicPaths, AllPairs,
-                                  ShortestPaths, UniquePath, SingleSource, SortedPaths, Reachable>;
+                                  ShortestPaths, UniquePath, SingleSource, SortedPaths, MaximumFlow,
+                                  MinimumCut, DisjointPaths, SpanningTree, Reachable>;
 
 struct AlgorithmNames {
     template <class R>

@@ -46,6 +46,9 @@ std::string describe(const Output& output, const RVGraph* graph) {
     if constexpr (requires { output.pathExists(); }) add(output.pathExists());
     if constexpr (requires { output.isTree(); }) add(output.isTree() + 2 * output.isForest());
     if constexpr (requires { output.totalCost(); }) add(output.totalCost());
+    if constexpr (requires { output.totalFlow(); }) add(output.totalFlow());
+    if constexpr (requires { output.pTreeEdgeList(); }) add(text(*output.pTreeEdgeList()));
+    if constexpr (requires { output.pPathList(); }) addLists(output.pPathList(), false);
     if constexpr (requires { output.uniquePathExists(); }) add(output.uniquePathExists());
     for (RVNode* node : *graph->pNodeList()) {
         if constexpr (requires { output.dist(node); }) add(output.dist(node));
@@ -61,6 +64,7 @@ std::string describe(const Output& output, const RVGraph* graph) {
         if constexpr (requires { output.pParentNode(node); }) add(text(output.pParentNode(node)));
     }
     for (RVEdge* edge : *graph->pEdgeList()) {
+        if constexpr (requires { output.flow(edge); }) add(output.flow(edge));
         if constexpr (requires { output.edgeType(edge); }) add(static_cast<int>(output.edgeType(edge)));
     }
     return all;
@@ -81,7 +85,8 @@ public:
     }
     double doubleField(const char*, RVGraphObject*) const override { return m_flag; }
     RVObject* pObjectField(const char* name, RVGraphObject*) const override {
-        return std::string(name) == "startNode" ? pStart : pFinish;
+        const bool isFirst = std::string(name) == "startNode" || std::string(name) == "sourceNode";
+        return isFirst ? pStart : pFinish;
     }
     RVNode* pStart;
     RVNode* pFinish;
@@ -197,10 +202,14 @@ TYPED_TEST(AlgorithmContract, AnswersMissingAndForeignDataWithCodes) {
         Question question(g);
         question.pFinish = foreign;
         this->ask(second, g, question);
-        EXPECT_EQ(second(), second.input.hasField("finishNode") ? RV_FINISH_NODE_NOT_IN_GRAPH : RV_NO_ERROR);
+        EXPECT_EQ(second(), second.input.hasField("finishNode") ? RV_FINISH_NODE_NOT_IN_GRAPH
+                            : second.input.hasField("sinkNode") ? RV_SINK_NODE_NOT_IN_GRAPH
+                                                                : RV_NO_ERROR);
         question.pStart = foreign;
         this->ask(second, g, question);
-        EXPECT_EQ(second(), second.input.hasField("startNode") ? RV_START_NODE_NOT_IN_GRAPH : RV_NO_ERROR);
+        EXPECT_EQ(second(), second.input.hasField("startNode")    ? RV_START_NODE_NOT_IN_GRAPH
+                            : second.input.hasField("sourceNode") ? RV_SOURCE_NODE_NOT_IN_GRAPH
+                                                                  : RV_NO_ERROR);
     }
     g->insertNode(g.node("d"));
     EXPECT_EQ(orders(g), before);

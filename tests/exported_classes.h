@@ -39,20 +39,32 @@ using CopyableClasses = testing::Types<
     RVUniquePathTestAlgorithm, RVSingleSourceShortestPathsInputData, RVSingleSourceShortestPathsOutputData,
     RVSingleSourceShortestPathsBinTree, RVSingleSourceShortestPathsAlgorithm, RVSortedPathsInputData,
     RVSortedPathsOutputData, RVSortedPathsAlgorithm, RVSortedPathsEnumerator, RVReachableNodesInputData,
-    RVReachableNodesOutputData, RVReachableNodesBinTree>;
+    RVReachableNodesOutputData, RVReachableNodesBinTree, RVEdgeExtensionFlowInput, RVEdgeExtensionFlowOutput,
+    RVNetworkInputData, RVMaximumFlowInputData, RVMaximumFlowOutputData, RVEdgeExtensionMinimumCutInput,
+    RVMinimumCutInputData, RVNodeExtensionMinimumCutInternal, RVMinimumCutInternalData,
+    RVMinimumCutOutputData, RVMinimumCutAlgorithm, RVDisjointPathsInputData, RVDisjointPathsOutputData,
+    RVNodeExtensionDisjointPaths, RVDisjointPathsInternalData, RVDisjointPathsAlgorithm,
+    RVEdgeExtensionMinimumSpanningTreeInput, RVEdgeExtensionMinimumSpanningTreeOutput,
+    RVNodeExtensionMinimumSpanningTreeInternal, RVEdgeExtensionMinimumSpanningTreeInternal,
+    RVMinimumSpanningTreeInputData, RVMinimumSpanningTreeOutputData, RVMinimumSpanningTreeBinTree,
+    RVMinimumSpanningTreeInternalData, RVMinimumSpanningTreeAlgorithm>;
 
 using AbstractClasses = testing::Types<RVAlgorithm, RVInternalAlgorithm, RVBaseGraphAlgorithm,
                                        RVInternalGraphAlgorithm, RVAlgorithmOutputData, RVAnalysisOutputData>;
 
-using UncopyableClasses = testing::Types<RVGraph, RVAFactory, RVReachableNodesAlgorithm>;
+using UncopyableClasses =
+    testing::Types<RVGraph, RVAFactory, RVReachableNodesAlgorithm, RVMaximumFlowAlgorithm>;
 
-using InputClasses = testing::Types<
-    RVAlgorithmInputData, RVAnalysisInputData, RVTopologicalSortInputData, RVTraversalInputData,
-    RVBreadthFirstSearchInputData, RVDepthFirstSearchInputData, RVConnectedComponentsInputData,
-    RVBiconnectedComponentsInputData, RVStronglyConnectedComponentsInputData, RVPathExistsTestInputData,
-    RVAcyclicTestInputData, RVTreeTestInputData, RVPathCostInputData, RVShortestPathsInputData,
-    RVShortestPathsAcyclicInputData, RVAllPairsShortestPathsInputData, RVUniquePathTestInputData,
-    RVSingleSourceShortestPathsInputData, RVSortedPathsInputData, RVReachableNodesInputData>;
+using InputClasses =
+    testing::Types<RVAlgorithmInputData, RVAnalysisInputData, RVTopologicalSortInputData,
+                   RVTraversalInputData, RVBreadthFirstSearchInputData, RVDepthFirstSearchInputData,
+                   RVConnectedComponentsInputData, RVBiconnectedComponentsInputData,
+                   RVStronglyConnectedComponentsInputData, RVPathExistsTestInputData, RVAcyclicTestInputData,
+                   RVTreeTestInputData, RVPathCostInputData, RVShortestPathsInputData,
+                   RVShortestPathsAcyclicInputData, RVAllPairsShortestPathsInputData,
+                   RVUniquePathTestInputData, RVSingleSourceShortestPathsInputData, RVSortedPathsInputData,
+                   RVReachableNodesInputData, RVNetworkInputData, RVMaximumFlowInputData,
+                   RVMinimumCutInputData, RVDisjointPathsInputData, RVMinimumSpanningTreeInputData>;
 
 struct ClassNames {
     template <class C>

@@ -29,4 +29,13 @@ RVServiceErrorCodeEnum checkEnds(const Input& input) {
     return checkNode(input.pFinishNode(), input, RV_NO_FINISH_NODE, RV_FINISH_NODE_NOT_IN_GRAPH);
 }
 
+// The source and the sink of a network.
+template <class Input>
+RVServiceErrorCodeEnum checkNetworkEnds(const Input& input) {
+    const RVServiceErrorCodeEnum code =
+        checkNode(input.pSourceNode(), input, RV_NO_SOURCE_NODE, RV_SOURCE_NODE_NOT_IN_GRAPH);
+    if (code != RV_NO_ERROR) return code;
+    return checkNode(input.pSinkNode(), input, RV_NO_SINK_NODE, RV_SINK_NODE_NOT_IN_GRAPH);
+}
+
 }  // namespace rv

@@ -1,0 +1,60 @@
+// What the flow algorithms have in common: the two ends of a network, and records of capacities and flows.
+//
+// Capacities and flows are signed 32-bit integers, 2147483647 stands for unlimited. Sums are formed in wider
+// arithmetic and stay at 2147483647 when they are given out.
+#pragma once
+
+#include "rv/framework/analysis_data.h"
+
+// Per edge of the inputs with capacities.
+class RV_EXPORT RVEdgeExtensionFlowInput : public RVEdgeAnalysisExtension {
+    RV_PLAIN_RECORD(RVEdgeExtensionFlowInput)
+
+public:
+    RVEdgeExtensionFlowInput() = default;
+    RVEdgeExtensionFlowInput(RVEdge* edge, const RVAlgorithmData* data)
+        : RVEdgeAnalysisExtension(edge, data) {}
+    int capacity() const { return m_capacity; }
+    int capacity(int value) { return m_capacity = value; }
+
+private:
+    int m_capacity = 0;
+};
+
+// Per edge of the outputs.
+class RV_EXPORT RVEdgeExtensionFlowOutput : public RVEdgeAnalysisExtension {
+    RV_PLAIN_RECORD(RVEdgeExtensionFlowOutput)
+
+public:
+    RVEdgeExtensionFlowOutput() = default;
+    RVEdgeExtensionFlowOutput(RVEdge* edge, const RVAlgorithmData* data)
+        : RVEdgeAnalysisExtension(edge, data) {}
+    int flowValue() const { return m_flowValue; }
+    int flowValue(int value) { return m_flowValue = value; }
+
+private:
+    int m_flowValue = 0;
+};
+
+// A question about a network. Named fields: "sourceNode", "sinkNode" (of the graph).
+class RV_EXPORT RVNetworkInputData : public RVAnalysisInputData {
+    RV_DATA_OBJECT(RVNetworkInputData)
+
+public:
+    explicit RVNetworkInputData(RVGraph* graph) : RVAnalysisInputData(graph) {}
+
+    // Nodes of the input's graph; default none.
+    RVNode* pSourceNode() const { return m_pSourceNode; }
+    RVNode* pSourceNode(RVNode* node) { return m_pSourceNode = node; }
+    RVNode* pSinkNode() const { return m_pSinkNode; }
+    RVNode* pSinkNode(RVNode* node) { return m_pSinkNode = node; }
+
+protected:
+    RVNetworkInputData() = default;
+
+    std::span<const RVInputField> inputFields() const override;
+
+private:
+    RVNode* m_pSourceNode = nullptr;
+    RVNode* m_pSinkNode = nullptr;
+};

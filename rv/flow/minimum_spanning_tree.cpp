@@ -1,0 +1,206 @@
+#include "rv/flow/minimum_spanning_tree.h"
+
+#include <cstdint>
+#include <typeinfo>
+
+#include "rv/foundation/arithmetic.h"
+#include "rv/foundation/graph_iterators.h"
+#include "rv/framework/input_fields.h"
+
+RV_OBJECT_IMPL(RVEdgeExtensionMinimumSpanningTreeInput)
+RV_OBJECT_IMPL(RVEdgeExtensionMinimumSpanningTreeOutput)
+RV_OBJECT_IMPL(RVNodeExtensionMinimumSpanningTreeInternal)
+RV_OBJECT_IMPL(RVEdgeExtensionMinimumSpanningTreeInternal)
+RV_OBJECT_IMPL(RVMinimumSpanningTreeInputData)
+RV_OBJECT_IMPL(RVMinimumSpanningTreeOutputData)
+RV_OBJECT_IMPL(RVMinimumSpanningTreeBinTree)
+RV_OBJECT_IMPL(RVMinimumSpanningTreeAlgorithm)
+
+// Input and output
+
+int RVMinimumSpanningTreeInputData::cost(RVEdge* edge, int value) {
+    if (auto* own = record<RVEdgeExtensionMinimumSpanningTreeInput>(edge)) own->cost(value);
+    return value;
+}
+
+RVEdgeAlgorithmExtension* RVMinimumSpanningTreeInputData::newEdgeAlgorithmExtension(RVEdge* edge) {
+    return newRecord<RVEdgeExtensionMinimumSpanningTreeInput>(edge);
+}
+
+std::span<const RVInputField> RVMinimumSpanningTreeInputData::inputFields() const {
+    using namespace rv::field;
+    using D = RVMinimumSpanningTreeInputData;
+    static constexpr RVInputField fields[] = {edgeInt<D, &D::cost, &D::cost>("cost")};
+    return fields;
+}
+
+void RVMinimumSpanningTreeOutputData::buildTreeEdgeList(RVEdgeDList& list) const { list = *m_treeEdges; }
+
+int RVMinimumSpanningTreeOutputData::treeEdge(RVEdge* edge, int flag) {
+    if (auto* own = record<RVEdgeExtensionMinimumSpanningTreeOutput>(edge)) own->treeEdge(flag);
+    return flag;
+}
+
+RVEdgeAlgorithmExtension* RVMinimumSpanningTreeOutputData::newEdgeAlgorithmExtension(RVEdge* edge) {
+    return newRecord<RVEdgeExtensionMinimumSpanningTreeOutput>(edge);
+}
+
+void RVMinimumSpanningTreeOutputData::reset() {
+    m_treeEdges->deleteAllCells();
+    m_totalCost = 0;
+    deleteDataReferences(pAssociatedGraph());
+}
+
+// RVMinimumSpanningTreeBinTree
+
+int RVMinimumSpanningTreeBinTree::virtualObjectCompare(RVObject* a, RVObject* b) const {
+    if (m_pData == nullptr) return 0;
+    const int costOfA = m_pData->currentCost(RVNode::castDown(a));
+    const int costOfB = m_pData->currentCost(RVNode::castDown(b));
+    return costOfA < costOfB ? -1 : costOfA > costOfB ? 1 : 0;
+}
+
+bool RVMinimumSpanningTreeBinTree::integerKey(RVObject* object, int& key) const {
+    if (m_pData == nullptr || typeid(*this) != typeid(RVMinimumSpanningTreeBinTree)) return false;
+    key = m_pData->currentCost(RVNode::castDown(object));
+    return true;
+}
+
+// RVMinimumSpanningTreeInternalData
+
+RVMinimumSpanningTreeInternalData::RVMinimumSpanningTreeInternalData(
+    const RVMinimumSpanningTreeInternalData& other, RVDeepFlagEnum)
+    : RVMinimumSpanningTreeInternalData() {
+    RVMinimumSpanningTreeInternalData::copyObject(&other);
+}
+
+RVMinimumSpanningTreeInternalData::~RVMinimumSpanningTreeInternalData() = default;
+
+// The nodes of a copy are compared by the copy's costs.
+RVMinimumSpanningTreeInternalData& RVMinimumSpanningTreeInternalData::operator=(
+    const RVMinimumSpanningTreeInternalData& other) {
+    if (this == &other) return *this;
+    RVAnalysisInternalData::operator=(other);
+    m_edgeCounter = other.m_edgeCounter;
+    m_partialTreeNodes = other.m_partialTreeNodes;
+    m_partialTreeNodes.pData(this);
+    return *this;
+}
+
+RV_OBJECT_COPY_IMPL(RVMinimumSpanningTreeInternalData)
+
+RVNodeAlgorithmExtension* RVMinimumSpanningTreeInternalData::newNodeAlgorithmExtension(RVNode* node) {
+    return newRecord<RVNodeExtensionMinimumSpanningTreeInternal>(node);
+}
+
+RVEdgeAlgorithmExtension* RVMinimumSpanningTreeInternalData::newEdgeAlgorithmExtension(RVEdge* edge) {
+    return newRecord<RVEdgeExtensionMinimumSpanningTreeInternal>(edge);
+}
+
+int RVMinimumSpanningTreeInternalData::currentCost(RVNode* node, int cost) {
+    if (auto* own = record<RVNodeExtensionMinimumSpanningTreeInternal>(node)) own->currentCost(cost);
+    return cost;
+}
+
+int RVMinimumSpanningTreeInternalData::touched(RVNode* node, int flag) {
+    if (auto* own = record<RVNodeExtensionMinimumSpanningTreeInternal>(node)) own->touched(flag);
+    return flag;
+}
+
+RVEdge* RVMinimumSpanningTreeInternalData::pParentEdge(RVNode* node, RVEdge* edge) {
+    if (auto* own = record<RVNodeExtensionMinimumSpanningTreeInternal>(node)) own->pParentEdge(edge);
+    return edge;
+}
+
+int RVMinimumSpanningTreeInternalData::cost(RVEdge* edge, int value) {
+    if (auto* own = record<RVEdgeExtensionMinimumSpanningTreeInternal>(edge)) own->cost(value);
+    return value;
+}
+
+int RVMinimumSpanningTreeInternalData::treeEdge(RVEdge* edge, int flag) {
+    if (auto* own = record<RVEdgeExtensionMinimumSpanningTreeInternal>(edge)) own->treeEdge(flag);
+    return flag;
+}
+
+// RVMinimumSpanningTreeAlgorithm
+
+int RVMinimumSpanningTreeAlgorithm::directed() const { return 0; }
+
+RVAlgorithmData* RVMinimumSpanningTreeAlgorithm::newInternalData() {
+    return new RVMinimumSpanningTreeInternalData();
+}
+
+void RVMinimumSpanningTreeAlgorithm::privatePreprocessGraph() {
+    preprocessReflexiveEdges();
+    preprocessMultiEdges();
+}
+
+void RVMinimumSpanningTreeAlgorithm::parseInputData() {
+    const auto* input = RVMinimumSpanningTreeInputData::castDown(pInputData());
+    for (RVEdge* edge : *pAssociatedGraph()->pEdgeList()) {
+        pData()->cost(edge, input->cost(pData()->pOriginalEdge(edge)));
+    }
+}
+
+// The in-edges of the source come before its out-edges.
+RVEdge* RVMinimumSpanningTreeAlgorithm::selectRepresentativeEdge(RVEdge* edge) {
+    const RVNode* source = edge->pSourceNode();
+    RVEdge* best = edge;
+    int bestCost = rv::kInfinite;
+    const auto parallels = parallelEdges(edge, 0);
+    for (const bool isOut : {false, true}) {
+        for (RVEdge* parallel : parallels) {
+            if ((parallel->pSourceNode() == source) != isOut || pData()->cost(parallel) >= bestCost) continue;
+            best = parallel;
+            bestCost = pData()->cost(parallel);
+        }
+    }
+    return best;
+}
+
+RVServiceErrorCodeEnum RVMinimumSpanningTreeAlgorithm::algorithmBody() {
+    RVMinimumSpanningTreeInternalData* data = pData();
+    RVMinimumSpanningTreeBinTree* candidates = data->pPartialTreeNodeList();
+    RVNode* root = pAssociatedGraph()->pFirstNode();
+    if (root == nullptr) return data->returnCode();
+    candidates->addObject(root);
+    data->touched(root, 1);
+    data->currentCost(root, 0);
+    while (RVBinTreeCell* cheapest = candidates->pFirstCell()) {
+        auto* node = RVNode::castDown(cheapest->pObject());
+        candidates->discardCell(cheapest);
+        data->touched(node, 1);
+        if (RVEdge* parent = data->pParentEdge(node)) {
+            data->treeEdge(parent, 1);
+            data->edgeCounter(data->edgeCounter() + 1);
+        }
+        for (RVInAndOutEdgeIter it(node); it; it++) {
+            RVEdge* edge = it.pEdge();
+            RVNode* other = edge->pOtherNode(node);
+            const int cost = data->cost(edge);
+            const int before = data->currentCost(other);
+            if (data->touched(other) != 0 || before <= cost) continue;
+            RVBinTreeCell* cell = before < rv::kInfinite ? candidates->searchAndRemoveObject(other) : nullptr;
+            data->currentCost(other, cost);
+            data->pParentEdge(other, edge);
+            cell != nullptr ? candidates->insertCell(cell) : candidates->addObject(other);
+        }
+    }
+    return data->returnCode();
+}
+
+void RVMinimumSpanningTreeAlgorithm::generateOutputData() {
+    const RVMinimumSpanningTreeInternalData* data = pData();
+    auto* output = RVMinimumSpanningTreeOutputData::castDown(pOutputData());
+    output->pAssociatedGraph(data->pInputGraph());
+    if (data->edgeCounter() != pAssociatedGraph()->numberOfNodes() - 1) return;
+    std::int64_t total = 0;
+    for (RVEdge* edge : *pAssociatedGraph()->pEdgeList()) {
+        if (data->treeEdge(edge) == 0) continue;
+        RVEdge* original = data->pOriginalEdge(edge);
+        output->pTreeEdgeList()->appendEdge(original);
+        output->treeEdge(original, 1);
+        total += data->cost(edge);
+    }
+    output->totalCost(rv::saturate(total));
+}

@@ -1,0 +1,233 @@
+// Minimum spanning tree: edges of least total cost that connect all nodes, whatever the directions of edges.
+//
+// Any graph; self-loops play no part, and of parallel edges, whatever their directions, only the cheapest.
+// Costs may be negative; an edge of cost 2147483647 counts as none. A graph that is not connected, or empty,
+// has no tree: the output stays empty, and that is no failure.
+//
+// Ties: of equally cheap parallel edges the first in the in-edge order, then the out-edge order, of the
+// source of the first of them in graph order. The tree grows from the first node of the graph; among nodes
+// that can be joined at the same cost the one that came to that cost first is joined, by the edge that was
+// found first, where a joined node's in-edges come before its out-edges.
+//
+// Codes of run: RV_NO_ERROR, RV_NO_INPUT_GRAPH, RV_NO_GRAPH_FACTORY, and the framework's.
+// Method: Prim 1957. O(m log n) time, O(n + m) space.
+//
+//   RVMinimumSpanningTreeAlgorithm tree;
+//   RVMinimumSpanningTreeInputData input(graph);
+//   RVMinimumSpanningTreeOutputData output;
+//   input.cost(edge, 5);
+//   tree.pInputData(&input);
+//   tree.pOutputData(&output);
+//   if (tree.run() == RV_NO_ERROR) use(output.totalCost(), *output.pTreeEdgeList());
+#pragma once
+
+#include "rv/foundation/sorted_tree.h"
+#include "rv/framework/internal_graph_algorithm.h"
+
+class RVMinimumSpanningTreeInternalData;
+
+// Per edge of the input.
+class RV_EXPORT RVEdgeExtensionMinimumSpanningTreeInput : public RVEdgeAlgorithmExtension {
+    RV_PLAIN_RECORD(RVEdgeExtensionMinimumSpanningTreeInput)
+
+public:
+    RVEdgeExtensionMinimumSpanningTreeInput() = default;
+    RVEdgeExtensionMinimumSpanningTreeInput(RVEdge* edge, const RVAlgorithmData* data)
+        : RVEdgeAlgorithmExtension(edge, data) {}
+    int cost() const { return m_cost; }
+    int cost(int value) { return m_cost = value; }
+
+private:
+    int m_cost = 0;
+};
+
+// Per edge of the output.
+class RV_EXPORT RVEdgeExtensionMinimumSpanningTreeOutput : public RVEdgeAnalysisExtension {
+    RV_PLAIN_RECORD(RVEdgeExtensionMinimumSpanningTreeOutput)
+
+public:
+    RVEdgeExtensionMinimumSpanningTreeOutput() = default;
+    RVEdgeExtensionMinimumSpanningTreeOutput(RVEdge* edge, const RVAlgorithmData* data)
+        : RVEdgeAnalysisExtension(edge, data) {}
+    int treeEdge() const { return m_treeEdge; }
+    int treeEdge(int flag) { return m_treeEdge = flag; }
+
+private:
+    int m_treeEdge = 0;
+};
+
+// Per node of the working graph.
+class RV_EXPORT RVNodeExtensionMinimumSpanningTreeInternal : public RVNodeAnalysisExtension {
+    RV_PLAIN_RECORD(RVNodeExtensionMinimumSpanningTreeInternal)
+
+public:
+    RVNodeExtensionMinimumSpanningTreeInternal() = default;
+    RVNodeExtensionMinimumSpanningTreeInternal(RVNode* node, const RVAlgorithmData* data)
+        : RVNodeAnalysisExtension(node, data) {}
+    // Of the cheapest edge to the tree that is known, 2147483647 before one is.
+    int currentCost() const { return m_currentCost; }
+    int currentCost(int cost) { return m_currentCost = cost; }
+    // 1 for a node of the tree.
+    int touched() const { return m_touched; }
+    int touched(int flag) { return m_touched = flag; }
+    // That edge.
+    RVEdge* pParentEdge() const { return m_pParentEdge; }
+    RVEdge* pParentEdge(RVEdge* edge) { return m_pParentEdge = edge; }
+
+private:
+    int m_currentCost = 2147483647;
+    int m_touched = 0;
+    RVEdge* m_pParentEdge = nullptr;
+};
+
+// Per edge of the working graph.
+class RV_EXPORT RVEdgeExtensionMinimumSpanningTreeInternal : public RVEdgeAnalysisExtension {
+    RV_PLAIN_RECORD(RVEdgeExtensionMinimumSpanningTreeInternal)
+
+public:
+    RVEdgeExtensionMinimumSpanningTreeInternal() = default;
+    RVEdgeExtensionMinimumSpanningTreeInternal(RVEdge* edge, const RVAlgorithmData* data)
+        : RVEdgeAnalysisExtension(edge, data) {}
+    int cost() const { return m_cost; }
+    int cost(int value) { return m_cost = value; }
+    int treeEdge() const { return m_treeEdge; }
+    int treeEdge(int flag) { return m_treeEdge = flag; }
+
+private:
+    int m_cost = 0;
+    int m_treeEdge = 0;
+};
+
+// Named fields: "cost" (of an edge).
+class RV_EXPORT RVMinimumSpanningTreeInputData : public RVAnalysisInputData {
+    RV_DATA_OBJECT(RVMinimumSpanningTreeInputData)
+
+public:
+    explicit RVMinimumSpanningTreeInputData(RVGraph* graph) : RVAnalysisInputData(graph) {}
+
+    // Default 0.
+    int cost(RVEdge* edge) const { return constRecord<RVEdgeExtensionMinimumSpanningTreeInput>(edge).cost(); }
+    int cost(RVEdge* edge, int value);
+
+protected:
+    RVMinimumSpanningTreeInputData() = default;
+
+    RVEdgeAlgorithmExtension* newEdgeAlgorithmExtension(RVEdge* edge) override;
+    std::span<const RVInputField> inputFields() const override;
+};
+
+class RV_EXPORT RVMinimumSpanningTreeOutputData : public RVAnalysisOutputData {
+    RV_DATA_OBJECT(RVMinimumSpanningTreeOutputData)
+
+public:
+    RVMinimumSpanningTreeOutputData() = default;
+
+    // The caller's edges in the tree, in graph order; empty when there is no tree.
+    RVEdgeDList* pTreeEdgeList() const { return m_treeEdges.get(); }
+    // Empties the list, then fills it with these edges.
+    void buildTreeEdgeList(RVEdgeDList& list) const;
+    int totalCost() const { return m_totalCost; }
+    int totalCost(int cost) { return m_totalCost = cost; }
+    // 1 for an edge of the tree.
+    int treeEdge(RVEdge* edge) const {
+        return constRecord<RVEdgeExtensionMinimumSpanningTreeOutput>(edge).treeEdge();
+    }
+    int treeEdge(RVEdge* edge, int flag);
+
+    void reset() override;
+
+protected:
+    RVEdgeAlgorithmExtension* newEdgeAlgorithmExtension(RVEdge* edge) override;
+
+private:
+    rv::Owned<RVEdgeDList> m_treeEdges;
+    int m_totalCost = 0;
+};
+
+// Nodes of a working graph in the order of their current costs.
+class RV_EXPORT RVMinimumSpanningTreeBinTree : public RVSortedBinTree {
+    RV_OBJECT(RVMinimumSpanningTreeBinTree)
+
+public:
+    // Without data all nodes compare as equal.
+    explicit RVMinimumSpanningTreeBinTree(RVMinimumSpanningTreeInternalData* data = nullptr)
+        : m_pData(data) {}
+
+    // Whose costs count. Not owned.
+    RVMinimumSpanningTreeInternalData* pData() const { return m_pData; }
+    RVMinimumSpanningTreeInternalData* pData(RVMinimumSpanningTreeInternalData* data) {
+        return m_pData = data;
+    }
+
+    // Compares the current costs of two nodes.
+    int virtualObjectCompare(RVObject* a, RVObject* b) const override;
+
+protected:
+    bool integerKey(RVObject* object, int& key) const override;
+
+private:
+    RVMinimumSpanningTreeInternalData* m_pData;
+};
+
+class RV_EXPORT RVMinimumSpanningTreeInternalData : public RVAnalysisInternalData {
+    RV_DATA_OBJECT(RVMinimumSpanningTreeInternalData)
+
+public:
+    RVMinimumSpanningTreeInternalData() = default;
+
+    // How many tree edges have been found.
+    int edgeCounter() const { return m_edgeCounter; }
+    int edgeCounter(int number) { return m_edgeCounter = number; }
+    // The nodes that can be joined to the tree.
+    RVMinimumSpanningTreeBinTree* pPartialTreeNodeList() const { return &m_partialTreeNodes; }
+
+    int currentCost(RVNode* node) const { return nodeRecordToRead(node).currentCost(); }
+    int currentCost(RVNode* node, int cost);
+    int touched(RVNode* node) const { return nodeRecordToRead(node).touched(); }
+    int touched(RVNode* node, int flag);
+    RVEdge* pParentEdge(RVNode* node) const { return nodeRecordToRead(node).pParentEdge(); }
+    RVEdge* pParentEdge(RVNode* node, RVEdge* edge);
+    int cost(RVEdge* edge) const { return edgeRecordToRead(edge).cost(); }
+    int cost(RVEdge* edge, int value);
+    int treeEdge(RVEdge* edge) const { return edgeRecordToRead(edge).treeEdge(); }
+    int treeEdge(RVEdge* edge, int flag);
+
+protected:
+    RVNodeAlgorithmExtension* newNodeAlgorithmExtension(RVNode* node) override;
+    RVEdgeAlgorithmExtension* newEdgeAlgorithmExtension(RVEdge* edge) override;
+
+private:
+    const RVNodeExtensionMinimumSpanningTreeInternal& nodeRecordToRead(RVNode* node) const {
+        return constRecord<RVNodeExtensionMinimumSpanningTreeInternal>(node);
+    }
+    const RVEdgeExtensionMinimumSpanningTreeInternal& edgeRecordToRead(RVEdge* edge) const {
+        return constRecord<RVEdgeExtensionMinimumSpanningTreeInternal>(edge);
+    }
+
+    int m_edgeCounter = 0;
+    mutable RVMinimumSpanningTreeBinTree m_partialTreeNodes{this};
+};
+
+class RV_EXPORT RVMinimumSpanningTreeAlgorithm : public RVInternalGraphAlgorithm {
+    RV_OBJECT(RVMinimumSpanningTreeAlgorithm)
+
+public:
+    RVMinimumSpanningTreeAlgorithm() = default;
+
+    // 0: all edges are followed both ways.
+    int directed() const override;
+
+protected:
+    RVServiceErrorCodeEnum algorithmBody() override;
+    void generateOutputData() override;
+    void parseInputData() override;
+    RVAlgorithmData* newInternalData() override;
+    // Self-loops and parallel edges are detached; nodes are not.
+    void privatePreprocessGraph() override;
+    RVEdge* selectRepresentativeEdge(RVEdge* edge) override;
+
+private:
+    RVMinimumSpanningTreeInternalData* pData() const {
+        return static_cast<RVMinimumSpanningTreeInternalData*>(pInternalData());
+    }
+};

@@ -1,0 +1,135 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <memory>
+#include <numeric>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "tests/algorithm_checks.h"
+#include "tests/test_graph.h"
+
+namespace {
+
+using rvtest::MarkedGraph;
+using rvtest::number;
+using rvtest::randomText;
+using rvtest::SpanningTree;
+using rvtest::TestGraph;
+using rvtest::text;
+
+std::string answer(SpanningTree& test, RVGraph* graph) {
+    for (RVEdge* edge : *graph->pEdgeList()) test.input.cost(edge, number(edge, 0, 0));
+    EXPECT_EQ(test(graph), 0);
+    RVEdgeDList edges;
+    edges.appendEdge(nullptr);
+    test.output.buildTreeEdgeList(edges);
+    EXPECT_EQ(text(edges), text(*test.output.pTreeEdgeList()));
+    int marked = 0;
+    for (RVEdge* edge : *graph->pEdgeList()) marked += test.output.treeEdge(edge);
+    EXPECT_EQ(marked, edges.length());
+    return std::to_string(test.output.totalCost()) + ": " + text(edges);
+}
+
+TEST(MinimumSpanningTree, ConnectsAllAtLeastCost) {
+    const struct {
+        const char* what;
+        const char* graph;
+        const char* answer;
+    } cases[] = {
+        {"a triangle", "a->b:1 c->b:2 a->c:3", "3: a->b:1 c->b:2"},
+        {"opposite edges", "a->b:5 b->a:2", "2: b->a:2"},
+        {"first of parallels", "a->b:2 a->b:2,1", "2: a->b:2"},
+        {"in-edges before out-edges", "a->b:2 b->a:2", "2: b->a:2"},
+        {"loops", "a->a:-5 a->b:1", "1: a->b:1"},
+        {"first edge found", "a->b:1 a->c:1 b->c:1", "2: a->b:1 a->c:1"},
+        {"negative costs", "a->b:-1 b->c:-7 c->a:-3", "-10: b->c:-7 c->a:-3"},
+        {"two parts", "a->b:1 c->d:1", "0: "},
+        {"an infinite edge", "a->b:1 b->c:2147483647", "0: "},
+        {"a node", "a", "0: "},
+        {"an isolated node", "a->b:1 e", "0: "},
+        {"nothing", "", "0: "},
+        {"past the range", "a->b:2147483646 b->c:2147483646", "2147483647: a->b:2147483646 b->c:2147483646"},
+        {"past the other end", "a->b:-2147483648 b->c:-5", "-2147483648: a->b:-2147483648 b->c:-5"},
+    };
+    SpanningTree test;
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.what);
+        EXPECT_EQ(answer(test, TestGraph(c.graph)), c.answer);
+    }
+}
+
+// Which nodes hang together.
+class Parts {
+public:
+    explicit Parts(std::size_t count) : m_parents(count) { std::iota(m_parents.begin(), m_parents.end(), 0); }
+    bool join(const RVEdge* edge) {
+        const std::size_t a = root(static_cast<std::size_t>(edge->pSourceNode()->denseIndex()));
+        const std::size_t b = root(static_cast<std::size_t>(edge->pTargetNode()->denseIndex()));
+        m_parents[a] = b;
+        return a != b;
+    }
+
+private:
+    std::size_t root(std::size_t i) const {
+        while (m_parents[i] != i) i = m_parents[i];
+        return i;
+    }
+    std::vector<std::size_t> m_parents;
+};
+
+TEST(MinimumSpanningTree, AgreesWithAllSetsOfEdges) {
+    SpanningTree test;
+    int trees = 0;
+    for (unsigned seed = 0; seed < 300; ++seed) {
+        const std::string tokens = randomText(seed, {.nodes = 6, .edges = 11, .least = -3, .most = 6});
+        SCOPED_TRACE(std::to_string(seed) + ": " + tokens);
+        const MarkedGraph g(tokens, seed);
+        std::vector<RVEdge*> edges;
+        for (RVEdge* edge : *g->pEdgeList()) edges.push_back(edge);
+        std::optional<int> best;
+        for (unsigned set = 0; set < 1U << edges.size(); ++set) {
+            Parts parts(static_cast<std::size_t>(g->nodeIndexLimit()));
+            int joined = 0;
+            int cost = 0;
+            bool isTree = true;
+            for (std::size_t i = 0; i < edges.size() && isTree; ++i) {
+                if ((set >> i) % 2 == 0) continue;
+                isTree = parts.join(edges[i]);
+                cost += number(edges[i], 0, 0);
+                ++joined;
+            }
+            if (isTree && joined == g->numberOfNodes() - 1 && (!best || cost < *best)) best = cost;
+        }
+        answer(test, g);
+        EXPECT_EQ(test.output.totalCost(), best.value_or(0));
+        Parts parts(static_cast<std::size_t>(g->nodeIndexLimit()));
+        for (const RVEdge* edge : *test.output.pTreeEdgeList()) EXPECT_TRUE(parts.join(edge)) << text(edge);
+        EXPECT_EQ(test.output.pTreeEdgeList()->length(), best ? g->numberOfNodes() - 1 : 0);
+        trees += best && *best != 0 ? 1 : 0;
+    }
+    EXPECT_GT(trees, 60);
+}
+
+// Equal costs, and a hub with parallel edges to every node.
+TEST(MinimumSpanningTree, TakesLargeGraphs) {
+    constexpr int kNodes = 200000;
+    RVAFactory factory;
+    const std::unique_ptr<RVGraph> graph(factory.newGraph());
+    RVNode* const hub = graph->addNode();
+    RVNode* before = hub;
+    for (int i = 1; i < kNodes; ++i) {
+        RVNode* const node = graph->addNode();
+        graph->addEdge(hub, node);
+        graph->addEdge(node, hub);
+        graph->addEdge(before, node);
+        before = node;
+    }
+    SpanningTree test(graph.get());
+    EXPECT_EQ(test(), 0);
+    EXPECT_EQ(test.output.pTreeEdgeList()->length(), kNodes - 1);
+}
+
+}  // namespace
