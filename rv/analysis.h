@@ -2,7 +2,9 @@
 #pragma once
 
 #include "rv/flow/disjoint_paths.h"
+#include "rv/flow/flow_algorithm.h"
 #include "rv/flow/maximum_flow.h"
+#include "rv/flow/minimum_cost_flow.h"
 #include "rv/flow/minimum_cut.h"
 #include "rv/flow/minimum_spanning_tree.h"
 #include "rv/foundation/constraint.h"

@@ -25,6 +25,21 @@ constexpr int saturatingSum(Terms... terms) {
 
 constexpr int saturatingDifference(int a, int b) { return saturate(std::int64_t{a} - std::int64_t{b}); }
 
+// The same for totals, which stay at the ends of the signed 64-bit range.
+constexpr std::int64_t saturatingSum64(std::int64_t a, std::int64_t b) {
+    constexpr std::int64_t least = std::numeric_limits<std::int64_t>::min();
+    constexpr std::int64_t greatest = std::numeric_limits<std::int64_t>::max();
+    if (b > 0 && a > greatest - b) return greatest;
+    return b < 0 && a < least - b ? least : a + b;
+}
+// REQUIRES: b is not negative.
+constexpr std::int64_t saturatingProduct64(std::int64_t a, std::int64_t b) {
+    constexpr std::int64_t least = std::numeric_limits<std::int64_t>::min();
+    constexpr std::int64_t greatest = std::numeric_limits<std::int64_t>::max();
+    if (b == 0) return 0;
+    return a > greatest / b ? greatest : a < least / b ? least : a * b;
+}
+
 template <class... Terms>
 constexpr int wrappingSum(Terms... terms) {
     return static_cast<int>((std::uint32_t{0} + ... + static_cast<std::uint32_t>(terms)));

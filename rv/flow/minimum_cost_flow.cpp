@@ -1,0 +1,425 @@
+// Successive shortest paths.
+//
+// Without negative costs every node v of the flow graph has a potential p(v), at first 0, and the search goes
+// by the reduced cost p(u) + c - p(w) of each edge from u to w, which is never negative. After a search with
+// distances d, every potential is raised by d(v), or by D, the greatest distance found, where v was not
+// reached. The reduced cost of an edge then changes to r + d'(u) - d'(w), where r is the one before and d' =
+// min(d, D):
+//   - if u was not reached, d'(u) = D >= d'(w), so it stays >= r >= 0;
+//   - else d'(w) <= d(w) <= d(u) + r = d'(u) + r, so it is >= 0 as well;
+//   - along the path that was found it is 0, and so it is for the backward edges that come into the graph
+//   there.
+// Potentials are distances in real costs, and are kept in 64 bits. A reduced cost past the 32-bit range is
+// given to the search as infinite, which it is for it; each is formed anew from the real cost, so none stays
+// wrong.
+
+#include "rv/flow/minimum_cost_flow.h"
+
+#include <algorithm>
+#include <limits>
+#include <queue>
+
+#include "rv/foundation/arithmetic.h"
+#include "rv/framework/check_input.h"
+#include "rv/framework/input_fields.h"
+#include "rv/shortestpaths/dijkstra.h"
+#include "rv/shortestpaths/shortest_paths.h"
+
+RV_OBJECT_IMPL(RVEdgeExtensionMinimumCostFlowInput)
+RV_OBJECT_IMPL(RVMinimumCostFlowInputData)
+RV_OBJECT_IMPL(RVMinimumCostFlowOutputData)
+RV_OBJECT_IMPL(RVNodeExtensionMinimumCostFlow)
+RV_OBJECT_IMPL(RVEdgeExtensionMinimumCostFlowInternal)
+RV_OBJECT_IMPL(RVMinimumCostFlowInternalData)
+RV_OBJECT_IMPL(RVMinimumCostFlowAlgorithm)
+
+// Input and output
+
+int RVMinimumCostFlowInputData::cost(RVEdge* edge, int value) {
+    if (auto* own = record<RVEdgeExtensionMinimumCostFlowInput>(edge)) own->cost(value);
+    return value;
+}
+
+RVEdgeAlgorithmExtension* RVMinimumCostFlowInputData::newEdgeAlgorithmExtension(RVEdge* edge) {
+    return newRecord<RVEdgeExtensionMinimumCostFlowInput>(edge);
+}
+
+std::span<const RVInputField> RVMinimumCostFlowInputData::inputFields() const {
+    using namespace rv::field;
+    using E = RVNetworkInputData;
+    using B = RVMaximumFlowInputData;
+    using D = RVMinimumCostFlowInputData;
+    static constexpr RVInputField fields[] = {
+        graphObject<E, RVNode, &E::pSourceNode, &E::pSourceNode>("sourceNode"),
+        graphObject<E, RVNode, &E::pSinkNode, &E::pSinkNode>("sinkNode"),
+        graphInt<D, &D::desiredFlow, &D::desiredFlow>("desiredFlow"),
+        nodeInt<B, &B::capacity, &B::capacity>("capacity"),
+        nodeInt<D, &D::cost, &D::cost>("cost"),
+        edgeInt<B, &B::capacity, &B::capacity>("capacity"),
+        edgeInt<D, &D::cost, &D::cost>("cost"),
+    };
+    return fields;
+}
+
+int RVMinimumCostFlowOutputData::flow(RVEdge* edge, int value) {
+    if (auto* own = record<RVEdgeExtensionFlowOutput>(edge)) own->flowValue(value);
+    return value;
+}
+
+RVEdgeAlgorithmExtension* RVMinimumCostFlowOutputData::newEdgeAlgorithmExtension(RVEdge* edge) {
+    return newRecord<RVEdgeExtensionFlowOutput>(edge);
+}
+
+void RVMinimumCostFlowOutputData::reset() {
+    m_totalFlow = m_totalCost = 0;
+    deleteDataReferences(pAssociatedGraph());
+}
+
+// Internal data
+
+int RVNodeExtensionMinimumCostFlow::originalDist() const { return rv::saturate(m_potential); }
+
+int RVNodeExtensionMinimumCostFlow::originalDist(int value) {
+    m_potential = value;
+    return value;
+}
+
+int RVMinimumCostFlowInternalData::totalCost() const { return rv::saturate(m_totalCost); }
+
+int RVMinimumCostFlowInternalData::totalCost(int cost) {
+    m_totalCost = cost;
+    return cost;
+}
+
+void RVMinimumCostFlowInternalData::addCost(std::int64_t cost, int amount) {
+    m_totalCost = rv::saturatingSum64(m_totalCost, rv::saturatingProduct64(cost, amount));
+}
+
+int RVMinimumCostFlowInternalData::originalDist(RVNode* node, int value) {
+    if (auto* own = record<RVNodeExtensionMinimumCostFlow>(node)) own->originalDist(value);
+    return value;
+}
+
+void RVMinimumCostFlowInternalData::raisePotential(RVNode* node, int amount) {
+    if (auto* own = record<RVNodeExtensionMinimumCostFlow>(node)) own->raisePotential(amount);
+}
+
+int RVMinimumCostFlowInternalData::cost(RVEdge* edge, int value) {
+    if (auto* own = record<RVEdgeExtensionMinimumCostFlowInternal>(edge)) own->cost(value);
+    return value;
+}
+
+int RVMinimumCostFlowInternalData::realCost(RVEdge* edge, int value) {
+    if (auto* own = record<RVEdgeExtensionMinimumCostFlowInternal>(edge)) own->realCost(value);
+    return value;
+}
+
+RVNodeAlgorithmExtension* RVMinimumCostFlowInternalData::newNodeAlgorithmExtension(RVNode* node) {
+    return newRecord<RVNodeExtensionMinimumCostFlow>(node);
+}
+
+RVEdgeAlgorithmExtension* RVMinimumCostFlowInternalData::newEdgeAlgorithmExtension(RVEdge* edge) {
+    return newRecord<RVEdgeExtensionMinimumCostFlowInternal>(edge);
+}
+
+// The search of the simple case
+
+namespace {
+
+// The distances of a search beside its path.
+class FlowSearchOutput : public RVDijkstraOutputData {
+public:
+    std::vector<int> distances;  // by dense index
+};
+
+// A Dijkstra traversal of the flow graph that finds the same paths and distances as any, without records and
+// without touching the graph: of parallel edges the cheapest, and the first of those, is the one that lowers
+// the distance last; nodes of equal distance are settled in the order in which they came to it.
+class FlowSearch : public RVDijkstraAlgorithm {
+public:
+    RVServiceErrorCodeEnum run() override {
+        auto* output = static_cast<FlowSearchOutput*>(pOutputData());
+        const auto* input = RVShortestPathsInputData::castDown(pInputData());
+        const RVGraph* graph = input->pAssociatedGraph();
+        const RVNode* start = input->pStartNode();
+        const RVNode* finish = input->pFinishNode();
+        std::vector<int>& distances = output->distances;
+        distances.assign(static_cast<std::size_t>(graph->nodeIndexLimit()), rv::kInfinite);
+        m_lastEdges.assign(distances.size(), nullptr);
+        std::uint32_t number = 0;
+        m_candidates.push_back({0, number++, start});
+        distances[placeOf(start)] = 0;
+        while (!m_candidates.empty()) {
+            const Candidate nearest = m_candidates.front();
+            std::pop_heap(m_candidates.begin(), m_candidates.end());
+            m_candidates.pop_back();
+            if (nearest.distance != distances[placeOf(nearest.node)]) continue;  // it has come nearer since
+            for (RVEdge* edge : *nearest.node->pOutEdgeList()) {
+                const RVNode* target = edge->pTargetNode();
+                const int distance = rv::saturatingSum(nearest.distance, input->cost(edge));
+                if (distance >= distances[placeOf(target)]) continue;
+                distances[placeOf(target)] = distance;
+                m_lastEdges[placeOf(target)] = edge;
+                m_candidates.push_back({distance, number++, target});
+                std::push_heap(m_candidates.begin(), m_candidates.end());
+            }
+        }
+        const int cost = distances[placeOf(finish)];
+        output->totalCost(cost);
+        output->pathExists(cost != rv::kInfinite ? 1 : 0);
+        if (cost == rv::kInfinite) return RV_NO_ERROR;
+        for (const RVNode* node = finish; node != start;) {
+            RVEdge* edge = m_lastEdges[placeOf(node)];
+            output->pEdgeList()->prependEdge(edge);
+            node = edge->pSourceNode();
+        }
+        return RV_NO_ERROR;
+    }
+
+private:
+    struct Candidate {
+        int distance;
+        std::uint32_t number;  // in the order of coming
+        const RVNode* node;
+        // A heap has its greatest on top.
+        bool operator<(const Candidate& other) const {
+            return distance != other.distance ? distance > other.distance : number > other.number;
+        }
+    };
+    static std::size_t placeOf(const RVNode* node) { return static_cast<std::size_t>(node->denseIndex()); }
+
+    std::vector<RVEdge*> m_lastEdges;
+    std::vector<Candidate> m_candidates;
+};
+
+}  // namespace
+
+// RVMinimumCostFlowAlgorithm
+
+RVServiceErrorCodeEnum RVMinimumCostFlowAlgorithm::checkData() {
+    RVServiceErrorCodeEnum code = checkInputGraph();
+    if (code != RV_NO_ERROR) return code;
+    const auto* input = RVMinimumCostFlowInputData::castDown(pInputData());
+    code = rv::checkNetworkEnds(*input);
+    if (code != RV_NO_ERROR) return code;
+    if (input->desiredFlow() < 0) return RV_NEGATIVE_DESIRED_FLOW;
+    for (RVEdge* edge : *input->pAssociatedGraph()->pEdgeList()) {
+        if (input->capacity(edge) < 0) return RV_NEGATIVE_CAPACITY;
+    }
+    for (RVNode* node : *input->pAssociatedGraph()->pNodeList()) {
+        if (input->capacity(node) < 0) return RV_NEGATIVE_CAPACITY;
+    }
+    return RV_NO_ERROR;
+}
+
+RVAlgorithmData* RVMinimumCostFlowAlgorithm::newInternalData() { return new RVMinimumCostFlowInternalData(); }
+
+void RVMinimumCostFlowAlgorithm::initialize() {
+    RVFlowAlgorithm::initialize();
+    const auto* input = RVMinimumCostFlowInputData::castDown(pInputData());
+    const RVGraph* graph = input->pAssociatedGraph();
+    const auto isNegative = [&](auto* member) { return input->cost(member) < 0; };
+    const RVEdgeDList& edges = *graph->pEdgeList();
+    const RVNodeDList& nodes = *graph->pNodeList();
+    bool hasNegativeCost = false;
+    for (RVEdge* edge : edges) hasNegativeCost = hasNegativeCost || isNegative(edge);
+    for (RVNode* node : nodes) hasNegativeCost = hasNegativeCost || isNegative(node);
+    if (hasNegativeCost) pMinimumCostFlowInternalData()->simpleCase(0);
+}
+
+void RVMinimumCostFlowAlgorithm::parseInputData() {
+    const auto* input = RVMinimumCostFlowInputData::castDown(pInputData());
+    RVMinimumCostFlowInternalData* data = pMinimumCostFlowInternalData();
+    data->pSourceNode(data->pCopyNode(input->pSourceNode()));
+    data->pSinkNode(data->pCopyNode(input->pSinkNode()));
+    for (RVEdge* edge : *pAssociatedGraph()->pEdgeList()) {
+        RVEdge* original = data->pOriginalEdge(edge);
+        data->capacity(edge, input->capacity(original));
+        data->cost(edge, input->cost(original));
+    }
+    for (RVNode* node : *pAssociatedGraph()->pNodeList()) {
+        RVNode* original = data->pOriginalNode(node);
+        data->capacity(node, input->capacity(original));
+        data->cost(node, input->cost(original));
+    }
+    for (RVNode* end : {data->pSourceNode(), data->pSinkNode()}) {
+        data->capacity(end, rv::kInfinite);
+        data->cost(end, 0);
+    }
+}
+
+int RVMinimumCostFlowAlgorithm::desiredFlow() const {
+    return RVMinimumCostFlowInputData::castDown(pInputData())->desiredFlow();
+}
+
+// The search
+
+int RVMinimumCostFlowAlgorithm::pathExists(RVAnalysisOutputData* output) const {
+    return RVShortestPathsOutputData::castDown(output)->pathExists();
+}
+
+void RVMinimumCostFlowAlgorithm::buildEdgeList(RVAnalysisOutputData* output, RVEdgeDList& list) const {
+    RVShortestPathsOutputData::castDown(output)->buildEdgeList(list);
+}
+
+void RVMinimumCostFlowAlgorithm::pStartNode(RVAnalysisInputData* input, RVNode* node) const {
+    RVNode* dummy = pMinimumCostFlowInternalData()->pDummyStartNode();
+    RVShortestPathsInputData::castDown(input)->pStartNode(dummy != nullptr ? dummy : node);
+}
+
+void RVMinimumCostFlowAlgorithm::pFinishNode(RVAnalysisInputData* input, RVNode* node) const {
+    RVShortestPathsInputData::castDown(input)->pFinishNode(node);
+}
+
+RVAlgorithm* RVMinimumCostFlowAlgorithm::newPathExistsTestAlgorithm() const {
+    if (pMinimumCostFlowInternalData()->simpleCase() == 0) return new RVShortestPathsAlgorithm();
+    auto search = std::make_unique<FlowSearch>();
+    search->useOriginalGraph(1);
+    search->storeDistances(1);
+    return search.release();
+}
+
+RVAlgorithmInputData* RVMinimumCostFlowAlgorithm::newPathExistsTestInputData() const {
+    return new RVShortestPathsInputData(pMinimumCostFlowInternalData()->pCopyGraph());
+}
+
+RVAlgorithmOutputData* RVMinimumCostFlowAlgorithm::newPathExistsTestOutputData() const {
+    if (pMinimumCostFlowInternalData()->simpleCase() == 0) return new RVShortestPathsOutputData();
+    return new FlowSearchOutput();
+}
+
+int RVMinimumCostFlowAlgorithm::hasToBeSplit(RVNode* node) {
+    const RVMinimumCostFlowInternalData* data = pMinimumCostFlowInternalData();
+    if (RVFlowAlgorithm::hasToBeSplit(node) != 0) return 1;
+    return data->cost(data->pFlowOriginalNode(node)) > 0 ? 1 : 0;
+}
+
+void RVMinimumCostFlowAlgorithm::copyEdgeData(RVEdge* from, RVEdge* to, int first) {
+    RVFlowAlgorithm::copyEdgeData(from, to, first);
+    RVMinimumCostFlowInternalData* data = pMinimumCostFlowInternalData();
+    if (first == 1) data->cost(to, data->cost(from));
+}
+
+void RVMinimumCostFlowAlgorithm::copyEdgeProperties(RVAnalysisInputData* input) {
+    RVMinimumCostFlowInternalData* data = pMinimumCostFlowInternalData();
+    auto* question = RVShortestPathsInputData::castDown(input);
+    const auto setCost = [&](RVEdge* edge, int cost) {
+        question->cost(edge, cost);
+        if (data->simpleCase() != 0) data->realCost(edge, cost);
+    };
+    for (RVEdge* edge : *data->pCopyGraph()->pEdgeList()) {
+        RVEdge* original = data->pFlowOriginalEdge(edge);
+        const int cost = original != nullptr ? data->cost(original)
+                                             : data->cost(data->pFlowOriginalNode(edge->pTargetNode()));
+        setCost(edge, cost);
+        setCost(pReverseEdge(edge), rv::saturatingDifference(0, cost));
+    }
+}
+
+// Pushing
+
+int RVMinimumCostFlowAlgorithm::finished() const {
+    return desiredFlow() >= 1 && pMinimumCostFlowInternalData()->exactTotalFlow() >= desiredFlow() ? 1 : 0;
+}
+
+int RVMinimumCostFlowAlgorithm::flowValue(RVAnalysisOutputData* output) const {
+    const int most = RVFlowAlgorithm::flowValue(output);
+    if (desiredFlow() < 1) return most;
+    const std::int64_t missing = desiredFlow() - pMinimumCostFlowInternalData()->exactTotalFlow();
+    return static_cast<int>(std::min<std::int64_t>(most, missing));
+}
+
+// Edges that leave the graph keep their real costs as costs of the search, as those do that come into it.
+void RVMinimumCostFlowAlgorithm::updateGraphData(RVAnalysisInputData* input, RVAnalysisOutputData* output,
+                                                 int amount) {
+    RVMinimumCostFlowInternalData* data = pMinimumCostFlowInternalData();
+    auto* question = RVShortestPathsInputData::castDown(input);
+    const auto* answer = RVShortestPathsOutputData::castDown(output);
+    if (data->simpleCase() == 0) {
+        RVFlowAlgorithm::updateGraphData(input, output, amount);
+        data->addCost(answer->totalCost(), amount);
+        return;
+    }
+    std::int64_t pathCost = 0;
+    for (RVEdge* edge : *answer->pEdgeList()) {
+        question->cost(edge, data->realCost(edge));
+        pathCost += data->realCost(edge);
+    }
+    data->addCost(pathCost, amount);
+    RVFlowAlgorithm::updateGraphData(input, output, amount);
+    raisePotentials(*output);
+    for (RVEdge* edge : *data->pCopyGraph()->pEdgeList()) {
+        const std::int64_t reduced = data->potential(edge->pSourceNode()) + data->realCost(edge) -
+                                     data->potential(edge->pTargetNode());
+        question->cost(edge, rv::saturate(reduced));
+    }
+}
+
+void RVMinimumCostFlowAlgorithm::raisePotentials(const RVAnalysisOutputData& output) {
+    RVMinimumCostFlowInternalData* data = pMinimumCostFlowInternalData();
+    const auto* answer = static_cast<const RVDijkstraOutputData*>(&output);
+    const auto* flat = dynamic_cast<const FlowSearchOutput*>(answer);
+    const RVNodeDList& nodes = *data->pCopyGraph()->pNodeList();
+    const auto distance = [&](RVNode* node) {
+        return flat != nullptr ? flat->distances[static_cast<std::size_t>(node->denseIndex())]
+                               : answer->dist(node);
+    };
+    int greatest = 0;
+    for (RVNode* node : nodes) {
+        if (distance(node) != rv::kInfinite) greatest = std::max(greatest, distance(node));
+    }
+    for (RVNode* node : nodes) data->raisePotential(node, std::clamp(distance(node), 0, greatest));
+}
+
+// The flow of each caller's edge
+
+// The edge itself notes the flow too, so that it does not matter whether the output is written before or
+// after.
+void RVMinimumCostFlowAlgorithm::actOnInsertMultiEdge(RVEdge* edge) {
+    RVFlowAlgorithm::actOnInsertMultiEdge(edge);
+    RVMinimumCostFlowInternalData* data = pMinimumCostFlowInternalData();
+    RVEdge* replacement = data->pMultiEdgeReplacementEdge(edge);
+    if (replacement == nullptr) return;
+    const int flow = data->flow(edge, data->flow(replacement));
+    if (flow != 0)
+        RVMinimumCostFlowOutputData::castDown(pOutputData())->flow(data->pOriginalEdge(edge), flow);
+    data->pMultiEdgeReplacementEdge(edge, nullptr);
+    pAssociatedGraph()->discardNode(replacement->pTargetNode());
+}
+
+void RVMinimumCostFlowAlgorithm::generateOutputData() {
+    const RVMinimumCostFlowInternalData* data = pMinimumCostFlowInternalData();
+    auto* output = RVMinimumCostFlowOutputData::castDown(pOutputData());
+    output->pAssociatedGraph(data->pInputGraph());
+    output->totalCost(data->totalCost());
+    output->totalFlow(data->totalFlow());
+    for (RVEdge* edge : *pAssociatedGraph()->pEdgeList()) {
+        RVEdge* original = data->pOriginalEdge(edge);
+        if (original != edge && data->flow(edge) != 0) output->flow(original, data->flow(edge));
+    }
+    const auto* input = RVMinimumCostFlowInputData::castDown(pInputData());
+    if (input->pSourceNode() == input->pSinkNode()) fillSelfLoops(*output);
+}
+
+// The self-loops of a source that is the sink, cheapest first.
+void RVMinimumCostFlowAlgorithm::fillSelfLoops(RVMinimumCostFlowOutputData& output) const {
+    const auto* input = RVMinimumCostFlowInputData::castDown(pInputData());
+    RVMinimumCostFlowInternalData* data = pMinimumCostFlowInternalData();
+    std::vector<RVEdge*> loops;
+    for (RVEdge* edge : *input->pSourceNode()->pOutEdgeList()) {
+        if (edge->pTargetNode() == edge->pSourceNode()) loops.push_back(edge);
+    }
+    std::stable_sort(loops.begin(), loops.end(),
+                     [&](RVEdge* a, RVEdge* b) { return input->cost(a) < input->cost(b); });
+    for (RVEdge* loop : loops) {
+        if (finished() != 0) break;
+        std::int64_t amount = input->capacity(loop);
+        if (desiredFlow() >= 1) amount = std::min(amount, desiredFlow() - data->exactTotalFlow());
+        if (amount == 0) continue;
+        output.flow(loop, static_cast<int>(amount));
+        data->addFlow(static_cast<int>(amount));
+        data->addCost(input->cost(loop), static_cast<int>(amount));
+    }
+    output.totalCost(data->totalCost());
+    output.totalFlow(data->totalFlow());
+}
