@@ -275,13 +275,14 @@ void RVInternalGraphAlgorithm::restoreAfterFailure() {
     for (const bool asOverridden : {true, false}) {
         if (m_orders.get() == nullptr || m_isRestored) break;
         try {
-            asOverridden ? privatePostprocessGraph()
-                         : RVInternalGraphAlgorithm::privatePostprocessGraph(pAssociatedGraph());
+            asOverridden ? privatePostprocessGraph() : restoreWorkingGraph();
         } catch (...) {  // NOLINT(bugprone-empty-catch)
         }
     }
     restoreOrders();
 }
+
+void RVInternalGraphAlgorithm::restoreWorkingGraph() { privatePostprocessGraph(pAssociatedGraph()); }
 
 void RVInternalGraphAlgorithm::restoreOrders() {
     if (m_orders.get() != nullptr) rv::GraphAccess::restoreOrders(pAssociatedGraph(), *m_orders.get());

@@ -117,6 +117,10 @@ protected:
     // Makes room for so many edges to be detached from the caller's graph while it is restored.
     void prepareRemovals(int edges);
 
+    // Undoes privatePreprocessGraph where its counterpart, as overridden, has thrown before doing so. Here:
+    // what privatePostprocessGraph does. A class with a normalisation of its own overrides this too.
+    virtual void restoreWorkingGraph();
+
 private:
     void restoreAfterFailure();
     void restoreOrders();

@@ -77,11 +77,21 @@ RVServiceErrorCodeEnum RVReachableNodesAlgorithm::checkData() {
 
 void RVReachableNodesAlgorithm::initialize() {
     RVBaseGraphAlgorithm::initialize();
+    m_hasCosts = false;
+    cover();
+}
+
+// Nodes and edges that have come since the input was read have the defaults.
+void RVReachableNodesAlgorithm::cover() {
     const RVGraph* graph = pInputData()->pAssociatedGraph();
     const auto nodes = static_cast<std::size_t>(graph->nodeIndexLimit());
-    m_distances.assign(nodes, rv::kInfinite);
-    m_cells.assign(nodes, nullptr);
-    m_undirectedEdges.assign(static_cast<std::size_t>(graph->edgeIndexLimit()), false);
+    const auto edges = static_cast<std::size_t>(graph->edgeIndexLimit());
+    m_distances.resize(nodes, rv::kInfinite);
+    m_cells.resize(nodes);
+    m_undirectedEdges.resize(edges);
+    if (!m_hasCosts) return;
+    m_nodeCosts.resize(nodes);
+    m_edgeCosts.resize(edges, 1);
 }
 
 void RVReachableNodesAlgorithm::parseInputData() {
@@ -93,9 +103,8 @@ void RVReachableNodesAlgorithm::parseInputData() {
     m_followsBothWays = m_directed == 0;
     m_hasCosts = input->range() != -1;
     m_range = m_hasCosts ? input->range() : rv::kInfinite;
+    cover();
     if (m_hasCosts) {
-        m_nodeCosts.assign(m_distances.size(), 0);
-        m_edgeCosts.assign(m_undirectedEdges.size(), 0);
         for (RVNode* node : *graph->pNodeList()) m_nodeCosts[placeOf(node)] = input->cost(node);
     }
     for (RVEdge* edge : *graph->pEdgeList()) {
@@ -105,6 +114,7 @@ void RVReachableNodesAlgorithm::parseInputData() {
 }
 
 RVServiceErrorCodeEnum RVReachableNodesAlgorithm::algorithmBody() {
+    cover();
     RVNodeDList* reached = RVReachableNodesOutputData::castDown(pOutputData())->pNodeList();
     m_distances[placeOf(m_pStartNode)] = 0;
     m_cells[placeOf(m_pStartNode)] = m_candidates.addObject(m_pStartNode);

@@ -15,7 +15,7 @@
 // RV_START_NODE_NOT_IN_GRAPH, RV_NO_FINISH_NODE, RV_FINISH_NODE_NOT_IN_GRAPH, RV_ALGORITHM_FAILURE when any
 // edge of the graph has a negative cost, and the framework's. A finish node that cannot be reached is no
 // failure: pathExists 0, totalCost 2147483647 and no edges.
-// Method: Dijkstra 1959, on the traversal engine. O(m + n log n) time, O(n + m) space.
+// Method: Dijkstra 1959, on the traversal engine. O((n + m) log n) time, O(n + m) space.
 //
 //   RVDijkstraAlgorithm search;
 //   RVShortestPathsInputData input(graph);

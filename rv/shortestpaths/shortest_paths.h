@@ -23,8 +23,8 @@
 // way there and back, with both its nodes, is one), with pathExists 0 and totalCost 0; RV_ALGORITHM_FAILURE
 // when a part fails, and the framework's. A finish node that cannot be reached is no failure: pathExists 0,
 // totalCost 2147483647 and no edges.
-// Always works on a copy of the graph. O(m + n log n) time, with negative costs and without cycles O(n + m),
-// with both O(n^3) and O(n^2) space.
+// Always works on a copy of the graph. O((n + m) log n) time, with negative costs and without cycles O(n +
+// m), with both O(n^3) and O(n^2) space.
 //
 //   RVShortestPathsAlgorithm paths;
 //   RVShortestPathsInputData input(graph);

@@ -1,5 +1,7 @@
 #include "rv/shortestpaths/single_source_shortest_paths.h"
 
+#include <algorithm>
+#include <limits>
 #include <typeinfo>
 #include <utility>
 
@@ -56,7 +58,17 @@ std::size_t placeOf(const RVGraphMember* member) { return static_cast<std::size_
 }  // namespace
 
 struct RVSingleSourceShortestPathsAlgorithm::Run {
+    static constexpr std::int64_t kUnreached = std::numeric_limits<std::int64_t>::max();
+
     explicit Run(RVSingleSourceShortestPathsAlgorithm* algorithm) : candidates(algorithm) {}
+
+    // Edges and nodes that have come since the input was read have the defaults.
+    void cover(const RVGraph* graph) {
+        costs.resize(static_cast<std::size_t>(graph->edgeIndexLimit()), 1);
+        undirectedEdges.resize(costs.size());
+        distances.assign(static_cast<std::size_t>(graph->nodeIndexLimit()), kUnreached);
+        treeEdges.assign(distances.size(), nullptr);
+    }
 
     std::int64_t distance(const RVNode* node) const { return distances[placeOf(node)]; }
     bool isFollowedBackward(const RVEdge* edge) const {
@@ -64,9 +76,10 @@ struct RVSingleSourceShortestPathsAlgorithm::Run {
     }
     // Whether the way over an edge out of a node is cheaper than those known to its other end, which then
     // takes it.
-    bool improve(std::int64_t distanceBefore, RVEdge* edge, const RVNode* node) {
+    bool improve(std::int64_t distanceBefore, RVEdge* edge, const RVNode* node,
+                 std::int64_t limit = kUnreached) {
         const std::int64_t distance = distanceBefore + costs[placeOf(edge)];
-        if (distance >= distances[placeOf(node)]) return false;
+        if (distance >= std::min(distances[placeOf(node)], limit)) return false;
         distances[placeOf(node)] = distance;
         treeEdges[placeOf(node)] = edge;
         return true;
@@ -84,7 +97,7 @@ struct RVSingleSourceShortestPathsAlgorithm::Run {
     RVNode* start = nullptr;
     bool isUndirected = false;
     bool anyUndirectedEdge = false;
-    std::vector<int> costs;
+    std::vector<std::int64_t> costs;
     std::vector<bool> undirectedEdges;
     RVNodeDList removedNodes;
     std::vector<std::int64_t> distances;
@@ -134,11 +147,11 @@ void RVSingleSourceShortestPathsAlgorithm::parseInputData() {
     Run& run = *m_run.get();
     run.start = pInternalData()->pCopyNode(input->pStartNode());
     run.isUndirected = input->directed() == 0;
-    run.costs.resize(static_cast<std::size_t>(graph->edgeIndexLimit()));
-    run.undirectedEdges.resize(run.costs.size());
+    run.cover(graph);
     for (RVEdge* edge : *graph->pEdgeList()) {
         RVEdge* original = pInternalData()->pOriginalEdge(edge);
-        run.costs[placeOf(edge)] = input->cost(original);
+        run.costs[placeOf(edge)] =
+            m_exact.costs == nullptr ? input->cost(original) : (*m_exact.costs)[placeOf(edge)];
         if (input->undirected(original) != 0)
             run.anyUndirectedEdge = run.undirectedEdges[placeOf(edge)] = true;
     }
@@ -148,6 +161,7 @@ void RVSingleSourceShortestPathsAlgorithm::parseInputData() {
 void RVSingleSourceShortestPathsAlgorithm::privatePreprocessGraph() {
     RVGraph* graph = pAssociatedGraph();
     Run& run = *m_run.get();
+    run.cover(graph);
     RVReachableNodesAlgorithm search;
     RVReachableNodesInputData input(graph);
     RVReachableNodesOutputData output;
@@ -166,16 +180,16 @@ void RVSingleSourceShortestPathsAlgorithm::privatePreprocessGraph() {
     });
 }
 
-void RVSingleSourceShortestPathsAlgorithm::privatePostprocessGraph() {
+void RVSingleSourceShortestPathsAlgorithm::privatePostprocessGraph() { restoreWorkingGraph(); }
+
+void RVSingleSourceShortestPathsAlgorithm::restoreWorkingGraph() {
+    if (m_run.get() == nullptr) return;
     for (RVNode* node : m_run.get()->removedNodes) pAssociatedGraph()->insertNode(node);
     m_run.get()->removedNodes.deleteAllCells();
 }
 
 RVServiceErrorCodeEnum RVSingleSourceShortestPathsAlgorithm::algorithmBody() {
-    Run& run = *m_run.get();
-    const auto nodes = static_cast<std::size_t>(pAssociatedGraph()->nodeIndexLimit());
-    run.distances.assign(nodes, rv::kInfinite);
-    run.treeEdges.assign(nodes, nullptr);
+    m_run.get()->cover(pAssociatedGraph());
     if (makeShortestPathTreeAcyclic() == RV_NO_ERROR) return RV_NO_ERROR;
     if (makeShortestPathTreeDijkstra() == RV_NO_ERROR) return RV_NO_ERROR;
     return makeShortestPathTreeBellmanFord();
@@ -209,7 +223,7 @@ RVServiceErrorCodeEnum RVSingleSourceShortestPathsAlgorithm::makeShortestPathTre
     for (const RVNode* node : *output.pNodeList()) {
         for (RVEdge* edge : *node->pInEdgeList()) {
             const std::int64_t before = run.distance(edge->pSourceNode());
-            if (before != rv::kInfinite) run.improve(before, edge, node);
+            if (before != Run::kUnreached) run.improve(before, edge, node);
         }
     }
     return RV_NO_ERROR;
@@ -228,8 +242,8 @@ RVServiceErrorCodeEnum RVSingleSourceShortestPathsAlgorithm::makeShortestPathTre
         run.cells[placeOf(node)] = nullptr;
         const std::int64_t distance = run.distance(node);
         run.forEachWay(node, [&](RVEdge* edge, RVNode* other) {
-            // The tree reads the new distance when the cell goes in again.
-            if (!run.improve(distance, edge, other)) return;
+            // What is infinitely far is not reached. The tree reads the new distance when the cell goes in.
+            if (!run.improve(distance, edge, other, rv::kInfinite)) return;
             RVBinTreeCell*& cell = run.cells[placeOf(other)];
             if (cell != nullptr) run.candidates.removeCell(cell);
             cell = cell != nullptr ? run.candidates.insertCell(cell) : run.candidates.addObject(other);
@@ -244,7 +258,8 @@ RVServiceErrorCodeEnum RVSingleSourceShortestPathsAlgorithm::makeShortestPathTre
 RVServiceErrorCodeEnum RVSingleSourceShortestPathsAlgorithm::makeShortestPathTreeBellmanFord() {
     Run& run = *m_run.get();
     const int nodes = pAssociatedGraph()->numberOfNodes();
-    const std::int64_t least = std::int64_t{rv::kSmallest} * nodes;
+    const std::int64_t least =
+        2 * std::int64_t{rv::kSmallest} * nodes;  // costs may be those of edge and node
     std::vector<RVNode*> current{run.start};
     std::vector<RVNode*> next;
     std::vector<int> listedIn(run.distances.size());  // by node, the last pass that lists it as next
@@ -270,6 +285,7 @@ void RVSingleSourceShortestPathsAlgorithm::generateOutputData() {
     const Run& run = *m_run.get();
     auto* output = RVSingleSourceShortestPathsOutputData::castDown(pOutputData());
     output->pAssociatedGraph(data->pInputGraph());
+    if (m_exact.distances != nullptr) *m_exact.distances = run.distances;
     for (RVNode* node : *pAssociatedGraph()->pNodeList()) {
         RVNode* original = data->pOriginalNode(node);
         output->distance(original, rv::saturate(run.distance(node)));

@@ -10,13 +10,13 @@
 // first in-edge in in-edge order; or the one from the node settled first, where nodes of equal distance are
 // settled in the order in which they came to it; or the one of the first pass over the frontier.
 //
-// Costs are added exactly. A path whose cost reaches 2147483647, be it on the way, counts as none; a distance
-// below -2147483648 is given as that.
+// Costs are added exactly. A distance of 2147483647 and more counts as not reached, one below -2147483648 is
+// given as that.
 //
 // Codes of run: RV_NO_ERROR, RV_NO_INPUT_GRAPH, RV_NO_GRAPH_FACTORY, then RV_NO_START_NODE,
 // RV_START_NODE_NOT_IN_GRAPH; RV_NEGATIVE_CYCLE when the start node reaches a negative cycle (an undirected
 // edge of negative cost is one), with the costs found until then in the output; and the framework's.
-// Method: relaxation in topological order O(n + m); Dijkstra 1959 O(m + n log n); Bellman 1958, Ford 1956,
+// Method: relaxation in topological order O(n + m); Dijkstra 1959 O((n + m) log n); Bellman 1958, Ford 1956,
 // in passes over the nodes whose distance has fallen, O(n m) at worst. O(n + m) space.
 //
 //   RVSingleSourceShortestPathsAlgorithm paths;
@@ -29,7 +29,9 @@
 //   if (paths.run() == RV_NO_ERROR) use(output.distance(other), output.pTreeEdge(other));
 #pragma once
 
+#include <cstdint>
 #include <memory>
+#include <vector>
 
 #include "rv/foundation/hash_map.h"
 #include "rv/foundation/sorted_tree.h"
@@ -89,7 +91,14 @@ class RV_EXPORT RVSingleSourceShortestPathsOutputData : public RVAnalysisOutputD
 public:
     RVSingleSourceShortestPathsOutputData() = default;
 
-    // The edge by which a cheapest path enters the node; none for the start node and nodes not reached.
+    // The maps behind what follows: from node to edge, and from node to RVInt. The setters take a map over
+    // and destroy the present one, distances included; none stands for an empty one.
+    RVHashMap* pTreeEdgeMap() const { return m_treeEdges.get(); }
+    RVHashMap* pTreeEdgeMap(RVHashMap* map) { return m_treeEdges.take(map); }
+    RVHashMap* pDistanceMap() const { return m_distances.get(); }
+    RVHashMap* pDistanceMap(RVHashMap* map) { return m_distances.take(map); }
+    // The edge by which a cheapest path enters the node; none for the start node and nodes not reached. A
+    // node that negative costs bring back from infinity has its way through nodes that count as not reached.
     RVEdge* pTreeEdge(RVNode* node) const { return static_cast<RVEdge*>(m_treeEdges->get(node)); }
     RVEdge* pTreeEdge(RVNode* node, RVEdge* edge);
     // 2147483647 for a node that the start node does not reach.
@@ -139,9 +148,11 @@ protected:
     // The copy is not normalised: what the start node does not reach is detached, and attached again.
     void privatePreprocessGraph() override;
     void privatePostprocessGraph() override;
+    void restoreWorkingGraph() override;
 
 private:
     friend class RVSingleSourceShortestPathsBinTree;
+    friend class RVSortedPathsAlgorithm;
 
     // What a run keeps. Values by dense index of the working graph's objects.
     struct Run;
@@ -153,4 +164,12 @@ private:
     bool hasNegativeEdgeCosts() const;
 
     rv::Uncopied<std::unique_ptr<Run>> m_run;
+
+    // For an algorithm that uses this one as a part, with costs and distances past the 32-bit range. By dense
+    // index of the graph's edges and nodes, on which the run must work itself.
+    struct Exact {
+        const std::vector<std::int64_t>* costs = nullptr;
+        std::vector<std::int64_t>* distances = nullptr;
+    };
+    Exact m_exact;
 };

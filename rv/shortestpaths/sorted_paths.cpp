@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <limits>
 #include <utility>
 #include <vector>
 
@@ -58,6 +59,7 @@ public:
     // Forgets what is known of another graph.
     void bind(RVGraph* graph) {
         if (graph == m_graph) return;
+        ++generation;
         if (m_graph != nullptr) GraphAccess::removeObserver(m_graph, this);
         forget();
         if (graph != nullptr) GraphAccess::addObserver(graph, this);
@@ -80,9 +82,10 @@ public:
     }
 
     bool isPathGraph = false;
+    std::uint64_t generation = 0;  // counts the graphs
     RVNode* root = nullptr;
     Column<RVEdge*> sidetracks;
-    Column<int> costs;
+    Column<std::int64_t> costs;
     Column<int> types;
 
 private:
@@ -103,7 +106,10 @@ private:
             types.reset(index);
         }
     }
-    void graphDies(RVGraph*) override { forget(); }
+    void graphDies(RVGraph*) override {
+        ++generation;
+        forget();
+    }
     void memberDies(RVGraphMember* member) override { forgetMember(member, member->denseIndex()); }
     void memberMoved(RVGraphMember* member, RVGraph*, int indexThere) override {
         forgetMember(member, indexThere);
@@ -152,7 +158,12 @@ RVGraph* RVSortedPathsOutputData::pPathGraph(RVGraph* graph) {
 
 RVNode* RVSortedPathsOutputData::pRootNode() const { return m_pathGraph->root; }
 
-RVNode* RVSortedPathsOutputData::pRootNode(RVNode* node) { return m_pathGraph->root = node; }
+RVNode* RVSortedPathsOutputData::pRootNode(RVNode* node) {
+    if (node != nullptr && m_pathGraph->graph() == nullptr) m_pathGraph->bind(node->pHomeGraph());
+    return m_pathGraph->root = node;
+}
+
+std::uint64_t RVSortedPathsOutputData::pathGraphGeneration() const { return m_pathGraph->generation; }
 
 void RVSortedPathsOutputData::discardPathGraph() { delete pPathGraph(); }
 
@@ -165,11 +176,26 @@ RVEdge* RVSortedPathsOutputData::pSidetrackEdge(RVNode* node, RVEdge* edge) {
     return edge;
 }
 
-int RVSortedPathsOutputData::cost(RVEdge* edge) const { return m_pathGraph->get(m_pathGraph->costs, edge); }
+int RVSortedPathsOutputData::cost(RVEdge* edge) const { return rv::saturate(exactCost(edge)); }
 
 int RVSortedPathsOutputData::cost(RVEdge* edge, int value) {
-    m_pathGraph->set(m_pathGraph->costs, edge, value);
+    exactCost(edge, value);
     return value;
+}
+
+std::int64_t RVSortedPathsOutputData::exactCost(RVEdge* edge) const {
+    return m_pathGraph->get(m_pathGraph->costs, edge);
+}
+
+void RVSortedPathsOutputData::exactCost(RVEdge* edge, std::int64_t value) {
+    m_pathGraph->set(m_pathGraph->costs, edge, value);
+}
+
+int RVSortedPathsOutputData::shortestPathLength() const { return rv::saturate(m_shortestPathLength); }
+
+int RVSortedPathsOutputData::shortestPathLength(int length) {
+    m_shortestPathLength = length;
+    return length;
 }
 
 int RVSortedPathsOutputData::type(RVEdge* edge) const { return m_pathGraph->get(m_pathGraph->types, edge); }
@@ -185,7 +211,8 @@ RVEdge* RVSortedPathsOutputData::pTreeEdge(RVNode* node, RVEdge* edge) {
 }
 
 void RVSortedPathsOutputData::reset() {
-    m_pathExists = m_shortestPathLength = m_numberOfPaths = m_acyclic = m_finishNodeCost = 0;
+    m_pathExists = m_numberOfPaths = m_acyclic = m_finishNodeCost = 0;
+    m_shortestPathLength = 0;
     m_pStartNode = m_pFinishNode = nullptr;
     m_pathGraph->bind(nullptr);
     m_treeEdges->empty(0, 0);
@@ -196,6 +223,9 @@ void RVSortedPathsOutputData::reset() {
 namespace {
 
 std::size_t placeOf(const RVGraphMember* member) { return static_cast<std::size_t>(member->denseIndex()); }
+
+// Of nodes that are not reached, and of edges there.
+constexpr std::int64_t kInfiniteDelta = std::numeric_limits<std::int64_t>::max();
 
 enum EdgeType : std::uint8_t { kRootEdge = 0, kHeapEdge = 1, kCrossEdge = 2 };
 
@@ -221,7 +251,7 @@ private:
 // indices are those of their making.
 struct RVSortedPathsAlgorithm::Run {
     bool isTreeEdge(const RVEdge* edge) const { return treeEdges[placeOf(edge->pSourceNode())] == edge; }
-    int delta(const RVNode* pathNode) const { return deltas[placeOf(detours[placeOf(pathNode)])]; }
+    std::int64_t delta(const RVNode* pathNode) const { return deltas[placeOf(detours[placeOf(pathNode)])]; }
 
     RVNode* addPathNode(RVEdge* detour) {
         RVNode* node = pathGraph->addNode(0);
@@ -244,11 +274,11 @@ struct RVSortedPathsAlgorithm::Run {
 
     RVNode* start = nullptr;
     RVNode* finish = nullptr;
-    std::vector<int> costs;  // of edges, with the nodes that they enter
+    std::vector<std::int64_t> costs;  // of edges, with the nodes that they enter
     RVNodeDList removedNodes;
-    std::vector<int> distances;  // to the finish node
+    std::vector<std::int64_t> distances;  // to the finish node
     std::vector<RVEdge*> treeEdges;
-    std::vector<int> deltas;
+    std::vector<std::int64_t> deltas;
     std::vector<RVNode*> heapRoots;  // by node: of the out-heap, then of the sidetrack heap; none for empty
     bool pathExists = false;
     bool hasCycle = false;
@@ -260,7 +290,7 @@ struct RVSortedPathsAlgorithm::Run {
     std::vector<RVNode*> leftChildren;
     std::vector<RVNode*> rightChildren;
     std::vector<EdgeType> pathEdgeTypes;
-    std::vector<int> pathEdgeCosts;
+    std::vector<std::int64_t> pathEdgeCosts;
 };
 
 RVSortedPathsAlgorithm::RVSortedPathsAlgorithm() = default;
@@ -313,17 +343,21 @@ void RVSortedPathsAlgorithm::removeOtherNodes(RVNode* end, int reversed) {
 
 void RVSortedPathsAlgorithm::addNodeCosts() {
     const auto* input = RVSortedPathsInputData::castDown(pInputData());
+    // Edges that have come since the input was read cost what edges cost by default.
+    m_run.get()->costs.resize(static_cast<std::size_t>(pAssociatedGraph()->edgeIndexLimit()), 1);
     for (RVNode* node : *pAssociatedGraph()->pNodeList()) {
         const int nodeCost = input->cost(pInternalData()->pOriginalNode(node));
         if (nodeCost == 0) continue;
         for (const RVEdge* edge : *node->pInEdgeList()) {
-            int& cost = m_run.get()->costs[placeOf(edge)];
-            cost = rv::saturatingSum(cost, nodeCost);
+            m_run.get()->costs[placeOf(edge)] += nodeCost;
         }
     }
 }
 
-void RVSortedPathsAlgorithm::privatePostprocessGraph() {
+void RVSortedPathsAlgorithm::privatePostprocessGraph() { restoreWorkingGraph(); }
+
+void RVSortedPathsAlgorithm::restoreWorkingGraph() {
+    if (m_run.get() == nullptr) return;
     for (RVNode* node : m_run.get()->removedNodes) pAssociatedGraph()->insertNode(node);
     m_run.get()->removedNodes.deleteAllCells();
 }
@@ -333,7 +367,7 @@ RVServiceErrorCodeEnum RVSortedPathsAlgorithm::algorithmBody() {
     const RVGraph* graph = pAssociatedGraph();
     if (run.finish->pOwnerGraph() == nullptr) return RV_NO_ERROR;
     const RVServiceErrorCodeEnum code = makeShortestPathTree();
-    if (code != RV_NO_ERROR || run.distances[placeOf(run.start)] == rv::kInfinite) return code;
+    if (code != RV_NO_ERROR || run.distances[placeOf(run.start)] >= rv::kInfinite) return code;
     run.pathExists = true;
     calculateDeltaValues();
     RVAFactory* factory = graph->pFactory();
@@ -352,35 +386,31 @@ RVServiceErrorCodeEnum RVSortedPathsAlgorithm::makeShortestPathTree() {
     RVSingleSourceShortestPathsAlgorithm search;
     RVSingleSourceShortestPathsInputData input(graph);
     RVSingleSourceShortestPathsOutputData output;
+    run.costs.resize(static_cast<std::size_t>(graph->edgeIndexLimit()), 1);
     search.useOriginalGraph(1);
+    search.m_exact = {&run.costs, &run.distances};
     input.pStartNode(run.finish);
-    for (RVEdge* edge : *graph->pEdgeList()) input.cost(edge, run.costs[placeOf(edge)]);
     RVServiceErrorCodeEnum code = RV_NO_ERROR;
     {
         const ReversedGraph reversed(graph);
         code = rv::runPart(search, input, output);
     }
     if (code != RV_NO_ERROR) return code;
-    run.distances.assign(static_cast<std::size_t>(graph->nodeIndexLimit()), rv::kInfinite);
     run.treeEdges.resize(run.distances.size());
-    for (RVNode* node : *graph->pNodeList()) {
-        run.distances[placeOf(node)] = output.distance(node);
-        run.treeEdges[placeOf(node)] = output.pTreeEdge(node);
-    }
+    for (RVNode* node : *graph->pNodeList()) run.treeEdges[placeOf(node)] = output.pTreeEdge(node);
     return code;
 }
 
-// Edges at nodes from which the finish node is infinitely far are on no path that counts; their delta is
-// infinite.
+// A node that Dijkstra's method did not reach is infinitely far from the finish node, and so is what lies
+// before it: edges to and from there are on no path that counts.
 void RVSortedPathsAlgorithm::calculateDeltaValues() {
     Run& run = *m_run.get();
-    run.deltas.assign(run.costs.size(), rv::kInfinite);
+    run.deltas.assign(run.costs.size(), kInfiniteDelta);
     for (const RVEdge* edge : *pAssociatedGraph()->pEdgeList()) {
-        const int before = run.distances[placeOf(edge->pSourceNode())];
-        const int behind = run.distances[placeOf(edge->pTargetNode())];
-        if (before == rv::kInfinite || behind == rv::kInfinite) continue;
-        const std::int64_t delta = std::int64_t{behind} + run.costs[placeOf(edge)] - before;
-        run.deltas[placeOf(edge)] = std::max(rv::saturate(delta), 0);
+        const std::int64_t before = run.distances[placeOf(edge->pSourceNode())];
+        const std::int64_t behind = run.distances[placeOf(edge->pTargetNode())];
+        if (before == kInfiniteDelta || behind == kInfiniteDelta) continue;
+        run.deltas[placeOf(edge)] = behind + run.costs[placeOf(edge)] - before;
     }
 }
 
@@ -413,7 +443,7 @@ void RVSortedPathsAlgorithm::buildOutHeaps() {
         heap.clear();
         heapNodes.clear();
         for (RVEdge* edge : *node->pOutEdgeList()) {
-            if (!run.isTreeEdge(edge) && run.deltas[placeOf(edge)] != rv::kInfinite) heap.push_back(edge);
+            if (!run.isTreeEdge(edge) && run.deltas[placeOf(edge)] != kInfiniteDelta) heap.push_back(edge);
         }
         run.heapify(heap);
         for (RVEdge* edge : heap) heapNodes.push_back(run.addPathNode(edge));
@@ -542,7 +572,7 @@ void RVSortedPathsAlgorithm::generateOutputData() {
     output->acyclic(run.hasCycle ? 0 : 1);
     output->numberOfPaths(run.numberOfPaths);
     if (!run.pathExists) return;
-    output->shortestPathLength(run.distances[placeOf(run.start)]);
+    output->m_shortestPathLength = run.distances[placeOf(run.start)];
     output->pStartNode(data->pOriginalNode(run.start));
     output->pFinishNode(data->pOriginalNode(run.finish));
     output->finishNodeCost(input->cost(output->pFinishNode()));
@@ -557,7 +587,7 @@ void RVSortedPathsAlgorithm::generateOutputData() {
         if (detour != nullptr) output->pSidetrackEdge(node, data->pOriginalEdge(detour));
     }
     for (RVEdge* edge : *run.pathGraph->pEdgeList()) {
-        output->cost(edge, run.pathEdgeCosts[placeOf(edge)]);
+        output->exactCost(edge, run.pathEdgeCosts[placeOf(edge)]);
         output->type(edge, run.pathEdgeTypes[placeOf(edge)]);
     }
     static_cast<void>(run.pathGraph.release());  // the caller's from now on

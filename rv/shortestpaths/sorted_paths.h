@@ -14,14 +14,15 @@
 //
 // Ties follow the order of the graph's edge list.
 //
-// Sums saturate: a path whose cost reaches 2147483647 counts as none, and so does one through a node from
-// which the finish node cannot be reached for less. numberOfPaths counts all, whatever their cost.
+// Costs are added exactly. A path whose cost reaches 2147483647 counts as none; where all do, there is no
+// path and nothing is counted, else numberOfPaths counts all, whatever their cost. What lies past the other
+// end of the 32-bit range is given as -2147483648.
 //
 // Codes of run: RV_NO_ERROR, RV_NO_INPUT_GRAPH, RV_NO_GRAPH_FACTORY, then RV_NO_START_NODE,
 // RV_START_NODE_NOT_IN_GRAPH, RV_NO_FINISH_NODE, RV_FINISH_NODE_NOT_IN_GRAPH; RV_NEGATIVE_CYCLE when a
 // negative cycle lies on the way from start to finish, with pathExists 0; and the framework's. A finish node
 // that cannot be reached is no failure: pathExists 0, no path graph. Method: Eppstein 1998, with persistent
-// heaps. O(m + n log n) time and space, with negative costs and cycles what single-source shortest paths
+// heaps. O((n + m) log n) time and space, with negative costs and cycles what single-source shortest paths
 // take. The path graph has at most m + n (log2 n + 2) nodes, each with at most three heap edges and one cross
 // edge.
 //
@@ -38,6 +39,7 @@
 //   output.discardPathGraph();
 #pragma once
 
+#include <cstdint>
 #include <memory>
 
 #include "rv/foundation/hash_map.h"
@@ -101,13 +103,16 @@ public:
     RVEdge* pSidetrackEdge(RVNode* node, RVEdge* edge);
     int cost(RVEdge* edge) const;
     int cost(RVEdge* edge, int value);
+    // The same where it is past the 32-bit range.
+    std::int64_t exactCost(RVEdge* edge) const;
     // 0 the root's edge, 1 an edge within heaps, 2 a cross edge.
     int type(RVEdge* edge) const;
     int type(RVEdge* edge, int value);
 
     // Of a cheapest path, the finish node's cost included.
-    int shortestPathLength() const { return m_shortestPathLength; }
-    int shortestPathLength(int length) { return m_shortestPathLength = length; }
+    int shortestPathLength() const;
+    int shortestPathLength(int length);
+    std::int64_t exactShortestPathLength() const { return m_shortestPathLength; }
     // The first edge of a cheapest path from a node of the caller's graph to the finish node; none for the
     // finish node and for nodes that are on no path.
     RVEdge* pTreeEdge(RVNode* node) const { return static_cast<RVEdge*>(m_treeEdges->get(node)); }
@@ -119,7 +124,8 @@ public:
     // Parallel edges make paths of their own. 2147483647: as many or more, or infinitely many.
     int numberOfPaths() const { return m_numberOfPaths; }
     int numberOfPaths(int number) { return m_numberOfPaths = number; }
-    // 1 after a run in which no cycle lies on the way from start to finish.
+    // 1 after a run that found no cycle on the way from start to finish; also when it did not look for one,
+    // without a path and after RV_NEGATIVE_CYCLE.
     int acyclic() const { return m_acyclic; }
     int acyclic(int flag) { return m_acyclic = flag; }
     int finishNodeCost() const { return m_finishNodeCost; }
@@ -129,8 +135,15 @@ public:
     void reset() override;
 
 private:
+    friend class RVSortedPathsAlgorithm;
+    friend class RVSortedPathsEnumerator;
+
+    void exactCost(RVEdge* edge, std::int64_t value);
+    // Counts the path graphs that this output has had.
+    std::uint64_t pathGraphGeneration() const;
+
     int m_pathExists = 0;
-    int m_shortestPathLength = 0;
+    std::int64_t m_shortestPathLength = 0;
     int m_numberOfPaths = 0;
     int m_acyclic = 0;
     int m_finishNodeCost = 0;
@@ -156,6 +169,7 @@ protected:
     // The copy is not normalised: what is on no path from start to finish is detached, and attached again.
     void privatePreprocessGraph() override;
     void privatePostprocessGraph() override;
+    void restoreWorkingGraph() override;
 
 private:
     struct Run;

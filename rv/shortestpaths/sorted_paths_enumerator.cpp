@@ -12,24 +12,35 @@ bool RVSortedPathsEnumerator::next() {
     do {
         m_hasPath = advance();
     } while (m_hasPath && m_simplePathsOnly != 0 && repeatsNode());
-    if (m_hasPath) {
-        ++m_pathNumber;
-    } else {
-        m_cost = 0;
-    }
+    if (m_hasPath) ++m_pathNumber;
     return m_hasPath;
 }
 
-// To the next walk.
+namespace {
+
+// Makes room for more values, so that adding them cannot fail.
+template <class T>
+void makeRoom(std::vector<T>& values, std::size_t more) {
+    const std::size_t needed = values.size() + more;
+    if (needed > values.capacity()) values.reserve(std::max(needed, 2 * values.capacity()));
+}
+
+}  // namespace
+
+// To the next walk. Fails as a whole when memory runs out, and may be tried again.
 bool RVSortedPathsEnumerator::advance() {
     if (m_pOutput == nullptr || m_pOutput->pathExists() == 0) return false;
     if (m_pOutput->pPathGraph() == nullptr || m_pOutput->pRootNode() == nullptr) return false;
+    makeRoom(m_walks, 1);
     if (m_walks.empty()) {
+        m_generation = m_pOutput->pathGraphGeneration();
         m_walks.push_back({-1, m_pOutput->pRootNode(), false});
-        m_cost = m_pOutput->shortestPathLength();
+        m_cost = m_pOutput->exactShortestPathLength();
         return true;
     }
+    if (m_generation != m_pOutput->pathGraphGeneration()) return false;
     if (m_hasPath) addCandidates();
+    m_hasPath = false;
     if (m_candidates.empty()) return false;
     std::pop_heap(m_candidates.begin(), m_candidates.end());
     const Candidate least = m_candidates.back();
@@ -42,9 +53,11 @@ bool RVSortedPathsEnumerator::advance() {
 // The continuations of the present walk.
 void RVSortedPathsEnumerator::addCandidates() {
     const int last = static_cast<int>(m_walks.size()) - 1;
-    for (RVEdge* edge : *m_walks.back().node->pOutEdgeList()) {
+    const RVNode* node = m_walks.back().node;
+    makeRoom(m_candidates, static_cast<std::size_t>(node->outDegree()));
+    for (RVEdge* edge : *node->pOutEdgeList()) {
         if (m_simplePathsOnly != 0 && m_beginningRepeats && m_pOutput->type(edge) == 2) continue;
-        const std::int64_t cost = m_cost + m_pOutput->cost(edge);
+        const std::int64_t cost = m_cost + m_pOutput->exactCost(edge);
         if (cost >= rv::kInfinite) continue;
         m_candidates.push_back({cost, m_found++, last, edge});
         std::push_heap(m_candidates.begin(), m_candidates.end());
@@ -113,10 +126,12 @@ bool RVSortedPathsEnumerator::repeatsNode() {
     return repeats;
 }
 
+int RVSortedPathsEnumerator::totalCost() const { return m_hasPath ? rv::saturate(m_cost) : 0; }
+
 int RVSortedPathsEnumerator::totalCostWithoutFinishNode() const {
     if (!m_hasPath) return 0;
     const bool hasEdges = m_walks.size() > 1 || m_pOutput->pStartNode() != m_pOutput->pFinishNode();
-    return hasEdges ? rv::saturatingDifference(totalCost(), m_pOutput->finishNodeCost()) : totalCost();
+    return rv::saturate(m_cost - (hasEdges ? m_pOutput->finishNodeCost() : 0));
 }
 
 void RVSortedPathsEnumerator::buildEdgeList(RVEdgeDList& list) const {

@@ -3,14 +3,15 @@
 //
 // Paths of equal cost come in the order in which the walk finds them, which is always the same. A path whose
 // cost reaches 2147483647 ends the walk. The algorithm and its input may be gone; the output, its path graph
-// and the caller's graph must stay as they are. Without a path, or once the path graph is gone, there is
-// nothing to go through.
+// and the caller's graph must stay as they are. Without a path, or once the path graph is gone or the output
+// has another one, there is nothing to go through.
 //
 // The k-th call of next takes O(log k), and all memory is O(k), whatever the length of the paths; the length
 // of a path counts when it is asked for. Paths that repeat no node are had by a filter: every path is looked
 // at, in time that grows with its length, and those that repeat a node are passed over; of a path whose
 // beginning repeats a node no continuation is looked at, so that the walk ends. Between two paths without
-// repetition there may be exponentially many with.
+// repetition there may be exponentially many with, and k counts them all; the marks of nodes take O(n)
+// memory.
 //
 //   RVSortedPathsEnumerator path(&output);
 //   while (path.next()) use(path.totalCost());
@@ -37,7 +38,7 @@ public:
 
     // Of the present path; 0 and empty when there is none. Cost with and without that of the finish node, for
     // which a path without edges does not pay.
-    int totalCost() const { return static_cast<int>(m_cost); }
+    int totalCost() const;
     int totalCostWithoutFinishNode() const;
     // Empties the list, then fills it with the path's edges, from start to finish.
     void buildEdgeList(RVEdgeDList& list) const;
@@ -75,6 +76,7 @@ private:
     std::vector<Candidate> m_candidates;
     std::uint64_t m_found = 0;
     std::int64_t m_cost = 0;
+    std::uint64_t m_generation = 0;  // of the path graph
     int m_pathNumber = 0;
     bool m_hasPath = false;
     bool m_beginningRepeats = false;     // of the present path, up to the end of its last detour

@@ -70,7 +70,9 @@ TEST(SingleSource, FindsDistancesAndTree) {
         {"the least distance", "s->a:-2147483648 a->b:-2147483648 b->c:1 c->c:1", 1,
          "s 0; a -2147483648 s->a:-2147483648; b -2147483648 a->b:-2147483648; c -2147483648 b->c:1; "},
         {"the greatest distance", "s->a:2147483640 a->b:6 a->c:7 c->d:-9", 1,
-         "s 0; a 2147483640 s->a:2147483640; b 2147483646 a->b:6; c -; d -; "},
+         "s 0; a 2147483640 s->a:2147483640; b 2147483646 a->b:6; c - a->c:7; d 2147483638 c->d:-9; "},
+        {"a negative cycle behind the greatest distance", "s->a:2000000000 a->b:2000000000 b->c:-1 c->b:-1",
+         1, "code 18"},
         {"the greatest distance with a cycle", "s->a:2147483640 a->c:7 c->s:0", 1,
          "s 0; a 2147483640 s->a:2147483640; c -; "},
     };
@@ -207,6 +209,25 @@ TEST(SortedPaths, GivePathsInTheOrderOfTheirCost) {
         {"negative cycles elsewhere", "s->f:1 f->x:1 x->x:-1 y->y:-1 y->s:1", 0, "1: s->f:1; ", 1, 1},
         {"no way", "f->s:1 s->a:1 a->a:-1", 0, "", 0, 1},
         {"infinite", "s->a:2147483647 a->f:0", 0, "", 0, 1},
+        {"edge and node past the range, a negative cycle",
+         "s->a:0 a->b:-2000000000 b:-2000000000 b->c:1500000000 c->a:1500000000 b->f:0", 18, "", 0, 1},
+        {"edge and node past the range, no negative cycle",
+         "s->a:0 a->b:-2000000000 b:-2000000000 b->a:2147483647 a:2147483647 b->f:2000000000", 0,
+         "147483647: s->a:0 a->b:-2000000000 b->f:2000000000; 442450941: s->a:0 a->b:-2000000000 "
+         "b->a:2147483647 "
+         "a->b:-2000000000 b->f:2000000000; 737418235: s->a:0 a->b:-2000000000 b->a:2147483647 "
+         "a->b:-2000000000 "
+         "b->a:2147483647 a->b:-2000000000 b->f:2000000000; ",
+         kInfinite, 0},
+        {"edge and node past the range, infinite", "s->a:2000000000 a:2000000000 a->f:-10", 0, "", 0, 1},
+        {"edge and node past the range, in range in the end",
+         "s->a:-2000000000 a:-2000000000 a->f:2147483646", 0,
+         "-1852516354: s->a:-2000000000 a->f:2147483646; ", 1, 1},
+        {"a detour past the range", "s->f:-1500000000 s->f:1000000000", 0,
+         "-1500000000: s->f:-1500000000; 1000000000: s->f:1000000000; ", 2, 1},
+        {"below the range on the way", "s->v:150 v->w:-2147483648 w->f:-100 v->x:-2147483648 x->f:10", 0,
+         "-2147483598: s->v:150 v->w:-2147483648 w->f:-100; -2147483488: s->v:150 v->x:-2147483648 x->f:10; ",
+         2, 1},
         {"infinite but for one", "s->a:2147483640 a->f:6 a->f:7 s->f:2147483646", 0,
          "2147483646: s->a:2147483640 a->f:6; 2147483646: s->f:2147483646; ", 3, 1},
     };
@@ -438,6 +459,11 @@ TEST(SortedPaths, LeaveThePathGraphToTheCaller) {
     EXPECT_EQ(kept.cost(foreign, 9), 9);
     EXPECT_EQ(kept.cost(foreign) + kept.type(foreign) + kept.cost(nullptr), 0);
     RVSortedPathsOutputData plain;
+    plain.pRootNode(g.node("s"));
+    plain.pPathGraph(g);
+    EXPECT_EQ(plain.pRootNode(), g.node("s"));
+    plain.pPathGraph(nullptr);
+    EXPECT_EQ(plain.pRootNode(), nullptr);
     plain.cost(foreign, 9);
     plain.type(foreign, 2);
     plain.pSidetrackEdge(g.node("s"), foreign);
@@ -445,6 +471,54 @@ TEST(SortedPaths, LeaveThePathGraphToTheCaller) {
     EXPECT_EQ(plain.pSidetrackEdge(g.node("s")), foreign);
     EXPECT_EQ(plain.pPathGraph(), nullptr);
     EXPECT_FALSE(RVSortedPathsEnumerator(nullptr).next());
+
+    // A walk does not go on in another path graph.
+    SortedPaths again;
+    ASSERT_EQ(run(again, g, g.node("s"), g.node("f")), 0);
+    RVSortedPathsEnumerator stale(&again.output);
+    EXPECT_TRUE(stale.next());
+    again.output.discardPathGraph();
+    ASSERT_EQ(again(), 0);
+    EXPECT_FALSE(stale.next());
+    again.output.discardPathGraph();
+}
+
+// Hooks of a subclass that change the graph after it was read, or throw before they do what is theirs.
+class Meddler : public RVSortedPathsAlgorithm {
+public:
+    RVNode* from = nullptr;
+    RVNode* to = nullptr;
+    bool throws = false;
+
+protected:
+    void preprocessGraph() override {
+        for (int i = 0; i < 40 && from != nullptr; ++i)
+            pAssociatedGraph()->addEdge(pInternalData()->pCopyNode(from), pInternalData()->pCopyNode(to), 0);
+        RVSortedPathsAlgorithm::preprocessGraph();
+    }
+    void privatePostprocessGraph() override {
+        if (throws) throw 1;
+        RVSortedPathsAlgorithm::privatePostprocessGraph();
+    }
+};
+
+TEST(SortedPaths, BearHooksThatMeddle) {
+    const TestGraph g("e s->f:5 x->s");
+    const std::string before = rvtest::orders(g);
+    rvtest::Runner<Meddler, RVSortedPathsInputData, RVSortedPathsOutputData> test(g);
+    test.input.pStartNode(g.node("s"));
+    test.input.pFinishNode(g.node("f"));
+    test.algorithm.from = g.node("s");
+    test.algorithm.to = g.node("f");
+    EXPECT_EQ(test(), 0);
+    EXPECT_EQ(test.output.numberOfPaths(), 41);
+    test.output.discardPathGraph();
+    test.algorithm.from = nullptr;
+    test.algorithm.throws = true;
+    test.algorithm.useOriginalGraph(1);
+    EXPECT_THROW(test(), int);
+    EXPECT_EQ(rvtest::orders(g), before);
+    test.output.discardPathGraph();
 }
 
 // Twice as many paths with every diamond, until there are too many to count.
