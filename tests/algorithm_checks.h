@@ -61,6 +61,8 @@ using SingleSource = Runner<RVSingleSourceShortestPathsAlgorithm, RVSingleSource
                             RVSingleSourceShortestPathsOutputData>;
 using SortedPaths = Runner<RVSortedPathsAlgorithm, RVSortedPathsInputData, RVSortedPathsOutputData>;
 using MaximumFlow = Runner<RVMaximumFlowAlgorithm, RVMaximumFlowInputData, RVMaximumFlowOutputData>;
+using MinimumCostFlow =
+    Runner<RVMinimumCostFlowAlgorithm, RVMinimumCostFlowInputData, RVMinimumCostFlowOutputData>;
 using MinimumCut = Runner<RVMinimumCutAlgorithm, RVMinimumCutInputData, RVMinimumCutOutputData>;
 using DisjointPaths = Runner<RVDisjointPathsAlgorithm, RVDisjointPathsInputData, RVDisjointPathsOutputData>;
 using SpanningTree =
@@ -71,7 +73,7 @@ using Reachable = Runner<RVReachableNodesAlgorithm, RVReachableNodesInputData, R
 using Algorithms = testing::Types<TopologicalSort, BreadthFirst, DepthFirst, Connected, Blocks, Strong,
                                   PathTest, AcyclicTest, TreeTest, Dijkstra, AcyclicPaths, AllPairs,
                                   ShortestPaths, UniquePath, SingleSource, SortedPaths, MaximumFlow,
-                                  MinimumCut, DisjointPaths, SpanningTree, Reachable>;
+                                  MinimumCostFlow, MinimumCut, DisjointPaths, SpanningTree, Reachable>;
 
 struct AlgorithmNames {
     template <class R>

@@ -47,7 +47,10 @@ using CopyableClasses = testing::Types<
     RVEdgeExtensionMinimumSpanningTreeInput, RVEdgeExtensionMinimumSpanningTreeOutput,
     RVNodeExtensionMinimumSpanningTreeInternal, RVEdgeExtensionMinimumSpanningTreeInternal,
     RVMinimumSpanningTreeInputData, RVMinimumSpanningTreeOutputData, RVMinimumSpanningTreeBinTree,
-    RVMinimumSpanningTreeInternalData, RVMinimumSpanningTreeAlgorithm>;
+    RVMinimumSpanningTreeInternalData, RVMinimumSpanningTreeAlgorithm, RVNodeExtensionFlowInternal,
+    RVEdgeExtensionFlowInternal, RVFlowInternalData, RVEdgeExtensionMinimumCostFlowInput,
+    RVMinimumCostFlowInputData, RVMinimumCostFlowOutputData, RVNodeExtensionMinimumCostFlow,
+    RVEdgeExtensionMinimumCostFlowInternal, RVMinimumCostFlowInternalData, RVMinimumCostFlowAlgorithm>;
 
 using AbstractClasses = testing::Types<RVAlgorithm, RVInternalAlgorithm, RVBaseGraphAlgorithm,
                                        RVInternalGraphAlgorithm, RVAlgorithmOutputData, RVAnalysisOutputData>;
@@ -55,16 +58,15 @@ using AbstractClasses = testing::Types<RVAlgorithm, RVInternalAlgorithm, RVBaseG
 using UncopyableClasses =
     testing::Types<RVGraph, RVAFactory, RVReachableNodesAlgorithm, RVMaximumFlowAlgorithm>;
 
-using InputClasses =
-    testing::Types<RVAlgorithmInputData, RVAnalysisInputData, RVTopologicalSortInputData,
-                   RVTraversalInputData, RVBreadthFirstSearchInputData, RVDepthFirstSearchInputData,
-                   RVConnectedComponentsInputData, RVBiconnectedComponentsInputData,
-                   RVStronglyConnectedComponentsInputData, RVPathExistsTestInputData, RVAcyclicTestInputData,
-                   RVTreeTestInputData, RVPathCostInputData, RVShortestPathsInputData,
-                   RVShortestPathsAcyclicInputData, RVAllPairsShortestPathsInputData,
-                   RVUniquePathTestInputData, RVSingleSourceShortestPathsInputData, RVSortedPathsInputData,
-                   RVReachableNodesInputData, RVNetworkInputData, RVMaximumFlowInputData,
-                   RVMinimumCutInputData, RVDisjointPathsInputData, RVMinimumSpanningTreeInputData>;
+using InputClasses = testing::Types<
+    RVAlgorithmInputData, RVAnalysisInputData, RVTopologicalSortInputData, RVTraversalInputData,
+    RVBreadthFirstSearchInputData, RVDepthFirstSearchInputData, RVConnectedComponentsInputData,
+    RVBiconnectedComponentsInputData, RVStronglyConnectedComponentsInputData, RVPathExistsTestInputData,
+    RVAcyclicTestInputData, RVTreeTestInputData, RVPathCostInputData, RVShortestPathsInputData,
+    RVShortestPathsAcyclicInputData, RVAllPairsShortestPathsInputData, RVUniquePathTestInputData,
+    RVSingleSourceShortestPathsInputData, RVSortedPathsInputData, RVReachableNodesInputData,
+    RVNetworkInputData, RVMaximumFlowInputData, RVMinimumCutInputData, RVDisjointPathsInputData,
+    RVMinimumSpanningTreeInputData, RVMinimumCostFlowInputData>;
 
 struct ClassNames {
     template <class C>
