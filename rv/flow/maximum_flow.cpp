@@ -57,7 +57,7 @@ void RVMaximumFlowOutputData::reset() {
     deleteDataReferences(pAssociatedGraph());
 }
 
-// The network as arrays: nodes and edges by their places in graph order.
+// The network as arrays: nodes by their places in graph order, edges by those in the nodes' out-edge lists.
 class RVMaximumFlowAlgorithm::Network {
 public:
     explicit Network(const RVMaximumFlowInputData& input) {
@@ -65,30 +65,29 @@ public:
         std::vector<int> nodePlaces(static_cast<std::size_t>(graph->nodeIndexLimit()));
         std::vector<int> edgePlaces(static_cast<std::size_t>(graph->edgeIndexLimit()));
         for (RVNode* node : *graph->pNodeList()) {
-            nodePlaces[static_cast<std::size_t>(node->denseIndex())] = static_cast<int>(m_nodes.size());
+            nodePlaces[placeOf(node)] = static_cast<int>(m_nodes.size());
             m_nodes.push_back({node, input.capacity(node)});
         }
-        for (RVEdge* edge : *graph->pEdgeList()) {
-            edgePlaces[static_cast<std::size_t>(edge->denseIndex())] = static_cast<int>(m_edges.size());
-            m_edges.push_back({edge, nodePlaces[static_cast<std::size_t>(edge->pSourceNode()->denseIndex())],
-                               nodePlaces[static_cast<std::size_t>(edge->pTargetNode()->denseIndex())],
-                               input.capacity(edge)});
-        }
-        m_outEdges.reserve(m_edges.size());
-        m_inEdges.reserve(m_edges.size());
+        m_edges.reserve(static_cast<std::size_t>(graph->numberOfEdges()));
+        m_callersEdges.reserve(m_edges.capacity());
+        m_inEdges.reserve(m_edges.capacity());
         for (Node& node : m_nodes) {
-            node.firstOut = m_outEdges.size();
-            node.firstIn = m_inEdges.size();
-            const auto append = [&](const RVEdgeDList& list, std::vector<int>& places) {
-                for (const RVEdge* edge : list)
-                    places.push_back(edgePlaces[static_cast<std::size_t>(edge->denseIndex())]);
-            };
-            append(*node.node->pOutEdgeList(), m_outEdges);
-            append(*node.node->pInEdgeList(), m_inEdges);
+            node.firstOut = m_edges.size();
+            for (RVEdge* edge : *node.node->pOutEdgeList()) {
+                edgePlaces[placeOf(edge)] = static_cast<int>(m_edges.size());
+                m_edges.push_back({nodePlaces[placeOf(edge->pSourceNode())],
+                                   nodePlaces[placeOf(edge->pTargetNode())], input.capacity(edge)});
+                m_callersEdges.push_back(edge);
+            }
         }
-        m_nodes.push_back({nullptr, 0, 0, m_outEdges.size(), m_inEdges.size()});  // the end of the lists
-        m_source = nodePlaces[static_cast<std::size_t>(input.pSourceNode()->denseIndex())];
-        m_sink = nodePlaces[static_cast<std::size_t>(input.pSinkNode()->denseIndex())];
+        for (Node& node : m_nodes) {
+            node.firstIn = m_inEdges.size();
+            for (const RVEdge* edge : *node.node->pInEdgeList())
+                m_inEdges.push_back(edgePlaces[placeOf(edge)]);
+        }
+        m_nodes.push_back({nullptr, 0, 0, m_edges.size(), m_inEdges.size()});  // the end of the lists
+        m_source = nodePlaces[placeOf(input.pSourceNode())];
+        m_sink = nodePlaces[placeOf(input.pSinkNode())];
         m_visits.resize(m_nodes.size());
         m_queue.reserve(2 * m_nodes.size());
     }
@@ -98,8 +97,8 @@ public:
     }
 
     void describe(RVMaximumFlowOutputData& output) const {
-        for (const Edge& edge : m_edges) {
-            if (edge.flow != 0) output.flow(edge.edge, edge.flow);
+        for (std::size_t i = 0; i < m_edges.size(); ++i) {
+            if (m_edges[i].flow != 0) output.flow(m_callersEdges[i], m_edges[i].flow);
         }
         output.totalFlow(rv::saturate(at(m_nodes, m_sink).flow));
         std::vector<bool> isListed(m_nodes.size());
@@ -121,7 +120,6 @@ private:
         std::int64_t residual() const { return capacity == rv::kInfinite ? rv::kInfinite : capacity - flow; }
     };
     struct Edge {
-        RVEdge* edge;
         int source;
         int target;
         int capacity;
@@ -143,6 +141,9 @@ private:
         bool isForward;
     };
 
+    static std::size_t placeOf(const RVGraphMember* member) {
+        return static_cast<std::size_t>(member->denseIndex());
+    }
     template <class T>
     static T& at(std::vector<T>& values, int place) {
         return values[static_cast<std::size_t>(place)];
@@ -174,14 +175,13 @@ private:
         if (v != m_source) visitIn(v, -1);
         const std::size_t end = m_nodes[static_cast<std::size_t>(v) + 1].firstOut;
         for (std::size_t i = at(m_nodes, v).firstOut; i < end; ++i) {
-            const int place = m_outEdges[i];
-            const Edge& edge = at(m_edges, place);
+            const Edge& edge = m_edges[i];
             if (edge.flow >= edge.capacity) continue;
             if (edge.target == m_sink) {
-                at(m_visits, m_sink).lastIn = place;
+                at(m_visits, m_sink).lastIn = static_cast<int>(i);
                 return true;
             }
-            visitIn(edge.target, place);
+            visitIn(edge.target, static_cast<int>(i));
         }
         return false;
     }
@@ -255,10 +255,10 @@ private:
         }
     }
 
-    std::vector<Node> m_nodes;  // and one more, where the last one's edges end
-    std::vector<Edge> m_edges;
-    std::vector<int> m_outEdges;  // node after node
-    std::vector<int> m_inEdges;
+    std::vector<Node> m_nodes;   // and one more, where the last one's edges end
+    std::vector<Edge> m_edges;   // out-edges, node after node
+    std::vector<int> m_inEdges;  // places of in-edges, node after node
+    std::vector<RVEdge*> m_callersEdges;
     int m_source;
     int m_sink;
     std::uint32_t m_search = 0;
