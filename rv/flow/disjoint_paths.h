@@ -1,8 +1,9 @@
 // Disjoint paths: as many paths as possible from one node to another that share no edge, or no node in
 // between.
 //
-// Any directed graph, edges in their own direction. When start and finish are the same node, each path is a
-// cycle through it. In edge-disjoint paths nodes may be shared, and one path may come to a node again.
+// Any directed graph, edges in their own direction, each as good as the other. When start and finish are the
+// same node, each path is a cycle through it. In edge-disjoint paths nodes may be shared, and one path may
+// come to a node again.
 //
 // Of parallel edges, node-disjoint paths have the first one, but distinct ones from the start straight to the
 // finish. Paths come in the order of the start's out-edges.

@@ -1,7 +1,7 @@
 // What the flow algorithms have in common: the two ends of a network, and records of capacities and flows.
 //
-// Capacities and flows are signed 32-bit integers, 2147483647 stands for unlimited. Sums are formed in wider
-// arithmetic and stay at 2147483647 when they are given out.
+// Capacities and flows are signed 32-bit integers; for nodes 2147483647 stands for unlimited. Sums are formed
+// in wider arithmetic and stay at 2147483647 when they are given out.
 #pragma once
 
 #include "rv/framework/analysis_data.h"

@@ -6,18 +6,24 @@
 // Flow goes along edges in their direction. When source and sink are the same node, the flow is a circulation
 // through it, then its self-loops, cheapest first.
 //
+// Only cycles on ways from source to sink that can carry something are looked at, so negative cycles
+// elsewhere do no harm, and do not count for the least cost.
+//
 // Without negative costs, potentials keep the costs of the searches from being negative (see the source).
 // With negative costs the searches are those of the shortest-path service.
+//
+// Totals saturate. A path that the search finds to cost 2147483647 or more, by the costs that it is given,
+// counts as none; with negative costs what the service says of large costs and cycles holds.
 //
 // Ties: each path is the one that the Dijkstra traversal, or the service, finds in the graph of residual
 // edges.
 //
 // Codes of run: RV_NO_ERROR, RV_NO_INPUT_GRAPH, RV_NO_GRAPH_FACTORY, then RV_NO_SOURCE_NODE,
 // RV_SOURCE_NODE_NOT_IN_GRAPH, RV_NO_SINK_NODE, RV_SINK_NODE_NOT_IN_GRAPH, RV_NEGATIVE_DESIRED_FLOW,
-// RV_NEGATIVE_CAPACITY of any edge or node; RV_NEGATIVE_CYCLE when a cycle costs less than 0,
+// RV_NEGATIVE_CAPACITY of any edge or node; RV_NEGATIVE_CYCLE when such a cycle costs less than 0,
 // RV_ALGORITHM_FAILURE when a part fails, and the framework's. Less flow than desired is no failure.
-// Method: successive shortest paths (Jewell 1958, Edmonds and Karp 1972). O(paths (m + n log n)) time without
-// negative costs, O(n + m) space.
+// Method: successive shortest paths (Jewell 1958, Edmonds and Karp 1972). O(paths (n + m) log n) time without
+// negative costs, with them paths times what the service takes; O(n + m) space beside that.
 //
 //   RVMinimumCostFlowAlgorithm flow;
 //   RVMinimumCostFlowInputData input(graph);

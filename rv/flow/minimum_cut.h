@@ -1,7 +1,7 @@
 // Minimum cut: edges of least total cost whose removal separates a sink from a source of a directed graph.
 //
-// Any directed graph. Edges that cost nothing are always part of the cut. When source and sink are the same
-// node, what is cut are the cycles through it.
+// Any directed graph. Edges that cost nothing are always part of the cut, needed or not. When source and sink
+// are the same node, what is cut are the cycles through it.
 //
 // Order: the edges that leave the source's side, node by node as a search from the source finds them, each
 // with its out-edges in order; then all edges without cost that are not there yet, in graph order; then

@@ -60,6 +60,14 @@ int RVMinimumSpanningTreeBinTree::virtualObjectCompare(RVObject* a, RVObject* b)
     return costOfA < costOfB ? -1 : costOfA > costOfB ? 1 : 0;
 }
 
+RVMinimumSpanningTreeInternalData* RVMinimumSpanningTreeBinTree::pData(
+    RVMinimumSpanningTreeInternalData* data) {
+    const bool hadNone = m_pData == nullptr;
+    m_pData = data;
+    if (hadNone) readKeys();
+    return data;
+}
+
 bool RVMinimumSpanningTreeBinTree::integerKey(RVObject* object, int& key) const {
     if (m_pData == nullptr || typeid(*this) != typeid(RVMinimumSpanningTreeBinTree)) return false;
     key = m_pData->currentCost(RVNode::castDown(object));
@@ -163,9 +171,9 @@ RVServiceErrorCodeEnum RVMinimumSpanningTreeAlgorithm::algorithmBody() {
     RVMinimumSpanningTreeBinTree* candidates = data->pPartialTreeNodeList();
     RVNode* root = pAssociatedGraph()->pFirstNode();
     if (root == nullptr) return data->returnCode();
-    candidates->addObject(root);
     data->touched(root, 1);
     data->currentCost(root, 0);
+    candidates->addObject(root);
     while (RVBinTreeCell* cheapest = candidates->pFirstCell()) {
         auto* node = RVNode::castDown(cheapest->pObject());
         candidates->discardCell(cheapest);

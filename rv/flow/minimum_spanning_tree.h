@@ -155,9 +155,7 @@ public:
 
     // Whose costs count. Not owned.
     RVMinimumSpanningTreeInternalData* pData() const { return m_pData; }
-    RVMinimumSpanningTreeInternalData* pData(RVMinimumSpanningTreeInternalData* data) {
-        return m_pData = data;
-    }
+    RVMinimumSpanningTreeInternalData* pData(RVMinimumSpanningTreeInternalData* data);
 
     // Compares the current costs of two nodes.
     int virtualObjectCompare(RVObject* a, RVObject* b) const override;

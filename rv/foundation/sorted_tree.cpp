@@ -184,6 +184,12 @@ int RVBinTree::virtualCellCompare(RVDListCell*, RVDListCell*) const { return 0; 
 
 bool RVBinTree::integerKey(RVObject*, int&) const { return false; }
 
+void RVBinTree::readKeys() {
+    for (RVBinTreeCell* cell = pFirstCell(); cell != nullptr; cell = cell->pNextCell()) {
+        integerKey(cell->pObject(), cell->m_key);
+    }
+}
+
 // The cell below which a new one goes, and on which side: behind all that it does not go before.
 template <class GoesBefore>
 RVBinTreeCell* RVBinTree::findParent(GoesBefore goesBefore, bool& right) const {

@@ -71,6 +71,8 @@ protected:
     // now. Asked once whenever an object goes in, and the same answer for all objects. Here: false; the
     // comparison is asked. A class that overrides this keeps to its comparison where a subclass changes that.
     virtual bool integerKey(RVObject* object, int& key) const;
+    // Reads the integers of all objects in the tree, once there are any. Their order stays.
+    void readKeys();
 
 private:
     RVBinTreeCell* newCell(RVObject* object);

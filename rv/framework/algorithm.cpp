@@ -49,9 +49,10 @@ RVServiceErrorCodeEnum RVAlgorithm::run() {
     const RVServiceErrorCodeEnum code = checkData();
     if (code != RV_NO_ERROR) return code;
     RVGraph* const graph = pInputData()->pAssociatedGraph();
-    if (pOutputData()->pAssociatedGraph() == nullptr) pOutputData()->pAssociatedGraph(graph);
-    pOutputData()->reset();
+    RVGraph* const before = pOutputData()->pAssociatedGraph();
+    if (before != nullptr && before != graph) pOutputData()->reset();
     pOutputData()->pAssociatedGraph(graph);
+    pOutputData()->reset();
     return runAndThen([this] { return runHooks(); }, [this] { cleanup(); });
 }
 

@@ -257,7 +257,7 @@ class RV_EXPORT RVAlgorithmOutputData : public RVAlgorithmData {
 public:
     RVAlgorithmOutputData() = default;
 
-    // Empties the results. Called before a run writes results, while the output is still bound to the graph
-    // of the run before; one that is bound to no graph is bound to the input's graph first.
+    // Empties the results. Called before a run writes results, with the output bound to the graph of the run
+    // before, if that was another, and then with the input's graph.
     virtual void reset() = 0;
 };

@@ -3,6 +3,7 @@
 
 #include "rv/rootcause/reachable_nodes.h"
 
+#include <type_traits>
 #include <typeinfo>
 
 #include "rv/foundation/arithmetic.h"
@@ -43,7 +44,9 @@ std::size_t placeOf(const RVGraphMember* member) { return static_cast<std::size_
 }  // namespace
 
 int RVReachableNodesBinTree::distance(RVObject* node) const {
-    return m_pAlgorithm == nullptr ? 0 : m_pAlgorithm->m_distances[placeOf(static_cast<RVNode*>(node))];
+    const std::size_t place = placeOf(static_cast<RVNode*>(node));
+    const bool isKnown = m_pAlgorithm != nullptr && place < m_pAlgorithm->m_distances.size();
+    return isKnown ? m_pAlgorithm->m_distances[place] : rv::kInfinite;
 }
 
 int RVReachableNodesBinTree::virtualObjectCompare(RVObject* a, RVObject* b) const {
@@ -163,7 +166,9 @@ void RVReachableNodesAlgorithm::updateDistance(RVNode* node, int distance) {
 void RVReachableNodesAlgorithm::cleanup() {
     RVBaseGraphAlgorithm::cleanup();
     m_candidates.deleteAllCells();
-    const auto release = [](auto&... values) { ((values = {}), ...); };
+    const auto release = [](auto&... values) {
+        (std::remove_reference_t<decltype(values)>().swap(values), ...);
+    };
     release(m_nodeCosts, m_edgeCosts, m_distances, m_undirectedEdges, m_cells);
     m_pStartNode = nullptr;
 }

@@ -106,16 +106,20 @@ public:
         return false;
     }
 
+    // By the numbers that the output gives the nodes.
     void store(const Output& output) const {
         std::vector<RVNodeExtensionAllPairsShortestPaths*> records;
+        std::vector<int> numbers;
         for (RVNode* node : m_nodes) {
             records.push_back(
                 static_cast<RVNodeExtensionAllPairsShortestPaths*>(output.pAlgorithmExtension(node)));
+            numbers.push_back(output.number(node));
         }
         for (std::size_t i = 0; i < m_size; ++i) {
             for (std::size_t j = 0; j < m_size; ++j) {
                 if (records[j] == nullptr) continue;
-                RVEdgeValuePair* pair = records[j]->pEdgeValuePair(static_cast<int>(i));
+                RVEdgeValuePair* pair = records[j]->pEdgeValuePair(numbers[i]);
+                if (pair == nullptr) continue;
                 const std::int32_t edge = m_lastEdges[i * m_size + j];
                 pair->value(m_costs[i * m_size + j]);
                 pair->pEdge(edge < 0 ? nullptr : m_edges[static_cast<std::size_t>(edge)]);

@@ -3,12 +3,13 @@
 //
 // Works on the caller's graph, any graph. Costs may be negative. Edges are followed forward, undirected ones
 // both ways. The cost of a path is the sum of the costs of its edges and of the nodes in between; its first
-// and its last node do not count. A node reaches itself at cost 0, or at the cost of its cheapest self-loop
-// where that is negative.
+// and its last node do not count. A node reaches itself at cost 0, or at that of a cycle which is cheaper
+// without the node's own cost.
 //
 // A cycle is negative when its edges and all its nodes together cost less than 0; then the run ends with
 // RV_NEGATIVE_CYCLE, and the output holds what had been found until then, which are costs of walks, but not
-// of the cheapest. An undirected edge of negative cost between nodes without costs is such a cycle.
+// of the cheapest. An undirected edge of negative cost between nodes without costs is such a cycle, as long
+// as twice its cost fits into 32 bits.
 //
 // Ties: of parallel edges the cheapest counts, the first in graph order. A path is replaced only by a cheaper
 // one, where the nodes in between are tried in graph order.

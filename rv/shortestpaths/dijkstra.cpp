@@ -24,6 +24,13 @@ int RVShortestPathsBinTree::virtualObjectCompare(RVObject* a, RVObject* b) const
     return costOfA < costOfB ? -1 : costOfA > costOfB ? 1 : 0;
 }
 
+RVDijkstraInternalData* RVShortestPathsBinTree::pData(RVDijkstraInternalData* data) {
+    const bool hadNone = m_pData == nullptr;
+    m_pData = data;
+    if (hadNone) readKeys();
+    return data;
+}
+
 bool RVShortestPathsBinTree::integerKey(RVObject* object, int& key) const {
     if (m_pData == nullptr || typeid(*this) != typeid(RVShortestPathsBinTree)) return false;
     key = m_pData->currentCost(RVNode::castDown(object));
@@ -122,8 +129,8 @@ void RVDijkstraAlgorithm::initialize() {
     RVDijkstraInternalData* data = pDijkstraInternalData();
     for (RVNode* node : *pAssociatedGraph()->pNodeList()) data->currentCost(node, rv::kInfinite);
     RVNode* start = data->pCopyNode(RVShortestPathsInputData::castDown(pInputData())->pStartNode());
-    data->pCandidateNodeList()->addObject(start);
     data->currentCost(start, 0);
+    data->pCandidateNodeList()->addObject(start);
 }
 
 void RVDijkstraAlgorithm::parseInputData() {

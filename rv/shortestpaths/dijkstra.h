@@ -90,7 +90,7 @@ public:
 
     // Whose costs count. Not owned.
     RVDijkstraInternalData* pData() const { return m_pData; }
-    RVDijkstraInternalData* pData(RVDijkstraInternalData* data) { return m_pData = data; }
+    RVDijkstraInternalData* pData(RVDijkstraInternalData* data);
 
     // Compares the current costs of two nodes.
     int virtualObjectCompare(RVObject* a, RVObject* b) const override;

@@ -234,7 +234,25 @@ void RVShortestPathsAlgorithm::runAllPairsAlgorithm() {
     } else {
         rv::noteFailure(*data, code, debugMode(), L"Error in All Pairs. Return code = %d\n");
     }
-    if (code == RV_NO_ERROR) m_run.get()->allPairs = std::move(output);
+    if (code != RV_NO_ERROR) return;
+    if (goesRound(*output)) {
+        data->returnCode(RV_NEGATIVE_CYCLE);
+    } else {
+        m_run.get()->allPairs = std::move(output);
+    }
+}
+
+// Whether the way back from the finish node never ends: then there is a negative cycle whose sum has wrapped.
+bool RVShortestPathsAlgorithm::goesRound(const RVAllPairsShortestPathsOutputData& paths) const {
+    const Run& run = *m_run.get();
+    RVNode* node = run.finish;
+    for (int steps = 0; steps <= pAssociatedGraph()->numberOfNodes(); ++steps) {
+        if (steps > 0 && node == run.start) return false;
+        const RVEdge* last = paths.pLastEdge(run.start, node);
+        if (last == nullptr) return false;
+        node = last->pSourceNode();
+    }
+    return true;
 }
 
 void RVShortestPathsAlgorithm::generateOutputData() {

@@ -91,6 +91,7 @@ private:
     void runDijkstraAlgorithm();
     void runAcyclicAlgorithm(const RVTopologicalSortOutputData& sorted);
     void runAllPairsAlgorithm();
+    bool goesRound(const RVAllPairsShortestPathsOutputData& paths) const;
 
     rv::Uncopied<std::unique_ptr<Run>> m_run;
 };

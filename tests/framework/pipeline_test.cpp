@@ -157,7 +157,7 @@ TEST_F(Pipeline, ResetsTheOutputOnItsOldGraph) {
     m_input.pAssociatedGraph(m_graph);
     m_log.take();
     m_algorithm.run();
-    EXPECT_EQ(m_log.take().substr(0, 18), "checkData reset:x ");
+    EXPECT_EQ(m_log.take().substr(0, 26), "checkData reset:x reset:a ");
     EXPECT_EQ(m_output.pAssociatedGraph(), m_graph.get());
     m_output.pAssociatedGraph(*other);
     other.reset();

@@ -92,6 +92,15 @@ TEST(ReachableNodes, ChecksItsDataInOrder) {
     }
 }
 
+TEST(ReachableNodes, HaveNoDistanceOutsideARun) {
+    const TestGraph g("a->b:1");
+    Reachable test;
+    const RVReachableNodesBinTree tree(&test.algorithm);
+    EXPECT_EQ(tree.virtualObjectCompare(g.node("a"), g.node("b")), 0);
+    EXPECT_EQ(run(test, g, g.node("a"), 5), 0);
+    EXPECT_EQ(tree.virtualObjectCompare(g.node("a"), g.node("b")), 0);
+}
+
 // Distances by relaxing every edge as often as there are nodes.
 TEST(ReachableNodes, AgreesWithRelaxation) {
     Reachable test;

@@ -223,6 +223,17 @@ TEST(AllPairs, BuildsPaths) {
     EXPECT_EQ(test.output.number(g.node("d")), 3);
     EXPECT_EQ(test.output.pEdgeValuePair(a, g.node("d"))->value(), 3);
 
+    // Records that the output made for another graph than the one that it was bound to do not stay.
+    const TestGraph small("x y");
+    const TestGraph large("p->q:7");
+    AllPairs moving;
+    ASSERT_EQ(run(moving, small), 0);
+    EXPECT_NE(moving.output.pEdgeValuePair(large.node("p"), large.node("q")), nullptr);
+    for (int i = 0; i < 3; ++i) large->addNode();
+    large->insertNode(small->removeNode(small.node("x")));
+    ASSERT_EQ(run(moving, large), 0);
+    EXPECT_EQ(moving.output.computeLengthOfShortestPath(large.node("p"), large.node("q")), 7);
+
     // The output outlives the run, and a copy the output.
     const RVAllPairsShortestPathsOutputData copy(test.output);
     test.output.reset();
@@ -231,6 +242,26 @@ TEST(AllPairs, BuildsPaths) {
     RVNode* const late = g->addNode();
     EXPECT_EQ(copy.pEdgeValuePair(a, late)->value(), 0);
     EXPECT_EQ(copy.pLastEdge(late, late), nullptr);
+}
+
+// A numbering of one's own.
+class Backwards : public RVAllPairsShortestPathsAlgorithm {
+protected:
+    void initialize() override {
+        RVAllPairsShortestPathsAlgorithm::initialize();
+        const auto* output = RVAllPairsShortestPathsOutputData::castDown(pOutputData());
+        int number = pInputData()->pAssociatedGraph()->numberOfNodes();
+        for (RVNode* node : *pInputData()->pAssociatedGraph()->pNodeList()) output->number(node, --number);
+    }
+};
+
+TEST(AllPairs, KeepToTheNumbersOfASubclass) {
+    const TestGraph g("a->b:7 c->a:1");
+    rvtest::Runner<Backwards, RVAllPairsShortestPathsInputData, RVAllPairsShortestPathsOutputData> test(g);
+    rvtest::takeCosts(test.input, g);
+    ASSERT_EQ(test(), 0);
+    EXPECT_EQ(test.output.computeLengthOfShortestPath(g.node("c"), g.node("b")), 8);
+    EXPECT_EQ(test.output.computeLengthOfShortestPath(g.node("b"), g.node("c")), kInfinite);
 }
 
 }  // namespace

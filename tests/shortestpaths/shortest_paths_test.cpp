@@ -189,6 +189,9 @@ TEST(ShortestPaths, FindsACheapestPathWhateverTheCosts) {
             {"undirected and negative", "a--f:-1", "a", "f", 0, "code 18"},
             {"undirected and negative between dear nodes", "c:9 b:9 a->b:0 b--c:-1 c->f:0", "a", "f", 0,
              "17: a->b:0 b--c:-1 c->f:0"},
+            {"undirected and negative, past the range", "a->b:1 b--c:-1073741825 c->f:1", "a", "f", 0,
+             "code 18"},
+            {"undirected and most negative", "a->b:1 b--c:-2147483648 c->f:1", "a", "f", 0, "code 18"},
             {"negative cycle", "a->b:1 b->c:-3 c->b:2 c->f:0", "a", "f", 0, "code 18"},
             {"negative loop", "a->b:1 b->b:-1 b->f:1", "a", "f", 0, "code 18"},
             {"negative loop at a dear node", "b:3 a->b:1 b->b:-1 b->f:1", "a", "f", 0, "5: a->b:1 b->f:1"},
@@ -397,6 +400,13 @@ TEST(ShortestPathsBinTree, OrdersByCurrentCostAndArrival) {
     EXPECT_EQ(order(tree), "c b a d");
     EXPECT_EQ(tree.virtualObjectCompare(g.node("a"), g.node("d")), 0);
     EXPECT_LT(tree.virtualObjectCompare(g.node("c"), g.node("b")), 0);
+
+    // Costs that come later count from then on.
+    RVShortestPathsBinTree late;
+    late.addObject(g.node("a"));
+    late.pData(&data);
+    late.addObject(g.node("c"));
+    EXPECT_EQ(order(late), "c a");
 
     // A copy of the data has a queue by its own costs.
     const RVDijkstraInternalData copy(data);
