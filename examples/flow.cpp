@@ -9,6 +9,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "flow_problem.h"
 #include "rv/analysis.h"
@@ -30,7 +31,8 @@ Of a maximum flow problem, one of these can be asked instead:
                    sink cannot be reached from the source, and a line with arc and capacity for each of them.
                    Arcs of capacity 0 would be part of every cut; they are left out.
   --paths          a line `paths: N` with the greatest number of paths from source to sink that share no arc,
-                   and a line with the nodes of each; capacities play no part
+                   and a line with the nodes of each. What an arc carries plays no part, but arcs of
+                   capacity 0 are left out.
   --node-disjoint  with --paths: paths that share no node but source and sink either
   --help           this text
   --               what follows is no option
@@ -48,7 +50,10 @@ Minimum cost flow:
 A supply of more than one source or sink, and a LOW that is not 0, are not supported.
 
 Numbers are integers of 32 bits; only costs and supplies may be negative. A sum beyond them is printed as
-`2147483647 or more`, or `-2147483648 or less`. A malformed line is skipped and named on standard error.
+`2147483647 or more`, or `-2147483648 or less`. Paths on which a unit costs 2147483647 or more may count as
+none and, with negative costs on the way, cycles as dear as that may count as negative. Only cycles on the way
+from source to sink count; an arc from a node to itself carries nothing. With negative costs, and cycles on
+the way, a search takes long. A malformed line is skipped and named on standard error.
 
 Exit status: 0 success, 1 failure, such as no usable input or an unsupported problem, 2 wrong usage, 3 less
 than the supply can flow, and what can is printed, 4 no least cost because of a cycle of negative cost.
@@ -176,6 +181,11 @@ int printCut(const FlowProblem& problem) {
 }
 
 int printPaths(const FlowProblem& problem, bool nodeDisjoint) {
+    std::vector<RVEdge*> shut;
+    for (RVEdge* edge : *problem.pGraph()->pEdgeList()) {
+        if (problem.question().capacity(edge) == 0) shut.push_back(edge);
+    }
+    for (RVEdge* edge : shut) problem.pGraph()->removeEdge(edge);
     RVDisjointPathsInputData input(problem.pGraph());
     RVDisjointPathsOutputData output;
     RVDisjointPathsAlgorithm search;
