@@ -1,56 +1,19 @@
 #include "route_graph.h"
 
-#include <algorithm>
-#include <charconv>
 #include <cstddef>
 #include <cstdio>
-#include <system_error>
 
 namespace {
-
-constexpr std::string_view kBlanks = " \t\r\v\f";
-
-std::vector<std::string_view> wordsOf(std::string_view line) {
-    std::vector<std::string_view> words;
-    for (std::size_t begin = 0; (begin = line.find_first_not_of(kBlanks, begin)) < line.size();) {
-        const std::size_t end = std::min(line.find_first_of(kBlanks, begin), line.size());
-        words.push_back(line.substr(begin, end - begin));
-        begin = end;
-    }
-    return words;
-}
-
-// Calls use(words, number) with the words of each line that has some, until it gives false.
-template <class Use>
-void forEachLine(std::string_view text, Use use) {
-    int number = 0;
-    for (std::size_t begin = 0; begin < text.size();) {
-        const std::size_t end = std::min(text.find('\n', begin), text.size());
-        const std::vector<std::string_view> words = wordsOf(text.substr(begin, end - begin));
-        ++number;
-        if (!words.empty() && !use(words, number)) return;
-        begin = end + 1;
-    }
-}
 
 // The first line that is no comment decides.
 bool isDimacs(std::string_view text) {
     bool result = false;
-    forEachLine(text, [&](const std::vector<std::string_view>& words, int) {
+    forEachLine(text, [&](const Words& words, int) {
         const bool isComment = words[0] == "c" || words[0].starts_with('#');
         result = words[0] == "p";
         return isComment;
     });
     return result;
-}
-
-// Gives the reason when the word is no integer of 32 bits.
-std::string readNumber(std::string_view word, int& number) {
-    const char* end = word.data() + word.size();
-    const auto [rest, error] = std::from_chars(word.data(), end, number);
-    if (error == std::errc::invalid_argument || rest != end) return std::string(word) + " is no integer";
-    if (error != std::errc()) return std::string(word) + " does not fit into 32 bits";
-    return {};
 }
 
 // Each byte of a name is one wide character, so that names in any encoding come out as they went in.
@@ -89,7 +52,7 @@ std::string RouteGraph::readNode(const Words& words) {
     if (words.size() != 2 && words.size() != 3) return "not `node NAME [COST]`";
     int cost = 0;
     if (words.size() == 3) {
-        if (std::string reason = readNumber(words[2], cost); !reason.empty()) return reason;
+        if (std::string reason = readInteger(words[2], cost); !reason.empty()) return reason;
     }
     RVNode* node = takeNode(words[1]);
     const auto place = static_cast<std::size_t>(node->denseIndex());
@@ -105,7 +68,7 @@ std::string RouteGraph::readEdge(const Words& words) {
         return "not `edge NAME -> NAME COST` or `edge NAME -- NAME COST`";
     }
     int cost = 0;
-    if (std::string reason = readNumber(words[4], cost); !reason.empty()) return reason;
+    if (std::string reason = readInteger(words[4], cost); !reason.empty()) return reason;
     RVNode* source = takeNode(words[1]);
     addEdge(source, takeNode(words[3]), cost, words[2] == "--");
     return {};
@@ -122,7 +85,7 @@ std::string RouteGraph::readProblem(const Words& words) {
     if (words.size() != 4 || words[1] != "sp") return "not `p sp NODES ARCS`";
     int nodes = 0;
     int arcs = 0;
-    for (const std::string& reason : {readNumber(words[2], nodes), readNumber(words[3], arcs)}) {
+    for (const std::string& reason : {readInteger(words[2], nodes), readInteger(words[3], arcs)}) {
         if (!reason.empty()) return reason;
     }
     if (nodes < 0 || arcs < 0) return "a number below 0";
@@ -137,7 +100,7 @@ std::string RouteGraph::readArc(const Words& words) {
     if (words.size() != 4) return "not `a FROM TO COST`";
     int numbers[3] = {};
     for (std::size_t i = 0; i < 3; ++i) {
-        if (std::string reason = readNumber(words[i + 1], numbers[i]); !reason.empty()) return reason;
+        if (std::string reason = readInteger(words[i + 1], numbers[i]); !reason.empty()) return reason;
     }
     for (std::size_t i = 0; i < 2; ++i) {
         if (numbers[i] < 1 || numbers[i] > m_announcedNodes) {
@@ -161,7 +124,7 @@ RVNode* RouteGraph::takeNode(std::string_view name) {
 RVNode* RouteGraph::pNode(std::string_view name) {
     if (const auto found = m_nodes.find(std::string(name)); found != m_nodes.end()) return found->second;
     int number = 0;
-    const bool isAnnounced = readNumber(name, number).empty() && number >= 1 && number <= m_announcedNodes &&
+    const bool isAnnounced = readInteger(name, number).empty() && number >= 1 && number <= m_announcedNodes &&
                              std::to_string(number) == name;
     return isAnnounced ? takeNode(name) : nullptr;
 }

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "rv/analysis.h"
+#include "text_lines.h"
 
 class RouteGraph {
 public:
@@ -35,8 +36,6 @@ public:
     }
 
 private:
-    using Words = std::vector<std::string_view>;
-
     // Each takes one line, and gives the reason when it is malformed, else an empty text.
     std::string readLine(const Words& words);
     std::string readNode(const Words& words);
