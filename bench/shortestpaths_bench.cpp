@@ -429,18 +429,17 @@ void addUniqueRow(const NamedFamily& family, int n) {
 }
 
 void addAllPairsRows(int n) {
-    const NamedFamily& random = kFamilies[0];
     const double items = static_cast<double>(n) * n * n;
-    bench::add("all_pairs/random/rv", n, [=, &random](benchmark::State& s) {
+    bench::add("all_pairs/random/rv", n, [=](benchmark::State& s) {
         runRv<RVAllPairsShortestPathsAlgorithm, RVAllPairsShortestPathsInputData,
-              RVAllPairsShortestPathsOutputData>(s, various(random, n), "ns_per_n3", items, kNothing);
+              RVAllPairsShortestPathsOutputData>(s, various(kFamilies[0], n), "ns_per_n3", items, kNothing);
     });
 #ifdef RV_BENCH_BOOST
-    bench::add("all_pairs/random/boost_listS", n, [=, &random](benchmark::State& s) {
-        runBoostAllPairs<boost::listS>(s, various(random, n), items);
+    bench::add("all_pairs/random/boost_listS", n, [=](benchmark::State& s) {
+        runBoostAllPairs<boost::listS>(s, various(kFamilies[0], n), items);
     });
-    bench::add("all_pairs/random/boost_vecS", n, [=, &random](benchmark::State& s) {
-        runBoostAllPairs<boost::vecS>(s, various(random, n), items);
+    bench::add("all_pairs/random/boost_vecS", n, [=](benchmark::State& s) {
+        runBoostAllPairs<boost::vecS>(s, various(kFamilies[0], n), items);
     });
 #endif
 }

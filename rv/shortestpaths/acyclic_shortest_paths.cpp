@@ -1,6 +1,5 @@
 #include "rv/shortestpaths/acyclic_shortest_paths.h"
 
-#include "rv/foundation/arithmetic.h"
 #include "rv/foundation/text_output.h"
 #include "rv/framework/check_input.h"
 
@@ -60,13 +59,4 @@ RVNode* RVShortestPathsAcyclicAlgorithm::findStartNode() {
         if (node->outDegree() > 0) break;
     }
     return node;
-}
-
-// Edges out of nodes that have no cost yet lead nowhere, but are traversed.
-void RVShortestPathsAcyclicAlgorithm::visitNodeAfterTraverse(RVNode* node, RVEdge* edge) {
-    if (edge != nullptr && pData()->currentCost(edge->pSourceNode()) == rv::kInfinite) {
-        RVTraversalAlgorithm::visitNodeAfterTraverse(node, edge);
-    } else {
-        RVDijkstraAlgorithm::visitNodeAfterTraverse(node, edge);
-    }
 }

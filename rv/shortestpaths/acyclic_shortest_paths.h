@@ -72,7 +72,6 @@ protected:
     void parseInputData() override;
     RVAlgorithmData* newInternalData() override;
     RVNode* findStartNode() override;
-    void visitNodeAfterTraverse(RVNode* node, RVEdge* edge) override;
 
 private:
     RVShortestPathsAcyclicInternalData* pData() const {

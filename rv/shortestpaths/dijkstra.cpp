@@ -96,9 +96,8 @@ RVNodeAlgorithmExtension* RVDijkstraOutputData::newNodeAlgorithmExtension(RVNode
 
 RVDijkstraAlgorithm::RVDijkstraAlgorithm() { announce(); }
 
-RVDijkstraAlgorithm::RVDijkstraAlgorithm(const RVDijkstraAlgorithm& other, RVDeepFlagEnum)
-    : RVTraversalAlgorithm() {
-    RVDijkstraAlgorithm::copyObject(&other);
+RVDijkstraAlgorithm::RVDijkstraAlgorithm(const RVDijkstraAlgorithm& other, RVDeepFlagEnum flag)
+    : RVTraversalAlgorithm(other, flag), m_storeDistances(other.m_storeDistances) {
     announce();
 }
 
@@ -195,8 +194,9 @@ void RVDijkstraAlgorithm::visitNodeAfterTraverse(RVNode* node, RVEdge* edge) {
     RVTraversalAlgorithm::visitNodeAfterTraverse(node, edge);
     if (edge == nullptr) return;
     RVDijkstraInternalData* data = pDijkstraInternalData();
-    const int cost = rv::saturatingSum(data->currentCost(edge->pSourceNode()), data->cost(edge));
-    if (data->currentCost(node) <= cost) return;
+    const int before = data->currentCost(edge->pSourceNode());
+    const int cost = rv::saturatingSum(before, data->cost(edge));
+    if (before == rv::kInfinite || data->currentCost(node) <= cost) return;
     RVShortestPathsBinTree* candidates = data->pCandidateNodeList();
     RVBinTreeCell* cell = candidates->searchAndRemoveObject(node);
     data->currentCost(node, cost);

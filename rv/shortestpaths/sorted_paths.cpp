@@ -74,11 +74,12 @@ public:
     // The first member to be known brings its graph.
     template <class T>
     void set(Column<T>& column, const RVGraphMember* member, T value) {
-        if (member == nullptr) return;
-        if (m_graph == nullptr) bind(member->pHomeGraph());
-        if (member->pHomeGraph() != m_graph) return;
+        RVGraph* const home = member == nullptr ? nullptr : member->pHomeGraph();
+        if (home == nullptr) return;
+        if (m_graph == nullptr) bind(home);
+        if (m_graph != home) return;
         column.set(member->denseIndex(), value,
-                   member->isNode() ? m_graph->nodeIndexLimit() : m_graph->edgeIndexLimit());
+                   member->isNode() ? home->nodeIndexLimit() : home->edgeIndexLimit());
     }
 
     bool isPathGraph = false;
