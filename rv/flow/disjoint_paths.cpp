@@ -74,8 +74,6 @@ void RVDisjointPathsAlgorithm::parseInputData() {
     const auto* input = RVDisjointPathsInputData::castDown(pInputData());
     pData()->pStartNode(pData()->pCopyNode(input->pStartNode()));
     pData()->pFinishNode(pData()->pCopyNode(input->pFinishNode()));
-    m_run = std::make_unique<Run>();
-    m_run.get()->nodeDisjoint = input->nodeDisjointPaths() != 0;
 }
 
 void RVDisjointPathsAlgorithm::cleanup() {
@@ -126,7 +124,9 @@ void RVDisjointPathsAlgorithm::copyInputData(RVMaximumFlowInputData& input) cons
 
 RVServiceErrorCodeEnum RVDisjointPathsAlgorithm::algorithmBody() {
     RVDisjointPathsInternalData* data = pData();
+    m_run = std::make_unique<Run>();
     Run& run = *m_run.get();
+    run.nodeDisjoint = RVDisjointPathsInputData::castDown(pInputData())->nodeDisjointPaths() != 0;
     RVGraph* graph = run.nodeDisjoint ? buildAuxiliaryGraph() : pAssociatedGraph();
     RVMaximumFlowAlgorithm maximumFlow;
     RVMaximumFlowInputData input(graph);

@@ -4,6 +4,7 @@
 
 #include "rv/foundation/arithmetic.h"
 #include "rv/foundation/graph_iterators.h"
+#include "rv/framework/base_graph_algorithm.h"
 #include "rv/framework/sub_algorithm.h"
 #include "rv/rootcause/reachable_nodes.h"
 
@@ -123,6 +124,17 @@ RVServiceErrorCodeEnum RVFlowAlgorithm::algorithmBody() {
     return data->returnCode();
 }
 
+namespace {
+
+// As a part of another algorithm, where the algorithm tells that.
+RVServiceErrorCodeEnum runAsPart(RVAlgorithm& algorithm) {
+    if (auto* base = dynamic_cast<RVBaseGraphAlgorithm*>(&algorithm)) return base->internalRun();
+    if (auto* internal = dynamic_cast<RVInternalGraphAlgorithm*>(&algorithm)) return internal->internalRun();
+    return algorithm.run();
+}
+
+}  // namespace
+
 void RVFlowAlgorithm::findAugmentingPaths(RVAnalysisInputData& input) {
     const std::unique_ptr<RVAlgorithm> search(newPathExistsTestAlgorithm());
     bool isFound = true;
@@ -131,7 +143,7 @@ void RVFlowAlgorithm::findAugmentingPaths(RVAnalysisInputData& input) {
             static_cast<RVAnalysisOutputData*>(newPathExistsTestOutputData()));
         search->pInputData(&input);
         search->pOutputData(output.get());
-        noteFailedSearch(search->run());
+        noteFailedSearch(runAsPart(*search));
         isFound = pathExists(output.get()) != 0;
         updateGraphData(&input, output.get(), flowValue(output.get()));
     }
@@ -233,23 +245,30 @@ void RVFlowAlgorithm::addBackwardEdges() {
         RVEdge* backward = graph->addEdge(edge->pTargetNode(), edge->pSourceNode(), 0);
         pReverseEdge(edge, backward);
         pReverseEdge(backward, edge);
-        m_isBackward.get()[static_cast<std::size_t>(backward->denseIndex())] = true;
+        m_isBackward.get()[placeOf(backward)] = true;
         graph->removeEdge(backward);
     }
 }
 
+// Where an edge of the flow graph stands in the arrays; edges of other graphs stand nowhere.
+std::size_t RVFlowAlgorithm::placeOf(const RVEdge* edge) const {
+    const bool isOurs = edge != nullptr && edge->pHomeGraph() == pFlowInternalData()->pCopyGraph();
+    return isOurs ? static_cast<std::size_t>(edge->denseIndex()) : kNowhere;
+}
+
 int RVFlowAlgorithm::forwardEdge(const RVEdge* edge) const {
-    const auto place = static_cast<std::size_t>(edge->denseIndex());
+    const std::size_t place = placeOf(edge);
     return place < m_isBackward.get().size() && m_isBackward.get()[place] ? 0 : 1;
 }
 
 RVEdge* RVFlowAlgorithm::pReverseEdge(const RVEdge* edge) const {
-    const auto place = static_cast<std::size_t>(edge->denseIndex());
+    const std::size_t place = placeOf(edge);
     return place < m_reverseEdges.get().size() ? m_reverseEdges.get()[place] : nullptr;
 }
 
 RVEdge* RVFlowAlgorithm::pReverseEdge(const RVEdge* edge, RVEdge* partner) {
-    const auto place = static_cast<std::size_t>(edge->denseIndex());
+    const std::size_t place = placeOf(edge);
+    if (place == kNowhere) return partner;
     if (place >= m_reverseEdges.get().size()) {
         m_reverseEdges.get().resize(place + 1);
         m_isBackward.get().resize(place + 1);

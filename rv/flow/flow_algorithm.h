@@ -18,6 +18,7 @@
 // never used.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <vector>
@@ -166,7 +167,7 @@ protected:
     // Nonzero for nodes of the flow graph that are split. Here: those whose capacity is limited.
     virtual int hasToBeSplit(RVNode* node);
     // Make the search and its input, about the flow graph, once per run, and an output for each search. The
-    // core destroys them.
+    // core destroys them, and calls the search's internalRun where there is one.
     virtual RVAlgorithm* newPathExistsTestAlgorithm() const = 0;
     virtual RVAlgorithmInputData* newPathExistsTestInputData() const = 0;
     virtual RVAlgorithmOutputData* newPathExistsTestOutputData() const = 0;
@@ -184,7 +185,7 @@ protected:
     // for the first edge of the path. Here: the capacity.
     virtual void copyEdgeData(RVEdge* from, RVEdge* to, int first);
 
-    // 1 for an edge of the flow graph that is not a backward edge.
+    // 0 for a backward edge of the flow graph, 1 for any other edge.
     int forwardEdge(const RVEdge* edge) const;
     // The partner of an edge of the flow graph: the backward edge of a forward one, and the other way round.
     RVEdge* pReverseEdge(const RVEdge* edge) const;
@@ -195,6 +196,9 @@ protected:
     }
 
 private:
+    static constexpr std::size_t kNowhere = static_cast<std::size_t>(-1);
+
+    std::size_t placeOf(const RVEdge* edge) const;
     void createGraphCopyForFlowAlgorithm();
     void keepReachable(RVGraph* graph);
     void splitNodes();

@@ -16,8 +16,8 @@
 #include "rv/flow/minimum_cost_flow.h"
 
 #include <algorithm>
-#include <limits>
-#include <queue>
+#include <memory>
+#include <typeinfo>
 
 #include "rv/foundation/arithmetic.h"
 #include "rv/framework/check_input.h"
@@ -132,12 +132,14 @@ public:
     std::vector<int> distances;  // by dense index
 };
 
-// A Dijkstra traversal of the flow graph that finds the same paths and distances as any, without records and
-// without touching the graph: of parallel edges the cheapest, and the first of those, is the one that lowers
-// the distance last; nodes of equal distance are settled in the order in which they came to it.
+// A Dijkstra traversal of the flow graph, for an algorithm without hooks of a caller's, that finds the same
+// paths and distances as any, without records and without touching the graph: of parallel edges the cheapest,
+// and the first of those, is the one that lowers the distance last; nodes of equal distance are settled in
+// the order in which they came to it.
 class FlowSearch : public RVDijkstraAlgorithm {
 public:
-    RVServiceErrorCodeEnum run() override {
+    RVServiceErrorCodeEnum run() override { return internalRun(); }
+    RVServiceErrorCodeEnum internalRun() override {
         auto* output = static_cast<FlowSearchOutput*>(pOutputData());
         const auto* input = RVShortestPathsInputData::castDown(pInputData());
         const RVGraph* graph = input->pAssociatedGraph();
@@ -271,9 +273,14 @@ void RVMinimumCostFlowAlgorithm::pFinishNode(RVAnalysisInputData* input, RVNode*
     RVShortestPathsInputData::castDown(input)->pFinishNode(node);
 }
 
+bool RVMinimumCostFlowAlgorithm::hasOwnHooksOnly() const {
+    return typeid(*this) == typeid(RVMinimumCostFlowAlgorithm);
+}
+
 RVAlgorithm* RVMinimumCostFlowAlgorithm::newPathExistsTestAlgorithm() const {
     if (pMinimumCostFlowInternalData()->simpleCase() == 0) return new RVShortestPathsAlgorithm();
-    auto search = std::make_unique<FlowSearch>();
+    std::unique_ptr<RVDijkstraAlgorithm> search(hasOwnHooksOnly() ? new FlowSearch()
+                                                                  : new RVDijkstraAlgorithm());
     search->useOriginalGraph(1);
     search->storeDistances(1);
     return search.release();
@@ -285,7 +292,7 @@ RVAlgorithmInputData* RVMinimumCostFlowAlgorithm::newPathExistsTestInputData() c
 
 RVAlgorithmOutputData* RVMinimumCostFlowAlgorithm::newPathExistsTestOutputData() const {
     if (pMinimumCostFlowInternalData()->simpleCase() == 0) return new RVShortestPathsOutputData();
-    return new FlowSearchOutput();
+    return hasOwnHooksOnly() ? new FlowSearchOutput() : new RVDijkstraOutputData();
 }
 
 int RVMinimumCostFlowAlgorithm::hasToBeSplit(RVNode* node) {

@@ -221,6 +221,8 @@ protected:
     }
 
 private:
+    // Whether no subclass may have hooks that look into the searches.
+    bool hasOwnHooksOnly() const;
     int desiredFlow() const;
     void raisePotentials(const RVAnalysisOutputData& output);
     void fillSelfLoops(RVMinimumCostFlowOutputData& output) const;

@@ -2,8 +2,9 @@
 //
 // A run calls, in this order:
 //   checkData            a nonzero code ends the run and is its result
-//   (the output is reset on the graph that it is bound to, if that is another, then bound to the input's
-//   graph and reset there) initialize           makes what the run needs parseInputData       reads the input
+//   (the output)         reset, if it is bound to another graph; then bound to the input's graph and reset
+//   initialize           makes what the run needs
+//   parseInputData       reads the input
 //   preprocess           prepares the graph
 //   algorithmBody        its code is the result of the run
 //   generateOutputData   writes the output, while the graph is still prepared

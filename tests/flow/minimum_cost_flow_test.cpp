@@ -328,6 +328,76 @@ TEST(FlowCore, CarriesACallersSearch) {
     EXPECT_GT(flows, 150);
 }
 
+// Minimum cost flow with hooks of a caller's: searches and outputs of the documented classes, distances in
+// the outputs, and costs that become negative behind the algorithm's back.
+class HookedFlow : public RVMinimumCostFlowAlgorithm {
+public:
+    bool hasStart = true;
+    int firstCost = 0;
+    int distances = 0;
+
+protected:
+    void parseInputData() override {
+        RVMinimumCostFlowAlgorithm::parseInputData();
+        if (firstCost != 0) pMinimumCostFlowInternalData()->cost(pAssociatedGraph()->pFirstEdge(), firstCost);
+    }
+    void pStartNode(RVAnalysisInputData* input, RVNode* node) const override {
+        if (hasStart) RVMinimumCostFlowAlgorithm::pStartNode(input, node);
+    }
+    RVAlgorithm* newPathExistsTestAlgorithm() const override {
+        auto* search = new RVDijkstraAlgorithm();
+        search->useOriginalGraph(1);
+        search->storeDistances(1);
+        return search;
+    }
+    void updateGraphData(RVAnalysisInputData* input, RVAnalysisOutputData* output, int amount) override {
+        auto* answer = RVDijkstraOutputData::castDown(output);
+        for (RVNode* node : *pMinimumCostFlowInternalData()->pCopyGraph()->pNodeList()) {
+            if (answer->dist(node) >= 0) ++distances;
+        }
+        RVMinimumCostFlowAlgorithm::updateGraphData(input, output, amount);
+        for (RVEdge* edge : *pAssociatedGraph()->pEdgeList())
+            EXPECT_EQ(forwardEdge(edge) + (pReverseEdge(edge) != nullptr), 1);
+    }
+};
+
+TEST(FlowCore, BearsHooksOfMinimumCostFlow) {
+    MinimumCostFlow plain;
+    rvtest::Runner<HookedFlow, RVMinimumCostFlowInputData, RVMinimumCostFlowOutputData> hooked;
+    for (unsigned seed = 0; seed < 60; ++seed) {
+        const TestGraph g(randomText(seed, {.nodes = 7, .edges = 16, .least = 0, .most = 5}));
+        SCOPED_TRACE(rvtest::drawing(g));
+        for (auto* input : {&plain.input, &hooked.input}) {
+            input->pAssociatedGraph(g);
+            input->pSourceNode(g->pFirstNode());
+            input->pSinkNode(g->pLastNode());
+            for (RVEdge* edge : *g->pEdgeList()) {
+                input->capacity(edge, number(edge, 0, 0));
+                input->cost(edge, (edge->denseIndex() * 7) % 5);
+            }
+        }
+        ASSERT_EQ(plain(g), 0);
+        ASSERT_EQ(hooked(g), 0);
+        EXPECT_EQ(hooked.output.totalCost(), plain.output.totalCost());
+        for (RVEdge* edge : *g->pEdgeList())
+            EXPECT_EQ(hooked.output.flow(edge), plain.output.flow(edge)) << text(edge);
+    }
+    EXPECT_GT(hooked.algorithm.distances, 100);
+
+    const TestGraph g("s->a:2,0 a->t:2,0 a->s:2,0");
+    for (auto* input : {&hooked.input}) {
+        input->pAssociatedGraph(g);
+        input->pSourceNode(g.node("s"));
+        input->pSinkNode(g.node("t"));
+        for (RVEdge* edge : *g->pEdgeList()) input->capacity(edge, 2);
+    }
+    hooked.algorithm.firstCost = -1;
+    EXPECT_EQ(hooked(), 999);
+    hooked.algorithm.firstCost = 0;
+    hooked.algorithm.hasStart = false;
+    EXPECT_EQ(hooked(), 999);
+}
+
 TEST(FlowCore, FailsWithItsParts) {
     rvtest::FactorylessFactory factory;
     RVGraph graph(&factory);
