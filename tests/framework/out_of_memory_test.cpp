@@ -14,13 +14,14 @@ int allocationsLeft = -1;  // none fails below 0
 bool takeOne() { return allocationsLeft < 0 || allocationsLeft-- > 0; }
 }  // namespace
 
-void* operator new(std::size_t size) {
+// Not inlined, so that the compiler does not take what it sees inside for a mistake.
+[[gnu::noinline]] void* operator new(std::size_t size) {
     void* memory = takeOne() ? std::malloc(size) : nullptr;
     if (memory == nullptr) throw std::bad_alloc();
     return memory;
 }
-void operator delete(void* memory) noexcept { std::free(memory); }
-void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
+[[gnu::noinline]] void operator delete(void* memory) noexcept { std::free(memory); }
+[[gnu::noinline]] void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
 
 #ifndef RV_SANITIZED
 // Where slabs come from.
