@@ -69,10 +69,23 @@ using SpanningTree =
     Runner<RVMinimumSpanningTreeAlgorithm, RVMinimumSpanningTreeInputData, RVMinimumSpanningTreeOutputData>;
 using Reachable = Runner<RVReachableNodesAlgorithm, RVReachableNodesInputData, RVReachableNodesOutputData>;
 
+// Disposes of its path graphs, which otherwise are the caller's.
+struct OwnPathGraph : RVSortedPathsOutputData {
+    OwnPathGraph() = default;
+    OwnPathGraph(const OwnPathGraph&) = default;
+    OwnPathGraph& operator=(const OwnPathGraph&) = delete;
+    ~OwnPathGraph() override { discardPathGraph(); }
+    void reset() override {
+        discardPathGraph();
+        RVSortedPathsOutputData::reset();
+    }
+};
+using SortedPathsOnce = Runner<RVSortedPathsAlgorithm, RVSortedPathsInputData, OwnPathGraph>;
+
 // A new algorithm goes here.
 using Algorithms = testing::Types<TopologicalSort, BreadthFirst, DepthFirst, Connected, Blocks, Strong,
                                   PathTest, AcyclicTest, TreeTest, Dijkstra, AcyclicPaths, AllPairs,
-                                  ShortestPaths, UniquePath, SingleSource, SortedPaths, MaximumFlow,
+                                  ShortestPaths, UniquePath, SingleSource, SortedPathsOnce, MaximumFlow,
                                   MinimumCostFlow, MinimumCut, DisjointPaths, SpanningTree, Reachable>;
 
 struct AlgorithmNames {
