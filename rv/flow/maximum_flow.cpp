@@ -286,8 +286,6 @@ RVServiceErrorCodeEnum RVMaximumFlowAlgorithm::checkData() {
     return RV_NO_ERROR;
 }
 
-void RVMaximumFlowAlgorithm::initialize() { RVBaseGraphAlgorithm::initialize(); }
-
 void RVMaximumFlowAlgorithm::parseInputData() {
     m_network = std::make_unique<Network>(*RVMaximumFlowInputData::castDown(pInputData()));
 }

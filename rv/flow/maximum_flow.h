@@ -85,7 +85,6 @@ public:
     RVServiceErrorCodeEnum checkData() override;
 
 protected:
-    void initialize() override;
     RVServiceErrorCodeEnum algorithmBody() override;
     void generateOutputData() override;
     void cleanup() override;

@@ -1,7 +1,6 @@
 #include "rv/flow/minimum_spanning_tree.h"
 
 #include <cstdint>
-#include <typeinfo>
 
 #include "rv/foundation/arithmetic.h"
 #include "rv/foundation/graph_iterators.h"
@@ -53,11 +52,8 @@ void RVMinimumSpanningTreeOutputData::reset() {
 
 // RVMinimumSpanningTreeBinTree
 
-int RVMinimumSpanningTreeBinTree::virtualObjectCompare(RVObject* a, RVObject* b) const {
-    if (m_pData == nullptr) return 0;
-    const int costOfA = m_pData->currentCost(RVNode::castDown(a));
-    const int costOfB = m_pData->currentCost(RVNode::castDown(b));
-    return costOfA < costOfB ? -1 : costOfA > costOfB ? 1 : 0;
+int RVMinimumSpanningTreeBinTree::keyOf(RVObject* node) const {
+    return m_pData == nullptr ? 0 : m_pData->currentCost(RVNode::castDown(node));
 }
 
 RVMinimumSpanningTreeInternalData* RVMinimumSpanningTreeBinTree::pData(
@@ -66,12 +62,6 @@ RVMinimumSpanningTreeInternalData* RVMinimumSpanningTreeBinTree::pData(
     m_pData = data;
     if (hadNone) readKeys();
     return data;
-}
-
-bool RVMinimumSpanningTreeBinTree::integerKey(RVObject* object, int& key) const {
-    if (m_pData == nullptr || typeid(*this) != typeid(RVMinimumSpanningTreeBinTree)) return false;
-    key = m_pData->currentCost(RVNode::castDown(object));
-    return true;
 }
 
 // RVMinimumSpanningTreeInternalData

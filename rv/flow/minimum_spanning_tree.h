@@ -21,7 +21,7 @@
 //   if (tree.run() == RV_NO_ERROR) use(output.totalCost(), *output.pTreeEdgeList());
 #pragma once
 
-#include "rv/foundation/sorted_tree.h"
+#include "rv/foundation/keyed_tree.h"
 #include "rv/framework/internal_graph_algorithm.h"
 
 class RVMinimumSpanningTreeInternalData;
@@ -145,7 +145,7 @@ private:
 };
 
 // Nodes of a working graph in the order of their current costs.
-class RV_EXPORT RVMinimumSpanningTreeBinTree : public RVSortedBinTree {
+class RV_EXPORT RVMinimumSpanningTreeBinTree : public rv::KeyedTree<RVMinimumSpanningTreeBinTree> {
     RV_OBJECT(RVMinimumSpanningTreeBinTree)
 
 public:
@@ -157,11 +157,8 @@ public:
     RVMinimumSpanningTreeInternalData* pData() const { return m_pData; }
     RVMinimumSpanningTreeInternalData* pData(RVMinimumSpanningTreeInternalData* data);
 
-    // Compares the current costs of two nodes.
-    int virtualObjectCompare(RVObject* a, RVObject* b) const override;
-
-protected:
-    bool integerKey(RVObject* object, int& key) const override;
+    // The current cost of a node.
+    int keyOf(RVObject* node) const;
 
 private:
     RVMinimumSpanningTreeInternalData* m_pData;

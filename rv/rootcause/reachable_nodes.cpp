@@ -4,7 +4,6 @@
 #include "rv/rootcause/reachable_nodes.h"
 
 #include <type_traits>
-#include <typeinfo>
 
 #include "rv/foundation/arithmetic.h"
 #include "rv/framework/check_input.h"
@@ -43,20 +42,10 @@ std::size_t placeOf(const RVGraphMember* member) { return static_cast<std::size_
 
 }  // namespace
 
-int RVReachableNodesBinTree::distance(RVObject* node) const {
+int RVReachableNodesBinTree::keyOf(RVObject* node) const {
     const std::size_t place = placeOf(static_cast<RVNode*>(node));
     const bool isKnown = m_pAlgorithm != nullptr && place < m_pAlgorithm->m_distances.size();
     return isKnown ? m_pAlgorithm->m_distances[place] : rv::kInfinite;
-}
-
-int RVReachableNodesBinTree::virtualObjectCompare(RVObject* a, RVObject* b) const {
-    return distance(a) < distance(b) ? -1 : distance(a) > distance(b) ? 1 : 0;
-}
-
-bool RVReachableNodesBinTree::integerKey(RVObject* object, int& key) const {
-    if (typeid(*this) != typeid(RVReachableNodesBinTree)) return false;
-    key = distance(object);
-    return true;
 }
 
 // The search

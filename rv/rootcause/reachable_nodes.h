@@ -25,7 +25,7 @@
 
 #include <vector>
 
-#include "rv/foundation/sorted_tree.h"
+#include "rv/foundation/keyed_tree.h"
 #include "rv/framework/base_graph_algorithm.h"
 #include "rv/shortestpaths/path_costs.h"
 
@@ -77,22 +77,17 @@ private:
 };
 
 // The nodes that wait for being settled, nearest first.
-class RV_EXPORT RVReachableNodesBinTree : public RVSortedBinTree {
+class RV_EXPORT RVReachableNodesBinTree : public rv::KeyedTree<RVReachableNodesBinTree> {
     RV_OBJECT(RVReachableNodesBinTree)
 
 public:
     explicit RVReachableNodesBinTree(RVReachableNodesAlgorithm* algorithm = nullptr)
         : m_pAlgorithm(algorithm) {}
 
-    // Compares the distances of two nodes.
-    int virtualObjectCompare(RVObject* a, RVObject* b) const override;
-
-protected:
-    bool integerKey(RVObject* object, int& key) const override;
+    // The distance of a node; 2147483647 outside a run.
+    int keyOf(RVObject* node) const;
 
 private:
-    int distance(RVObject* node) const;
-
     RVReachableNodesAlgorithm* m_pAlgorithm;
 };
 

@@ -3,8 +3,6 @@
 
 #include "rv/shortestpaths/dijkstra.h"
 
-#include <typeinfo>
-
 #include "rv/foundation/arithmetic.h"
 #include "rv/foundation/text_output.h"
 #include "rv/framework/check_input.h"
@@ -17,11 +15,8 @@ RV_OBJECT_IMPL(RVDijkstraOutputData)
 
 // RVShortestPathsBinTree
 
-int RVShortestPathsBinTree::virtualObjectCompare(RVObject* a, RVObject* b) const {
-    if (m_pData == nullptr) return 0;
-    const int costOfA = m_pData->currentCost(RVNode::castDown(a));
-    const int costOfB = m_pData->currentCost(RVNode::castDown(b));
-    return costOfA < costOfB ? -1 : costOfA > costOfB ? 1 : 0;
+int RVShortestPathsBinTree::keyOf(RVObject* node) const {
+    return m_pData == nullptr ? 0 : m_pData->currentCost(RVNode::castDown(node));
 }
 
 RVDijkstraInternalData* RVShortestPathsBinTree::pData(RVDijkstraInternalData* data) {
@@ -29,12 +24,6 @@ RVDijkstraInternalData* RVShortestPathsBinTree::pData(RVDijkstraInternalData* da
     m_pData = data;
     if (hadNone) readKeys();
     return data;
-}
-
-bool RVShortestPathsBinTree::integerKey(RVObject* object, int& key) const {
-    if (m_pData == nullptr || typeid(*this) != typeid(RVShortestPathsBinTree)) return false;
-    key = m_pData->currentCost(RVNode::castDown(object));
-    return true;
 }
 
 // RVDijkstraInternalData

@@ -28,7 +28,7 @@
 //   if (search.run() == RV_NO_ERROR && output.pathExists()) use(*output.pEdgeList());
 #pragma once
 
-#include "rv/foundation/sorted_tree.h"
+#include "rv/foundation/keyed_tree.h"
 #include "rv/shortestpaths/shortest_paths_data.h"
 #include "rv/traversal/traversal.h"
 
@@ -81,7 +81,7 @@ private:
 };
 
 // Nodes of a working graph in the order of their current costs, equal ones in the order in which they came.
-class RV_EXPORT RVShortestPathsBinTree : public RVSortedBinTree {
+class RV_EXPORT RVShortestPathsBinTree : public rv::KeyedTree<RVShortestPathsBinTree> {
     RV_OBJECT(RVShortestPathsBinTree)
 
 public:
@@ -92,11 +92,8 @@ public:
     RVDijkstraInternalData* pData() const { return m_pData; }
     RVDijkstraInternalData* pData(RVDijkstraInternalData* data);
 
-    // Compares the current costs of two nodes.
-    int virtualObjectCompare(RVObject* a, RVObject* b) const override;
-
-protected:
-    bool integerKey(RVObject* object, int& key) const override;
+    // The current cost of a node.
+    int keyOf(RVObject* node) const;
 
 private:
     RVDijkstraInternalData* m_pData;

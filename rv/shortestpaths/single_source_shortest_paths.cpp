@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <limits>
-#include <typeinfo>
 #include <utility>
 
 #include "rv/foundation/arithmetic.h"
@@ -109,19 +108,11 @@ struct RVSingleSourceShortestPathsAlgorithm::Run {
 RVSingleSourceShortestPathsAlgorithm::RVSingleSourceShortestPathsAlgorithm() = default;
 RV_OBJECT_IMPL(RVSingleSourceShortestPathsAlgorithm)
 
-int RVSingleSourceShortestPathsBinTree::distance(RVObject* node) const {
-    if (m_pAlgorithm == nullptr || m_pAlgorithm->m_run.get() == nullptr) return 0;
-    return rv::saturate(m_pAlgorithm->m_run.get()->distance(static_cast<RVNode*>(node)));
-}
-
-int RVSingleSourceShortestPathsBinTree::virtualObjectCompare(RVObject* a, RVObject* b) const {
-    return distance(a) < distance(b) ? -1 : distance(a) > distance(b) ? 1 : 0;
-}
-
-bool RVSingleSourceShortestPathsBinTree::integerKey(RVObject* object, int& key) const {
-    if (typeid(*this) != typeid(RVSingleSourceShortestPathsBinTree)) return false;
-    key = distance(object);
-    return true;
+int RVSingleSourceShortestPathsBinTree::keyOf(RVObject* node) const {
+    const auto* run = m_pAlgorithm == nullptr ? nullptr : m_pAlgorithm->m_run.get().get();
+    const std::size_t place = placeOf(RVNode::castDown(node));
+    return run == nullptr || place >= run->distances.size() ? rv::kInfinite
+                                                            : rv::saturate(run->distances[place]);
 }
 
 RVServiceErrorCodeEnum RVSingleSourceShortestPathsAlgorithm::checkData() {

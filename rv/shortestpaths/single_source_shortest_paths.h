@@ -34,7 +34,7 @@
 #include <vector>
 
 #include "rv/foundation/hash_map.h"
-#include "rv/foundation/sorted_tree.h"
+#include "rv/foundation/keyed_tree.h"
 #include "rv/framework/internal_graph_algorithm.h"
 
 class RVSingleSourceShortestPathsAlgorithm;
@@ -113,22 +113,18 @@ private:
 };
 
 // The nodes that wait for being settled, nearest first.
-class RV_EXPORT RVSingleSourceShortestPathsBinTree : public RVSortedBinTree {
+class RV_EXPORT RVSingleSourceShortestPathsBinTree
+    : public rv::KeyedTree<RVSingleSourceShortestPathsBinTree> {
     RV_OBJECT(RVSingleSourceShortestPathsBinTree)
 
 public:
     explicit RVSingleSourceShortestPathsBinTree(RVSingleSourceShortestPathsAlgorithm* algorithm = nullptr)
         : m_pAlgorithm(algorithm) {}
 
-    // Compares the distances of two nodes.
-    int virtualObjectCompare(RVObject* a, RVObject* b) const override;
-
-protected:
-    bool integerKey(RVObject* object, int& key) const override;
+    // The distance of a node; 2147483647 outside a run.
+    int keyOf(RVObject* node) const;
 
 private:
-    int distance(RVObject* node) const;
-
     RVSingleSourceShortestPathsAlgorithm* m_pAlgorithm;
 };
 
