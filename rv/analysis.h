@@ -1,6 +1,10 @@
 // Everything that a caller of the library needs.
 #pragma once
 
+#include "rv/cycles/cycle_breaking_edge_detection.h"
+#include "rv/cycles/graph_reduction_action.h"
+#include "rv/cycles/new_cycle_test.h"
+#include "rv/cycles/topological_heuristic.h"
 #include "rv/flow/disjoint_paths.h"
 #include "rv/flow/flow_algorithm.h"
 #include "rv/flow/maximum_flow.h"

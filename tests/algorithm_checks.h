@@ -67,6 +67,11 @@ using MinimumCut = Runner<RVMinimumCutAlgorithm, RVMinimumCutInputData, RVMinimu
 using DisjointPaths = Runner<RVDisjointPathsAlgorithm, RVDisjointPathsInputData, RVDisjointPathsOutputData>;
 using SpanningTree =
     Runner<RVMinimumSpanningTreeAlgorithm, RVMinimumSpanningTreeInputData, RVMinimumSpanningTreeOutputData>;
+using NewCycleTest = Runner<RVNewCycleTestAlgorithm, RVNewCycleTestInputData, RVNewCycleTestOutputData>;
+using Heuristic = Runner<RVTopologicalHeuristicAlgorithm, RVTopologicalHeuristicInputData,
+                         RVTopologicalHeuristicOutputData>;
+using CycleBreaking = Runner<RVCycleBreakingEdgeDetectionAlgorithm, RVCycleBreakingEdgeDetectionInputData,
+                             RVCycleBreakingEdgeDetectionOutputData>;
 using Reachable = Runner<RVReachableNodesAlgorithm, RVReachableNodesInputData, RVReachableNodesOutputData>;
 
 // Disposes of its path graphs, which otherwise are the caller's.
@@ -83,10 +88,11 @@ struct OwnPathGraph : RVSortedPathsOutputData {
 using SortedPathsOnce = Runner<RVSortedPathsAlgorithm, RVSortedPathsInputData, OwnPathGraph>;
 
 // A new algorithm goes here.
-using Algorithms = testing::Types<TopologicalSort, BreadthFirst, DepthFirst, Connected, Blocks, Strong,
-                                  PathTest, AcyclicTest, TreeTest, Dijkstra, AcyclicPaths, AllPairs,
-                                  ShortestPaths, UniquePath, SingleSource, SortedPathsOnce, MaximumFlow,
-                                  MinimumCostFlow, MinimumCut, DisjointPaths, SpanningTree, Reachable>;
+using Algorithms =
+    testing::Types<TopologicalSort, BreadthFirst, DepthFirst, Connected, Blocks, Strong, PathTest,
+                   AcyclicTest, TreeTest, Dijkstra, AcyclicPaths, AllPairs, ShortestPaths, UniquePath,
+                   SingleSource, SortedPathsOnce, MaximumFlow, MinimumCostFlow, MinimumCut, DisjointPaths,
+                   SpanningTree, Reachable, NewCycleTest, Heuristic, CycleBreaking>;
 
 struct AlgorithmNames {
     template <class R>

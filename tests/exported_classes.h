@@ -50,7 +50,15 @@ using CopyableClasses = testing::Types<
     RVMinimumSpanningTreeInternalData, RVMinimumSpanningTreeAlgorithm, RVNodeExtensionFlowInternal,
     RVEdgeExtensionFlowInternal, RVFlowInternalData, RVEdgeExtensionMinimumCostFlowInput,
     RVMinimumCostFlowInputData, RVMinimumCostFlowOutputData, RVNodeExtensionMinimumCostFlow,
-    RVEdgeExtensionMinimumCostFlowInternal, RVMinimumCostFlowInternalData, RVMinimumCostFlowAlgorithm>;
+    RVEdgeExtensionMinimumCostFlowInternal, RVMinimumCostFlowInternalData, RVMinimumCostFlowAlgorithm,
+    RVGraphReductionAction, RVNewCycleTestInputData, RVNewCycleTestOutputData, RVNewCycleTestInternalData,
+    RVNewCycleTestAlgorithm, RVNodeExtensionTopologicalHeuristic, RVNodeExtensionTopologicalHeuristicInternal,
+    RVEdgeExtensionTopologicalHeuristic, RVTopologicalHeuristicInputData, RVTopologicalHeuristicOutputData,
+    RVTopologicalHeuristicInternalData, RVTopologicalHeuristicAlgorithm,
+    RVNodeExtensionCycleBreakingEdgeDetectionInternal, RVEdgeExtensionCycleBreakingEdgeDetectionInternal,
+    RVEdgeExtensionCycleBreakingEdgeDetectionOutput, RVCycleBreakingEdgeDetectionInputData,
+    RVCycleBreakingEdgeDetectionOutputData, RVCycleBreakingEdgeDetectionInternalData,
+    RVCycleBreakingEdgeDetectionAlgorithm>;
 
 using AbstractClasses = testing::Types<RVAlgorithm, RVInternalAlgorithm, RVBaseGraphAlgorithm,
                                        RVInternalGraphAlgorithm, RVAlgorithmOutputData, RVAnalysisOutputData>;
@@ -66,7 +74,8 @@ using InputClasses = testing::Types<
     RVShortestPathsAcyclicInputData, RVAllPairsShortestPathsInputData, RVUniquePathTestInputData,
     RVSingleSourceShortestPathsInputData, RVSortedPathsInputData, RVReachableNodesInputData,
     RVNetworkInputData, RVMaximumFlowInputData, RVMinimumCutInputData, RVDisjointPathsInputData,
-    RVMinimumSpanningTreeInputData, RVMinimumCostFlowInputData>;
+    RVMinimumSpanningTreeInputData, RVMinimumCostFlowInputData, RVNewCycleTestInputData,
+    RVTopologicalHeuristicInputData, RVCycleBreakingEdgeDetectionInputData>;
 
 struct ClassNames {
     template <class C>
