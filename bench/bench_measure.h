@@ -4,9 +4,12 @@
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
+#include <cstring>
 #include <ctime>
 #include <limits>
 #include <string>
+
+#include "rv/framework/result_codes.h"
 
 namespace bench {
 
@@ -54,6 +57,68 @@ void add(const std::string& name, int n, Body body) {
         ->Iterations(1)
         ->UseManualTime()
         ->Unit(benchmark::kMillisecond);
+}
+
+// A run of an algorithm that notes when its steps end.
+template <class Algorithm>
+class Phased : public Algorithm {
+public:
+    // Reports what each step of a run takes per item.
+    void measure(benchmark::State& state, double items) {
+        constexpr int kRuns = 3;
+        for (auto _ : state) {
+            const double start = m_last = processorSeconds();
+            for (int i = 0; i < kRuns; ++i) Algorithm::run();
+            state.SetIterationTime((processorSeconds() - start) / kRuns);
+        }
+        for (const Phase& phase : m_phases) state.counters[phase.name] = phase.seconds * 1e9 / kRuns / items;
+    }
+    RVServiceErrorCodeEnum checkData() override { return noted(0, Algorithm::checkData()); }
+
+protected:
+    void initialize() override { Algorithm::initialize(), note(1); }
+    void parseInputData() override { Algorithm::parseInputData(), note(2); }
+    void preprocess() override { Algorithm::preprocess(), note(3); }
+    RVServiceErrorCodeEnum algorithmBody() override { return noted(4, Algorithm::algorithmBody()); }
+    void generateOutputData() override { Algorithm::generateOutputData(), note(5); }
+    void postprocess() override { Algorithm::postprocess(), note(6); }
+    void cleanup() override { Algorithm::cleanup(), note(7); }
+
+private:
+    struct Phase {
+        const char* name;
+        double seconds;
+    };
+    void note(std::size_t phase) {
+        const double now = processorSeconds();
+        m_phases[phase].seconds += now - m_last;
+        m_last = now;
+    }
+    RVServiceErrorCodeEnum noted(std::size_t phase, RVServiceErrorCodeEnum code) {
+        note(phase);
+        return code;
+    }
+
+    Phase m_phases[8] = {{"check", 0}, {"copy", 0},   {"parse", 0},   {"preprocess", 0},
+                         {"body", 0},  {"output", 0}, {"restore", 0}, {"cleanup", 0}};
+    double m_last = 0;
+};
+
+// Whether an option of our own was given, which is taken from the arguments.
+inline bool takeOption(int& argc, char** argv, const char* name) {
+    const auto isOption = [&](const char* argument) { return std::strcmp(argument, name) == 0; };
+    char** const end = std::remove_if(argv + 1, argv + argc, isOption);
+    const bool isGiven = end != argv + argc;
+    argc = static_cast<int>(end - argv);
+    return isGiven;
+}
+
+// Runs the rows that were added, as the arguments say, and gives the program's status.
+inline int runRows(int& argc, char** argv) {
+    benchmark::Initialize(&argc, argv);
+    if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
+    benchmark::RunSpecifiedBenchmarks();
+    return 0;
 }
 
 }  // namespace bench

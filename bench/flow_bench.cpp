@@ -323,13 +323,7 @@ void addTreeRows(const NamedFamily& family, int n) {
 }  // namespace
 
 int main(int argc, char** argv) {
-    bool large = false;
-    for (int i = 1; i < argc; ++i) {
-        if (std::strcmp(argv[i], "--large") != 0) continue;
-        large = true;
-        std::rotate(argv + i, argv + i + 1, argv + argc);
-        --argc;
-    }
+    const bool large = bench::takeOption(argc, argv, "--large");
     for (const NamedNetwork& network : kNetworks) {
         for (const int n : {1'000, 10'000}) addMaximumRows(network, n);
         if (large) addMaximumRows(network, 100'000);
@@ -340,8 +334,5 @@ int main(int argc, char** argv) {
         for (const int n : {10'000, 100'000}) addTreeRows(family, n);
         if (large) addTreeRows(family, 1'000'000);
     }
-    benchmark::Initialize(&argc, argv);
-    if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
-    benchmark::RunSpecifiedBenchmarks();
-    return 0;
+    return bench::runRows(argc, argv);
 }

@@ -116,63 +116,16 @@ void runRv(benchmark::State& state, const Subject& subject, const char* unit, do
 }
 constexpr auto kNothing = [](auto&, auto&) {};
 
-// A run of Dijkstra's method that notes when its steps end.
-class PhasedDijkstra : public RVDijkstraAlgorithm {
-public:
-    static constexpr const char* kNames[] = {"check", "copy",   "parse",   "preprocess",
-                                             "body",  "output", "restore", "cleanup"};
-    double seconds[8] = {};
-    RVServiceErrorCodeEnum run() override {
-        m_last = bench::processorSeconds();
-        return RVDijkstraAlgorithm::run();
-    }
-    RVServiceErrorCodeEnum checkData() override {
-        const RVServiceErrorCodeEnum code = Base::checkData();
-        note(0);
-        return code;
-    }
-
-protected:
-    using Base = RVDijkstraAlgorithm;
-    void initialize() override { Base::initialize(), note(1); }
-    void parseInputData() override { Base::parseInputData(), note(2); }
-    void preprocess() override { Base::preprocess(), note(3); }
-    RVServiceErrorCodeEnum algorithmBody() override {
-        const RVServiceErrorCodeEnum code = Base::algorithmBody();
-        note(4);
-        return code;
-    }
-    void generateOutputData() override { Base::generateOutputData(), note(5); }
-    void postprocess() override { Base::postprocess(), note(6); }
-    void cleanup() override { Base::cleanup(), note(7); }
-
-private:
-    void note(int phase) {
-        const double now = bench::processorSeconds();
-        seconds[phase] += now - m_last;
-        m_last = now;
-    }
-    double m_last = 0;
-};
-
 void phases(benchmark::State& state, const Subject& subject) {
     const RvSubject rv(subject);
-    constexpr int kRuns = 3;
-    PhasedDijkstra search;
+    bench::Phased<RVDijkstraAlgorithm> search;
     RVShortestPathsInputData input(rv.graph.get());
     RVDijkstraOutputData output;
     rv.describe(input);
     search.storeDistances(1);
     search.pInputData(&input);
     search.pOutputData(&output);
-    for (auto _ : state) {
-        const double start = bench::processorSeconds();
-        for (int i = 0; i < kRuns; ++i) search.run();
-        state.SetIterationTime((bench::processorSeconds() - start) / kRuns);
-    }
-    for (int i = 0; i < 8; ++i) {
-        state.counters[PhasedDijkstra::kNames[i]] = search.seconds[i] * 1e9 / kRuns / subject.array.size();
-    }
+    search.measure(state, subject.array.size());
 }
 
 // The path graph of a subject; the next run, or the end, disposes of it.
@@ -462,13 +415,7 @@ void addSize(int n) {
 }  // namespace
 
 int main(int argc, char** argv) {
-    bool large = false;
-    for (int i = 1; i < argc; ++i) {
-        if (std::strcmp(argv[i], "--large") != 0) continue;
-        large = true;
-        std::rotate(argv + i, argv + i + 1, argv + argc);
-        --argc;
-    }
+    const bool large = bench::takeOption(argc, argv, "--large");
     addSize(10'000);
     addSize(100'000);
     if (large) addSize(1'000'000);
@@ -478,8 +425,5 @@ int main(int argc, char** argv) {
     }
     for (const int n : {500, 1000}) addAllPairsRows(n);
     if (large) addAllPairsRows(2000);
-    benchmark::Initialize(&argc, argv);
-    if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
-    benchmark::RunSpecifiedBenchmarks();
-    return 0;
+    return bench::runRows(argc, argv);
 }

@@ -78,56 +78,14 @@ void runRv(benchmark::State& state, const EdgeArray& array, int useOriginalGraph
     bench::measure(state, kPerEdge, array.size(), [&] { F::run(subject.graph.get(), useOriginalGraph); });
 }
 
-// A breadth-first search that notes when its steps end.
-class PhasedSearch : public RVBreadthFirstSearchAlgorithm {
-public:
-    static constexpr const char* kNames[] = {"copy",   "parse",   "preprocess", "body",
-                                             "output", "restore", "cleanup"};
-    double seconds[7] = {};
-    RVServiceErrorCodeEnum run() override {
-        m_last = bench::processorSeconds();
-        return RVBreadthFirstSearchAlgorithm::run();
-    }
-
-protected:
-    using Base = RVBreadthFirstSearchAlgorithm;
-    void initialize() override { Base::initialize(), note(0); }
-    void parseInputData() override { Base::parseInputData(), note(1); }
-    void preprocess() override { Base::preprocess(), note(2); }
-    RVServiceErrorCodeEnum algorithmBody() override {
-        const RVServiceErrorCodeEnum code = Base::algorithmBody();
-        note(3);
-        return code;
-    }
-    void generateOutputData() override { Base::generateOutputData(), note(4); }
-    void postprocess() override { Base::postprocess(), note(5); }
-    void cleanup() override { Base::cleanup(), note(6); }
-
-private:
-    void note(int phase) {
-        const double now = bench::processorSeconds();
-        seconds[phase] += now - m_last;
-        m_last = now;
-    }
-    double m_last = 0;
-};
-
 void phases(benchmark::State& state, const EdgeArray& array) {
     const bench::RvGraph subject(array);
-    constexpr int kRuns = 3;
-    PhasedSearch search;
+    bench::Phased<RVBreadthFirstSearchAlgorithm> search;
     RVBreadthFirstSearchInputData input(subject.graph.get());
     RVBreadthFirstSearchOutputData output;
     search.pInputData(&input);
     search.pOutputData(&output);
-    for (auto _ : state) {
-        const double start = bench::processorSeconds();
-        for (int i = 0; i < kRuns; ++i) search.run();
-        state.SetIterationTime((bench::processorSeconds() - start) / kRuns);
-    }
-    for (int i = 0; i < 7; ++i) {
-        state.counters[PhasedSearch::kNames[i]] = search.seconds[i] * 1e9 / kRuns / array.size();
-    }
+    search.measure(state, array.size());
 }
 
 // Boost.Graph
@@ -328,18 +286,9 @@ void addSize(int n) {
 }  // namespace
 
 int main(int argc, char** argv) {
-    bool large = false;
-    for (int i = 1; i < argc; ++i) {
-        if (std::strcmp(argv[i], "--large") != 0) continue;
-        large = true;
-        std::rotate(argv + i, argv + i + 1, argv + argc);
-        --argc;
-    }
+    const bool large = bench::takeOption(argc, argv, "--large");
     addSize(10'000);
     addSize(100'000);
     if (large) addSize(1'000'000);
-    benchmark::Initialize(&argc, argv);
-    if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
-    benchmark::RunSpecifiedBenchmarks();
-    return 0;
+    return bench::runRows(argc, argv);
 }
