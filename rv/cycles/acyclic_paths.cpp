@@ -12,6 +12,7 @@ AcyclicPaths::AcyclicPaths(const RVGraph* graph) {
     const auto limit = static_cast<std::size_t>(graph->nodeIndexLimit());
     m_levels.resize(limit);
     m_marks.resize(limit);
+    m_reachedBy.resize(limit);
 
     std::vector<int> inEdges(limit);
     std::vector<const RVNode*> order;
@@ -45,6 +46,7 @@ void AcyclicPaths::noteNode(const RVNode* node) {
 }
 
 bool AcyclicPaths::pathExists(RVNode* from, RVNode* to) {
+    m_meeting = nullptr;
     if (from == to) return true;
     const int lowest = level(from);
     const int highest = level(to);
@@ -72,14 +74,15 @@ void AcyclicPaths::begin(Side& side, RVNode* node) {
     side.work = 0;
     side.mark = ++m_lastMark;
     m_marks[placeOf(node)] = side.mark;
+    m_reachedBy[placeOf(node)] = nullptr;
 }
 
 bool AcyclicPaths::extendForward(int highest) {
     const RVNode* node = m_forward.nodes[m_forward.next++];
     m_forward.work += node->outDegree() + 1;
-    for (const RVEdge* edge : *node->pOutEdgeList()) {
+    for (RVEdge* edge : *node->pOutEdgeList()) {
         RVNode* target = edge->pTargetNode();
-        if (level(target) <= highest && reach(m_forward, m_backward, target)) return true;
+        if (level(target) <= highest && reach(m_forward, m_backward, target, edge)) return true;
     }
     return false;
 }
@@ -87,19 +90,23 @@ bool AcyclicPaths::extendForward(int highest) {
 bool AcyclicPaths::extendBackward(int lowest) {
     const RVNode* node = m_backward.nodes[m_backward.next++];
     m_backward.work += node->inDegree() + 1;
-    for (const RVEdge* edge : *node->pInEdgeList()) {
+    for (RVEdge* edge : *node->pInEdgeList()) {
         RVNode* source = edge->pSourceNode();
-        if (level(source) >= lowest && reach(m_backward, m_forward, source)) return true;
+        if (level(source) >= lowest && reach(m_backward, m_forward, source, edge)) return true;
     }
     return false;
 }
 
 // Whether the other side has been there.
-bool AcyclicPaths::reach(Side& side, const Side& other, RVNode* node) {
+bool AcyclicPaths::reach(Side& side, const Side& other, RVNode* node, RVEdge* edge) {
     std::uint64_t& mark = m_marks[placeOf(node)];
-    if (mark == other.mark) return true;
+    if (mark == other.mark) {
+        m_meeting = edge;
+        return true;
+    }
     if (mark == side.mark) return false;
     mark = side.mark;
+    m_reachedBy[placeOf(node)] = edge;
     side.nodes.push_back(node);
     return false;
 }

@@ -23,6 +23,16 @@ public:
     // Whether there is a path between two nodes. When there is none, levels are changed so that an edge from
     // `to` to `from` may come in.
     bool pathExists(RVNode* from, RVNode* to);
+    // Calls f(edge) for every edge of the path that the last test found, in no particular order.
+    template <class F>
+    void forEachPathEdge(F f) const {
+        if (m_meeting == nullptr) return;
+        f(m_meeting);
+        const auto before = [&](const RVEdge* edge) { return m_reachedBy[placeOf(edge->pSourceNode())]; };
+        const auto behind = [&](const RVEdge* edge) { return m_reachedBy[placeOf(edge->pTargetNode())]; };
+        for (RVEdge* edge = before(m_meeting); edge != nullptr; edge = before(edge)) f(edge);
+        for (RVEdge* edge = behind(m_meeting); edge != nullptr; edge = behind(edge)) f(edge);
+    }
     // A node of two edges has come in: no path leads through it, or one in place of an edge between its
     // neighbours.
     void noteNode(const RVNode* node);
@@ -41,10 +51,12 @@ private:
     void begin(Side& side, RVNode* node);
     bool extendForward(int highest);
     bool extendBackward(int lowest);
-    bool reach(Side& side, const Side& other, RVNode* node);
+    bool reach(Side& side, const Side& other, RVNode* node, RVEdge* edge);
 
     std::vector<int> m_levels;           // by dense index
     std::vector<std::uint64_t> m_marks;  // of the side and the test that last reached the node
+    std::vector<RVEdge*> m_reachedBy;    // of a node with the mark: the edge that the test came by
+    RVEdge* m_meeting = nullptr;         // between what the sides have reached
     std::uint64_t m_lastMark = 0;
     Side m_forward;
     Side m_backward;

@@ -13,6 +13,10 @@
 // turned, so that no path leads through it; both of two opposite edges go the way in which there is a path
 // without them, or the heavier one's way if there is none.
 
+#include <cstddef>
+#include <utility>
+#include <vector>
+
 #include "rv/cycles/acyclic_paths.h"
 #include "rv/cycles/cycle_breaking_detail.h"
 #include "rv/cycles/cycle_breaking_edge_detection.h"
@@ -310,12 +314,65 @@ bool Algorithm::hasPath(RVNode* from, RVNode* to, const wchar_t* failure) const 
     return code == RV_NO_ERROR && pData()->m_paths.get()->pathExists(from, to);
 }
 
+namespace {
+
+// Of edges that stand reversed and cannot be switched back: what the paths that forbid it depend on. Only
+// edges that stand reversed are ever switched back, so a path lasts as long as those on it do.
+class Obstacles {
+public:
+    Obstacles(const RVGraph* piece, const RVCycleBreakingEdgeDetectionInternalData& data)
+        : m_data(data),
+          m_ranges(static_cast<std::size_t>(piece->edgeIndexLimit())),
+          m_room(8 * static_cast<std::size_t>(piece->numberOfEdges())) {}
+
+    // Whether a path that was noted for the edge still exists.
+    bool forbid(const RVEdge* edge) const {
+        const Range& range = m_ranges[static_cast<std::size_t>(edge->denseIndex())];
+        if (!range.isNoted) return false;
+        for (std::size_t i = range.begin; i < range.end; ++i) {
+            if (m_data.reversed(m_edges[i]) == 0) return false;
+        }
+        return true;
+    }
+    // Notes the path that has just been found for the edge, if there is room.
+    void note(const RVEdge* edge, const rv::AcyclicPaths& paths) {
+        Range range{m_edges.size(), m_edges.size(), true};
+        paths.forEachPathEdge([&](RVEdge* other) {
+            if (m_data.reversed(other) != 0) m_edges.push_back(other);
+        });
+        range.end = m_edges.size();
+        range.isNoted = range.end <= m_room;
+        if (!range.isNoted) m_edges.resize(range.begin);
+        m_ranges[static_cast<std::size_t>(edge->denseIndex())] = range;
+    }
+
+private:
+    struct Range {
+        std::size_t begin = 0;
+        std::size_t end = 0;
+        bool isNoted = false;
+    };
+    const RVCycleBreakingEdgeDetectionInternalData& m_data;
+    std::vector<Range> m_ranges;   // by dense index, in m_edges
+    std::vector<RVEdge*> m_edges;  // path after path
+    std::size_t m_room;
+};
+
+}  // namespace
+
 // The edges are passed round after round; the search is over when a round has come to the edge that was
 // switched back last, and that could not be switched again.
 void Algorithm::avoidExtraEdges(RVGraph* piece) const {
     RVCycleBreakingEdgeDetectionInternalData* data = pData();
     const RVEdgeDList edges(*piece->pEdgeList());
     if (data->m_paths.get() == nullptr) data->m_paths = std::make_unique<rv::AcyclicPaths>(piece);
+    Obstacles obstacles(piece, *data);
+    const auto isNeeded = [&](RVEdge* edge, RVNode* source, RVNode* target) {
+        if (obstacles.forbid(edge)) return true;
+        if (!hasPath(source, target, L"error in new cycles test algorithm.\n")) return false;
+        obstacles.note(edge, *data->m_paths.get());
+        return true;
+    };
     const RVEdge* last = nullptr;
     for (bool hasSwitched = true; hasSwitched;) {
         hasSwitched = false;
@@ -325,9 +382,9 @@ void Algorithm::avoidExtraEdges(RVGraph* piece) const {
                 RVNode* source = edge->pSourceNode();
                 RVNode* target = edge->pTargetNode();
                 piece->removeEdge(edge);
-                const bool isNeeded = hasPath(source, target, L"error in new cycles test algorithm.\n");
+                const bool staysReversed = isNeeded(edge, source, target);
                 piece->insertEdge(edge, source, target);
-                if (!isNeeded) {
+                if (!staysReversed) {
                     if (debugMode() != 0) {
                         wprintf_s(L"pEdge %s, %s not necessary\n", source->pNameString(),
                                   target->pNameString());
