@@ -1,7 +1,6 @@
 #include "rv/foundation/graph.h"
 
 #include <gtest/gtest.h>
-#include <pthread.h>
 
 #include <algorithm>
 #include <array>
@@ -17,6 +16,7 @@
 
 #include "rv/foundation/graph_iterators.h"
 #include "rv/framework/analysis_data.h"
+#include "tests/small_stack.h"
 #include "tests/test_graph.h"
 
 namespace {
@@ -450,14 +450,7 @@ void buildAndDestroyLargeGraphs() {
 }
 
 TEST(Graph, LargeGraphsNeedLittleStack) {
-    pthread_attr_t attributes;
-    pthread_attr_init(&attributes);
-    ASSERT_EQ(pthread_attr_setstacksize(&attributes, std::size_t{256} << 10), 0);
-    pthread_t thread = 0;
-    const auto body = [](void*) -> void* { return buildAndDestroyLargeGraphs(), nullptr; };
-    ASSERT_EQ(pthread_create(&thread, &attributes, body, nullptr), 0);
-    pthread_join(thread, nullptr);
-    pthread_attr_destroy(&attributes);
+    rvtest::withSmallStack(buildAndDestroyLargeGraphs);
 }
 
 }  // namespace

@@ -3,7 +3,6 @@
 #include "rv/traversal/traversal.h"
 
 #include <gtest/gtest.h>
-#include <pthread.h>
 
 #include <algorithm>
 #include <functional>
@@ -14,6 +13,7 @@
 #include <vector>
 
 #include "tests/algorithm_checks.h"
+#include "tests/small_stack.h"
 #include "tests/test_graph.h"
 
 namespace {
@@ -336,21 +336,6 @@ constexpr int kMany = 30000;
 constexpr int kCycles = 20000;
 #endif
 
-// Runs something in a thread with a small stack.
-void withSmallStack(const std::function<void()>& f) {
-    pthread_attr_t attributes;
-    ASSERT_EQ(pthread_attr_init(&attributes), 0);
-    ASSERT_EQ(pthread_attr_setstacksize(&attributes, 0x40000), 0);
-    pthread_t thread;
-    const auto call = [](void* function) -> void* {
-        (*static_cast<const std::function<void()>*>(function))();
-        return nullptr;
-    };
-    ASSERT_EQ(pthread_create(&thread, &attributes, call, const_cast<std::function<void()>*>(&f)), 0);
-    pthread_join(thread, nullptr);
-    pthread_attr_destroy(&attributes);
-}
-
 enum class Deep { chain, cycle, comb };
 
 // A comb is a chain of half as many nodes, each with a tooth that it leads to.
@@ -368,7 +353,7 @@ std::unique_ptr<RVGraph> deepGraph(RVAFactory& factory, Deep kind) {
 
 template <class Run, class Check>
 void runWithSmallStack(RVGraph* graph, const Check& check) {
-    withSmallStack([&] {
+    rvtest::withSmallStack([&] {
         Run run(graph);
         EXPECT_EQ(run(), RV_NO_ERROR);
         check(run.output);

@@ -1,0 +1,372 @@
+// New cycle test, topological heuristic and cycle-breaking edge detection.
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <iostream>
+#include <map>
+#include <memory>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "tests/algorithm_checks.h"
+#include "tests/small_stack.h"
+#include "tests/test_graph.h"
+
+namespace {
+
+using rvtest::CycleBreaking;
+using rvtest::Distances;
+using rvtest::Heuristic;
+using rvtest::MarkedGraph;
+using rvtest::NewCycleTest;
+using rvtest::randomText;
+using rvtest::TestGraph;
+using rvtest::text;
+using rvtest::Ways;
+
+TEST(NewCycleTest, AgreesWithAllDistances) {
+    NewCycleTest run;
+    for (unsigned seed = 0; seed < 150; ++seed) {
+        const MarkedGraph g(randomText(seed, {.edges = 10, .undirected = 20}), seed);
+        const Distances distances(g, Ways::directed);
+        run.input.pAssociatedGraph(g);
+        for (RVNode* source : *g->pNodeList()) {
+            for (RVNode* target : *g->pNodeList()) {
+                run.input.pSourceNode(source);
+                run.input.pTargetNode(target);
+                run.algorithm.useOriginalGraph(static_cast<int>(seed % 2));
+                ASSERT_EQ(run(), RV_NO_ERROR);
+                ASSERT_EQ(run.output.willCreateCycle(), distances.reaches(target, source) ? 1 : 0)
+                    << "seed " << seed << ": " << text(source) << " " << text(target);
+            }
+        }
+    }
+}
+
+TEST(NewCycleTest, ChecksItsDataInOrder) {
+    const TestGraph g("a->b");
+    const TestGraph other("x");
+    NewCycleTest run(g);
+    EXPECT_EQ(run(), RV_NO_SOURCE_NODE);
+    run.input.pSourceNode(other.node("x"));
+    EXPECT_EQ(run(), RV_SOURCE_NODE_NOT_IN_GRAPH);
+    run.input.pSourceNode(g.node("b"));
+    EXPECT_EQ(run(), RV_NO_TARGET_NODE);
+    run.input.pTargetNode(other.node("x"));
+    EXPECT_EQ(run(), RV_TARGET_NODE_NOT_IN_GRAPH);
+    run.input.pTargetNode(g.node("a"));
+    RVNewCycleTestInputData copied(g);
+    copied.copyData(&run.input);
+    run.algorithm.pInputData(&copied);
+    EXPECT_EQ(run(), RV_NO_ERROR);
+    EXPECT_EQ(run.output.willCreateCycle(), 1);
+}
+
+// Heuristic
+
+TEST(TopologicalHeuristic, NumbersNodesByItsRules) {
+    const struct {
+        const char* what;
+        const char* graph;
+        const char* order;
+        int acyclic;
+    } cases[] = {
+        {"sources first in, first out", "a b c a->c b->c", "a b c", 1},
+        {"a cycle begins at its first node", "a->b b->c c->a", "a b c", 0},
+        {"most out-edges among equal in-degrees", "a->b b->c c->a c->b b->d", "c a b d", 0},
+        {"fewest in-edges before most out-edges", "a->b b->a c->a a->c b->c a->d d->b", "d b a c", 0},
+        {"a loop makes no source", "a->a a->b b->c", "a b c", 0},
+        {"but counts as one in-edge", "a->a a->b b->c c->b b->d c->d b->b", "a c b d", 0},
+        {"parallel edges count once", "a->b b->a b->a c->b c->a a->c", "c a b", 0},
+        {"nodes without edges come last", "x y->z u z->y", "y z x u", 0},
+        {"nothing", "", "", 1},
+    };
+    Heuristic run;
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.what);
+        const TestGraph g(c.graph);
+        for (RVEdge* edge : *g->pEdgeList()) run.input.weight(edge, 1 + edge->denseIndex() * 100);
+        EXPECT_EQ(run(g), RV_NO_ERROR);
+        EXPECT_EQ(text(*run.output.pNodeList()), c.order);
+        EXPECT_EQ(run.output.acyclic(), c.acyclic);
+    }
+}
+
+// The rule as it is stated, with a scan over all nodes for each number.
+std::vector<RVNode*> numberByScanning(const RVGraph* graph) {
+    std::map<RVNode*, std::vector<RVEdge*>> out;
+    std::map<RVNode*, int> in;
+    std::map<RVNode*, int> outLeft;
+    std::set<RVEdge*> kept;
+    std::set<std::pair<RVNode*, RVNode*>> seen;
+    for (RVEdge* edge : *graph->pEdgeList()) {
+        if (seen.emplace(edge->pSourceNode(), edge->pTargetNode()).second) kept.insert(edge);
+    }
+    std::vector<RVNode*> sources;
+    std::vector<RVNode*> candidates;
+    std::vector<RVNode*> isolated;
+    for (RVEdge* edge : kept) ++in[edge->pTargetNode()], ++outLeft[edge->pSourceNode()];
+    for (RVNode* node : *graph->pNodeList()) {
+        for (RVEdge* edge : *node->pOutEdgeList()) {
+            if (kept.count(edge) != 0) out[node].push_back(edge);
+        }
+        (node->degree() == 0 ? isolated : in[node] == 0 ? sources : candidates).push_back(node);
+    }
+    std::vector<RVNode*> order;
+    while (!sources.empty() || !candidates.empty()) {
+        std::vector<RVNode*>& from = sources.empty() ? candidates : sources;
+        auto best = from.begin();
+        for (auto each = best; sources.empty() && each != from.end(); ++each) {
+            if (std::pair(in[*each], -outLeft[*each]) < std::pair(in[*best], -outLeft[*best])) best = each;
+        }
+        RVNode* const node = *best;
+        from.erase(best);
+        order.push_back(node);
+        for (RVEdge* edge : out[node]) {
+            RVNode* const target = edge->pTargetNode();
+            const auto waiting = std::find(candidates.begin(), candidates.end(), target);
+            if (--in[target] != 0 || waiting == candidates.end()) continue;
+            candidates.erase(waiting);
+            sources.push_back(target);
+        }
+        for (RVEdge* edge : kept) {
+            if (edge->pTargetNode() == node) --outLeft[edge->pSourceNode()];
+        }
+    }
+    order.insert(order.end(), isolated.begin(), isolated.end());
+    return order;
+}
+
+TEST(TopologicalHeuristic, AgreesWithScanning) {
+    Heuristic run;
+    for (unsigned seed = 0; seed < 400; ++seed) {
+        const std::string tokens = randomText(seed, {.nodes = 12, .edges = 40});
+        SCOPED_TRACE("seed " + std::to_string(seed) + ": " + tokens);
+        const MarkedGraph g(tokens, seed);
+        run.algorithm.useOriginalGraph(static_cast<int>(seed % 2));
+        ASSERT_EQ(run(g), RV_NO_ERROR);
+        int number = 0;
+        int acyclic = 1;
+        RVNodeDList expected;
+        for (RVNode* node : numberByScanning(g)) {
+            expected.appendNode(node);
+            EXPECT_EQ(run.output.orderNumber(node), ++number);
+        }
+        EXPECT_EQ(text(*run.output.pNodeList()), text(expected));
+        for (RVEdge* edge : *g->pEdgeList()) {
+            if (run.output.orderNumber(edge->pSourceNode()) >= run.output.orderNumber(edge->pTargetNode()))
+                acyclic = 0;
+        }
+        EXPECT_EQ(run.output.acyclic(), acyclic);
+    }
+}
+
+// Detection
+
+std::string backwardEdges(const CycleBreaking& run) {
+    RVEdgeDList list;
+    run.output.buildEdgeList(list);
+    return text(list);
+}
+
+TEST(CycleBreaking, ReducesSolvesAndUndoes) {
+    const struct {
+        const char* what;
+        const char* graph;
+        int quality;
+        const char* backward;
+        const char* messages;
+    } cases[] = {
+        {"nothing to break", "a->b b->c a->c", 2, "", ""},
+        {"loops only", "a->a b->b", 0, "", ""},
+        {"the heuristic's backward edges", "a->b b->c c->a d->a b->a", 0, "a->b",
+         "out degree first: 1  pEdges\n"},
+        {"a pair", "a->b b->a", 1, "b->a", "opposite pEdge reduction: b, a\nrestore opposite edges:\n"},
+        {"the lighter side of a pair", "a->b a->b b->a", 1, "b->a",
+         "multi pEdge reduction: a, b\nopposite pEdge reduction: b, a\n"
+         "restore opposite edges:\nrestore multi edges:\n"},
+        {"a triangle", "a->b b->c c->a", 1, "c->a",
+         "degree two node reduction: c\nopposite pEdge reduction: b, a\n"
+         "restore opposite edges:\nrestore degree two nodes:\n"},
+        {"the edge shared by two triangles", "a->b b->c c->a b->d d->a", 1, "a->b",
+         "degree two node reduction: c\nopposite pEdge reduction: b, a\ndegree two node reduction: d\n"
+         "restore degree two nodes:\nrestore opposite edges:\nrestore degree two nodes:\n"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.what);
+        const TestGraph g(c.graph);
+        for (const int debugMode : {1, 0}) {
+            CycleBreaking run(g);
+            run.input.quality(c.quality);
+            run.algorithm.debugMode(debugMode);
+            testing::internal::CaptureStdout();
+            EXPECT_EQ(run(), RV_NO_ERROR);
+            EXPECT_EQ(testing::internal::GetCapturedStdout(), debugMode == 0 ? "" : c.messages);
+            EXPECT_EQ(backwardEdges(run), c.backward);
+        }
+    }
+}
+
+TEST(CycleBreaking, KeepsItsQualityInRange) {
+    RVCycleBreakingEdgeDetectionInputData input;
+    const int answers[][3] = {{-1, -1, 1}, {5, 5, 2}, {-1, -1, 2}, {0, 0, 0}, {1, 1, 1}, {2, 2, 2}};
+    EXPECT_EQ(input.quality(), 1);
+    for (const auto& [set, given, kept] : answers) {
+        EXPECT_EQ(input.quality(set), given);
+        EXPECT_EQ(input.quality(), kept);
+    }
+}
+
+std::set<RVEdge*> asSet(const RVEdgeDList& list) {
+    std::set<RVEdge*> edges;
+    for (RVEdge* edge : list) edges.insert(edge);
+    return edges;
+}
+
+// What edges are left between different nodes when some are reversed, or when they are left out.
+bool isAcyclic(const RVGraph* graph, const std::set<RVEdge*>& broken, bool reversed) {
+    std::map<RVNode*, std::vector<RVNode*>> next;
+    std::map<RVNode*, int> in;
+    for (RVEdge* edge : *graph->pEdgeList()) {
+        RVNode* source = edge->pSourceNode();
+        RVNode* target = edge->pTargetNode();
+        if (source == target || (!reversed && broken.count(edge) != 0)) continue;
+        if (broken.count(edge) != 0) std::swap(source, target);
+        next[source].push_back(target);
+        ++in[target];
+    }
+    std::vector<RVNode*> order;
+    for (RVNode* node : *graph->pNodeList()) {
+        if (in[node] == 0) order.push_back(node);
+    }
+    for (std::size_t i = 0; i < order.size(); ++i) {
+        for (RVNode* target : next[order[i]]) {
+            if (--in[target] == 0) order.push_back(target);
+        }
+    }
+    return static_cast<int>(order.size()) == graph->numberOfNodes();
+}
+
+std::size_t leastFeedbackSet(const RVGraph* graph) {
+    std::vector<RVEdge*> edges;
+    for (RVEdge* edge : *graph->pEdgeList()) edges.push_back(edge);
+    std::size_t least = edges.size();
+    for (unsigned subset = 0; subset < 1U << edges.size(); ++subset) {
+        std::set<RVEdge*> broken;
+        for (std::size_t i = 0; i < edges.size(); ++i) {
+            if ((subset >> i & 1U) != 0) broken.insert(edges[i]);
+        }
+        if (broken.size() < least && isAcyclic(graph, broken, true)) least = broken.size();
+    }
+    return least;
+}
+
+TEST(CycleBreaking, BreaksAllCycles) {
+    CycleBreaking run;
+    std::size_t found[3] = {};
+    std::size_t least = 0;
+    for (unsigned seed = 0; seed < 500; ++seed) {
+        const bool isSmall = seed % 10 == 0;
+        const std::string tokens =
+            randomText(seed, {.nodes = isSmall ? 6 : 12, .edges = isSmall ? 12 : 40, .undirected = 10});
+        SCOPED_TRACE("seed " + std::to_string(seed) + ": " + tokens);
+        const MarkedGraph g(tokens, seed);
+        if (isSmall) least += leastFeedbackSet(g);
+        for (int quality = 0; quality <= 2; ++quality) {
+            run.input.quality(quality);
+            run.algorithm.useOriginalGraph(static_cast<int>(seed / 2 % 2));
+            ASSERT_EQ(run(g), RV_NO_ERROR);
+            RVEdgeDList list;
+            run.output.buildEdgeList(list);
+            const std::set<RVEdge*> broken = asSet(list);
+            if (isSmall) found[quality] += broken.size();
+            ASSERT_EQ(static_cast<int>(broken.size()), list.length());
+            ASSERT_TRUE(isAcyclic(g, broken, true) && isAcyclic(g, broken, false)) << text(list);
+
+            RVEdgeDList loops;
+            for (RVNode* node : *g->pNodeList()) {
+                for (RVEdge* edge : *node->pOutEdgeList()) {
+                    EXPECT_EQ(run.output.backwardEdge(edge), broken.count(edge) != 0 ? 1 : 0);
+                }
+            }
+            run.output.buildReflexiveEdgeList(loops);
+            std::set<RVEdge*> expected;
+            for (RVEdge* edge : *g->pEdgeList()) {
+                if (edge->pSourceNode() == edge->pTargetNode()) expected.insert(edge);
+            }
+            EXPECT_EQ(asSet(loops), expected);
+
+            for (RVEdge* edge : list) {
+                if (quality < 2) break;
+                std::set<RVEdge*> fewer = broken;
+                fewer.erase(edge);
+                EXPECT_FALSE(isAcyclic(g, fewer, true)) << text(edge) << " could go back";
+            }
+        }
+    }
+    std::cout << "edges broken at quality 0, 1, 2: " << found[0] << ", " << found[1] << ", " << found[2]
+              << "; least: " << least << '\n';
+}
+
+TEST(CycleBreaking, FailsWithItsParts) {
+    rvtest::FactorylessFactory factory;
+    for (const int original : {0, 1}) {
+        for (const int quality : {0, 1, 2}) {
+            RVGraph graph(&factory);
+            RVNode* const a = graph.addNode();
+            RVNode* const b = graph.addNode();
+            graph.addEdge(a, b);
+            graph.addEdge(b, a);
+            CycleBreaking run(&graph);
+            run.input.quality(quality);
+            run.algorithm.useOriginalGraph(original);
+            run.algorithm.debugMode(1);
+            testing::internal::CaptureStdout();
+            EXPECT_EQ(run(), RV_ALGORITHM_FAILURE);
+            const std::string messages = testing::internal::GetCapturedStdout();
+            const char* failure = quality == 0    ? "Error in topological heuristic alg. Return code = 21\n"
+                                  : original == 0 ? "Error in SCC alg. Return code = 21\n"
+                                                  : "Error in recursive call. Return code = 21\n";
+            EXPECT_NE(messages.find(failure), std::string::npos) << messages;
+        }
+    }
+}
+
+TEST(GraphReductionAction, OwnsItsListOnly) {
+    const TestGraph g("a->b");
+    auto action = std::make_unique<RVGraphReductionAction>();
+    EXPECT_EQ(action->reductionType(), RVNoReduction);
+    EXPECT_EQ(action->pOldEdgeList()->length(), 0);
+    const std::unique_ptr<RVEdgeDList> first(action->pOldEdgeList());
+    auto* second = new RVEdgeDList();
+    EXPECT_EQ(action->pOldEdgeList(second), second);
+    EXPECT_EQ(action->pOldEdgeList(second), second);
+    second->appendEdge(g.edge("a->b"));
+    action->pNewEdge(g.edge("a->b"));
+    const RVGraphReductionAction copy(*action, RVDeep);
+    EXPECT_EQ(copy.pNewEdge(), nullptr);
+    EXPECT_EQ(copy.pOldEdgeList()->length(), 0);
+    action.reset();
+    EXPECT_EQ(g->numberOfEdges(), 1);
+}
+
+// A stack of actions is the data's, as far as they are not popped.
+TEST(CycleBreaking, OwnsItsActions) {
+    RVCycleBreakingEdgeDetectionInternalData data;
+    EXPECT_TRUE(data.actionStackEmpty());
+    EXPECT_EQ(data.popAction(), nullptr);
+    auto* lower = new RVGraphReductionAction();
+    auto* upper = new RVGraphReductionAction();
+    data.pushAction(lower);
+    data.pushAction(upper);
+    const RVCycleBreakingEdgeDetectionInternalData copy(data);
+    EXPECT_TRUE(copy.actionStackEmpty());
+    EXPECT_EQ(data.topAction(), upper);
+    const std::unique_ptr<RVGraphReductionAction> popped(data.popAction());
+    EXPECT_EQ(popped.get(), upper);
+    EXPECT_EQ(data.topAction(), lower);
+}
+
+}  // namespace
