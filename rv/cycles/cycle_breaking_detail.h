@@ -1,6 +1,7 @@
 // What the sources of cycle-breaking edge detection share. Not installed.
 #pragma once
 
+#include "rv/cycles/acyclic_paths.h"
 #include "rv/cycles/edge_index.h"
 #include "rv/foundation/cell_handles.h"
 #include "rv/foundation/graph.h"
@@ -14,6 +15,13 @@ struct ReductionState {
     EdgeIndex edges;             // those in the piece
     CellHandles oppositeCells;   // in the list of candidates for opposite edge reductions
     CellHandles degreeTwoCells;  // in that for degree-two node reductions
+};
+
+// Of a piece whose reductions are being undone.
+struct RestorationState {
+    explicit RestorationState(const RVGraph* piece) : paths(piece) {}
+
+    AcyclicPaths<ListNeighbours> paths;
 };
 
 }  // namespace rv

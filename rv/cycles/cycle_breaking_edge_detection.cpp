@@ -7,7 +7,6 @@
 
 #include <vector>
 
-#include "rv/cycles/acyclic_paths.h"
 #include "rv/cycles/cycle_breaking_detail.h"
 #include "rv/cycles/topological_heuristic.h"
 #include "rv/foundation/text_output.h"
@@ -237,7 +236,6 @@ void RVCycleBreakingEdgeDetectionAlgorithm::transferOutputData(RVGraph* piece) {
 
 void RVCycleBreakingEdgeDetectionAlgorithm::discardPiece(RVGraph* piece) const {
     RVCycleBreakingEdgeDetectionInternalData* data = pData();
-    data->m_paths = nullptr;
     for (RVNode* node : *piece->pNodeList()) data->pLocalCopyNode(data->pLocalOriginalNode(node), nullptr);
     for (RVEdge* edge : *piece->pEdgeList()) data->pLocalCopyEdge(data->pLocalOriginalEdge(edge), nullptr);
     delete data->pSecondaryGraphs()->searchAndRemoveObject(piece);

@@ -36,8 +36,8 @@
 class RVTopologicalHeuristicOutputData;
 
 namespace rv {
-class AcyclicPaths;
 struct ReductionState;
+struct RestorationState;
 }  // namespace rv
 
 // Per node of the working graph and of the pieces.
@@ -221,7 +221,7 @@ private:
     rv::Uncopied<std::unique_ptr<ActionStack>> m_actionStack;
     // Of the piece in hand, while it is reduced and while reductions are undone.
     rv::Uncopied<std::unique_ptr<rv::ReductionState>> m_reduction;
-    rv::Uncopied<std::unique_ptr<rv::AcyclicPaths>> m_paths;
+    rv::Uncopied<std::unique_ptr<rv::RestorationState>> m_restoration;
 };
 
 class RV_EXPORT RVCycleBreakingEdgeDetectionAlgorithm : public RVInternalGraphAlgorithm {
@@ -283,7 +283,7 @@ private:
     void restoreGraphOppositeEdges(RVGraph* piece, RVGraphReductionAction* action) const;
     void restoreGraphDegreeTwoNode(RVGraph* piece, RVGraphReductionAction* action) const;
     void reverse(RVEdge* edge) const;
-    bool hasPath(RVNode* from, RVNode* to, const wchar_t* failure) const;
+    bool canSearch(RVGraph* piece, const wchar_t* failure) const;
     void avoidExtraEdges(RVGraph* piece) const;
     void transferOutputData(RVGraph* piece);
 };

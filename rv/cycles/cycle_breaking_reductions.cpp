@@ -17,7 +17,6 @@
 #include <utility>
 #include <vector>
 
-#include "rv/cycles/acyclic_paths.h"
 #include "rv/cycles/cycle_breaking_detail.h"
 #include "rv/cycles/cycle_breaking_edge_detection.h"
 #include "rv/foundation/text_output.h"
@@ -247,11 +246,12 @@ void Algorithm::performDegreeTwoNodeReduction(RVNode* node) const {
 void Algorithm::restoreGraph(RVGraph* piece) const {
     RVCycleBreakingEdgeDetectionInternalData* data = pData();
     if (data->actionStackEmpty()) return;
-    data->m_paths = std::make_unique<rv::AcyclicPaths>(piece);
+    data->m_restoration = std::make_unique<rv::RestorationState>(piece);
     while (!data->actionStackEmpty()) {
         const std::unique_ptr<RVGraphReductionAction> action(data->popAction());
         restoreGraph(piece, action.get());
     }
+    data->m_restoration = nullptr;
 }
 
 void Algorithm::restoreGraph(RVGraph* piece, RVGraphReductionAction* action) const {
@@ -292,7 +292,8 @@ void Algorithm::restoreGraphOppositeEdges(RVGraph* piece, RVGraphReductionAction
     if (data->weight(heavy) < data->weight(light)) std::swap(light, heavy);
     if (action->pNewEdge() != nullptr) piece->discardEdge(action->pNewEdge());
     const bool pathExists =
-        hasPath(light->pSourceNode(), light->pTargetNode(), L"Error in path exists alg. Return code = %d\n");
+        canSearch(piece, L"Error in path exists alg. Return code = %d\n") &&
+        data->m_restoration.get()->paths.pathExists(light->pSourceNode(), light->pTargetNode());
     reverse(pathExists ? heavy : light);
     for (RVEdge* edge : {light, heavy}) piece->insertEdge(edge, edge->pSourceNode(), edge->pTargetNode());
 }
@@ -304,17 +305,21 @@ void Algorithm::restoreGraphDegreeTwoNode(RVGraph* piece, RVGraphReductionAction
     if (data->reversed(action->pNewEdge()) != 0) reverse(data->weight(in) < data->weight(out) ? in : out);
     piece->insertNode(action->pOldNode());
     piece->discardEdge(action->pNewEdge());
-    data->m_paths.get()->noteNode(action->pOldNode());
+    data->m_restoration.get()->paths.noteNode(action->pOldNode());
 }
 
-// Whether the piece in hand has a path between two of its nodes. A graph that cannot be searched has none.
-bool Algorithm::hasPath(RVNode* from, RVNode* to, const wchar_t* failure) const {
-    const RVServiceErrorCodeEnum code = from->pFactory() == nullptr ? RV_NO_GRAPH_FACTORY : RV_NO_ERROR;
+// Whether the piece can be handed to a path test, which needs a factory. Without one there is no path.
+bool Algorithm::canSearch(RVGraph* piece, const wchar_t* failure) const {
+    const RVServiceErrorCodeEnum code = piece->pFactory() == nullptr ? RV_NO_GRAPH_FACTORY : RV_NO_ERROR;
     rv::noteFailure(*pData(), code, debugMode(), failure);
-    return code == RV_NO_ERROR && pData()->m_paths.get()->pathExists(from, to);
+    return code == RV_NO_ERROR;
 }
+
+// Switching back
 
 namespace {
+
+using Paths = rv::AcyclicPaths<rv::ArrayNeighbours>;
 
 // Of edges that stand reversed and cannot be switched back: what the paths that forbid it depend on. Only
 // edges that stand reversed are ever switched back, so a path lasts as long as those on it do.
@@ -335,7 +340,7 @@ public:
         return true;
     }
     // Notes the path that has just been found for the edge, if there is room.
-    void note(const RVEdge* edge, const rv::AcyclicPaths& paths) {
+    void note(const RVEdge* edge, Paths& paths) {
         Range range{m_edges.size(), m_edges.size(), true};
         paths.forEachPathEdge([&](RVEdge* other) {
             if (m_data.reversed(other) != 0) m_edges.push_back(other);
@@ -365,12 +370,14 @@ private:
 void Algorithm::avoidExtraEdges(RVGraph* piece) const {
     RVCycleBreakingEdgeDetectionInternalData* data = pData();
     const RVEdgeDList edges(*piece->pEdgeList());
-    if (data->m_paths.get() == nullptr) data->m_paths = std::make_unique<rv::AcyclicPaths>(piece);
+    Paths paths(piece);
     Obstacles obstacles(piece, *data);
-    const auto isNeeded = [&](RVEdge* edge, RVNode* source, RVNode* target) {
+    const auto isNeeded = [&](const RVEdge* edge) {
         if (obstacles.forbid(edge)) return true;
-        if (!hasPath(source, target, L"error in new cycles test algorithm.\n")) return false;
-        obstacles.note(edge, *data->m_paths.get());
+        if (!canSearch(piece, L"error in new cycles test algorithm.\n")) return false;
+        paths.neighbours().hide(edge);
+        if (!paths.pathExists(edge->pSourceNode(), edge->pTargetNode())) return false;
+        obstacles.note(edge, paths);
         return true;
     };
     const RVEdge* last = nullptr;
@@ -381,10 +388,10 @@ void Algorithm::avoidExtraEdges(RVGraph* piece) const {
             if (data->reversed(edge) != 0) {
                 RVNode* source = edge->pSourceNode();
                 RVNode* target = edge->pTargetNode();
+                // Out of the graph and back, it comes to the end of its lists.
                 piece->removeEdge(edge);
-                const bool staysReversed = isNeeded(edge, source, target);
                 piece->insertEdge(edge, source, target);
-                if (!staysReversed) {
+                if (!isNeeded(edge)) {
                     if (debugMode() != 0) {
                         wprintf_s(L"pEdge %s, %s not necessary\n", source->pNameString(),
                                   target->pNameString());
@@ -392,6 +399,7 @@ void Algorithm::avoidExtraEdges(RVGraph* piece) const {
                     last = edge;
                     hasSwitched = true;
                     data->reversed(edge, 0);
+                    paths.neighbours().invert(edge);
                     edge->invertDirection();
                 }
             }
