@@ -1,11 +1,11 @@
 // Path tests in a graph that is acyclic and into which edges come one by one. Internal to the library.
 //
-// A path is searched from both ends at once, the side with less work first, so that a test ends when the
-// smaller of the two sets of nodes is exhausted. Nodes have levels: no edge leads to a lower level than it
-// comes from, so a search from one node to another does not look beyond their levels. Levels are a coarse
-// topological order, kept in the way of Bender, Fineman, Gilbert and Tarjan (2015): an edge that comes in
-// from a higher to a lower level lifts what its target reaches, or lowers what reaches its source, whichever
-// of the two a search has exhausted.
+// A path is searched from both ends at once, edge by edge in turn, so that a test ends when the side with
+// the fewer edges is exhausted. Nodes have levels: no edge leads to a lower level than it comes from, so a
+// search from one node to another does not look beyond their levels. Levels are a coarse topological order,
+// kept in the way of Bender, Fineman, Gilbert and Tarjan (2015): an edge that comes in from a higher to a
+// lower level lifts what its target reaches, or lowers what reaches its source, whichever of the two a search
+// has exhausted.
 //
 // O(n + m) time for a test, the levels allowing; O(n) space beside the neighbours.
 #pragma once
@@ -33,9 +33,8 @@ public:
         }
         for (std::size_t i = 0; i < order.size(); ++i) {
             state(order[i]).level = static_cast<int>(i);
-            m_neighbours.anyOut(order[i], [&](int target, RVEdge*) {
+            forEach(m_neighbours.out(order[i]), [&](int target) {
                 if (--inEdges[static_cast<std::size_t>(target)] == 0) order.push_back(target);
-                return false;
             });
         }
         if (order.size() == static_cast<std::size_t>(graph->numberOfNodes())) return;
@@ -43,6 +42,8 @@ public:
     }
 
     Neighbours& neighbours() { return m_neighbours; }
+    // An edge that tests do not see; none ends that.
+    void hide(const RVEdge* edge) { m_pHidden = edge; }
 
     // Whether there is a path between two nodes. When there is none, levels are changed so that an edge from
     // `to` to `from` may come in.
@@ -52,31 +53,25 @@ public:
         const int lowest = state(from).level;
         const int highest = state(to).level;
         if (lowest > highest) return false;
-        begin(m_forward, from);
-        begin(m_backward, to);
-        const auto reachForward = [&](int node, RVEdge* edge) {
-            return state(node).level <= highest && reach(m_forward, m_backward, node, edge);
-        };
-        const auto reachBackward = [&](int node, RVEdge* edge) {
-            return state(node).level >= lowest && reach(m_backward, m_forward, node, edge);
-        };
-        while (!m_forward.isExhausted() && !m_backward.isExhausted()) {
-            const int first = m_forward.nodes[m_forward.next];
-            const int last = m_backward.nodes[m_backward.next];
-            const std::int64_t forward = m_forward.work + m_neighbours.outDegree(first) + 1;
-            const std::int64_t backward = m_backward.work + m_neighbours.inDegree(last) + 1;
-            const bool goesForward = forward <= backward;
-            Side& side = goesForward ? m_forward : m_backward;
-            ++side.next;
-            side.work = goesForward ? forward : backward;
-            if (goesForward ? m_neighbours.anyOut(first, reachForward)
-                            : m_neighbours.anyIn(last, reachBackward))
-                return true;
+        begin(m_forward, from, m_neighbours.out(from->denseIndex()));
+        begin(m_backward, to, m_neighbours.in(to->denseIndex()));
+        for (bool forward = true;; forward = !forward) {
+            Side& side = forward ? m_forward : m_backward;
+            RVEdge* edge = nullptr;
+            int node = 0;
+            if (!side.edges.step(edge, node)) {
+                if (side.next == side.nodes.size()) {
+                    for (const int each : side.nodes) state(each).level = forward ? highest : lowest;
+                    return false;
+                }
+                node = side.nodes[side.next++];
+                side.edges = forward ? m_neighbours.out(node) : m_neighbours.in(node);
+                continue;
+            }
+            const int level = state(node).level;
+            if (edge == m_pHidden || level < lowest || level > highest) continue;
+            if (reach(side, forward ? m_backward : m_forward, node, edge)) return true;
         }
-        const bool lifts = m_forward.isExhausted();
-        for (const int node : (lifts ? m_forward : m_backward).nodes)
-            state(node).level = lifts ? highest : lowest;
-        return false;
     }
 
     // Calls f(edge) for every edge of the path that the last test found, in no particular order.
@@ -97,16 +92,14 @@ public:
         const int index = node->denseIndex();
         int& level = state(index).level;
         bool isSet = false;
-        m_neighbours.anyIn(index, [&](int source, RVEdge*) {
+        forEach(m_neighbours.in(index), [&](int source) {
             level = isSet ? std::max(level, state(source).level) : state(source).level;
             isSet = true;
-            return false;
         });
         if (isSet) return;
-        m_neighbours.anyOut(index, [&](int target, RVEdge*) {
+        forEach(m_neighbours.out(index), [&](int target) {
             level = isSet ? std::min(level, state(target).level) : state(target).level;
             isSet = true;
-            return false;
         });
     }
 
@@ -116,22 +109,29 @@ private:
         std::uint64_t mark = 0;        // of the side and the test that last reached the node
         RVEdge* pReachedBy = nullptr;  // then
     };
-    // The nodes reached from one end, in order, and what looking at them cost.
+    using Cursor = typename Neighbours::Cursor;
+    // The nodes reached from one end, in order, and the edges left of the one in hand.
     struct Side {
-        bool isExhausted() const { return next == nodes.size(); }
         std::vector<int> nodes;
-        std::size_t next = 0;
-        std::int64_t work = 0;
+        std::size_t next = 0;  // behind the one in hand
+        Cursor edges;
         std::uint64_t mark = 0;
     };
+
+    template <class F>
+    static void forEach(Cursor cursor, F f) {
+        RVEdge* edge = nullptr;
+        int node = 0;
+        while (cursor.step(edge, node)) f(node);
+    }
 
     State& state(int node) { return m_states[static_cast<std::size_t>(node)]; }
     State& state(const RVNode* node) { return state(node->denseIndex()); }
 
-    void begin(Side& side, const RVNode* node) {
+    void begin(Side& side, const RVNode* node, Cursor edges) {
         side.nodes.assign(1, node->denseIndex());
-        side.next = 0;
-        side.work = 0;
+        side.next = 1;
+        side.edges = edges;
         side.mark = ++m_lastMark;
         state(node).mark = side.mark;
         state(node).pReachedBy = nullptr;
@@ -154,6 +154,7 @@ private:
     Neighbours m_neighbours;
     std::vector<State> m_states;   // by dense index
     RVEdge* m_pMeeting = nullptr;  // between what the sides have reached
+    const RVEdge* m_pHidden = nullptr;
     std::uint64_t m_lastMark = 0;
     Side m_forward;
     Side m_backward;

@@ -9,6 +9,7 @@
 
 #include "rv/cycles/cycle_breaking_detail.h"
 #include "rv/cycles/topological_heuristic.h"
+#include "rv/foundation/graph_access.h"
 #include "rv/foundation/text_output.h"
 #include "rv/framework/sub_algorithm.h"
 #include "rv/traversal/strongly_connected_components.h"
@@ -56,7 +57,7 @@ RVCycleBreakingEdgeDetectionInternalData::RVCycleBreakingEdgeDetectionInternalDa
     : m_actionStack(std::make_unique<ActionStack>()) {}
 
 void RVCycleBreakingEdgeDetectionInternalData::pushAction(RVGraphReductionAction* action) {
-    m_actionStack.get()->prependObject(action);
+    if (action != nullptr) m_actionStack.get()->prependObject(action);
 }
 
 RVGraphReductionAction* RVCycleBreakingEdgeDetectionInternalData::popAction() {
@@ -196,8 +197,7 @@ RVGraph* RVCycleBreakingEdgeDetectionAlgorithm::constructPiece(EdgeLists& compon
 RVGraph* RVCycleBreakingEdgeDetectionAlgorithm::constructGraph(RVEdgeDList* edges) const {
     if (edges->length() == 0) return nullptr;
     RVCycleBreakingEdgeDetectionInternalData* data = pData();
-    RVAFactory* factory = edges->pFirstEdge()->pFactory();
-    std::unique_ptr<RVGraph> made(factory != nullptr ? factory->newGraph() : new RVGraph());
+    std::unique_ptr<RVGraph> made = rv::newGraphLike(edges->pFirstEdge()->pHomeGraph());
     data->pSecondaryGraphs()->appendGraph(made.get());
     RVGraph* piece = made.release();
     const auto copyOf = [&](RVNode* node) {
@@ -213,7 +213,7 @@ RVGraph* RVCycleBreakingEdgeDetectionAlgorithm::constructGraph(RVEdgeDList* edge
         RVNode* source = copyOf(edge->pSourceNode());
         RVEdge* copy = piece->addEdge(source, copyOf(edge->pTargetNode()), 0);
         data->pLocalOriginalEdge(copy, edge);
-        data->pLocalCopyEdge(edge, copy);
+        if (!data->m_isInnerRun) data->pLocalCopyEdge(edge, copy);
     }
     return piece;
 }
@@ -237,7 +237,9 @@ void RVCycleBreakingEdgeDetectionAlgorithm::transferOutputData(RVGraph* piece) {
 void RVCycleBreakingEdgeDetectionAlgorithm::discardPiece(RVGraph* piece) const {
     RVCycleBreakingEdgeDetectionInternalData* data = pData();
     for (RVNode* node : *piece->pNodeList()) data->pLocalCopyNode(data->pLocalOriginalNode(node), nullptr);
-    for (RVEdge* edge : *piece->pEdgeList()) data->pLocalCopyEdge(data->pLocalOriginalEdge(edge), nullptr);
+    for (RVEdge* edge : *piece->pEdgeList()) {
+        if (!data->m_isInnerRun) data->pLocalCopyEdge(data->pLocalOriginalEdge(edge), nullptr);
+    }
     delete data->pSecondaryGraphs()->searchAndRemoveObject(piece);
     delete piece;
 }
@@ -258,6 +260,7 @@ struct RVCycleBreakingEdgeDetectionAlgorithm::InnerRun {
         if (code != RV_NO_ERROR) return;
         algorithm.initialize();
         algorithm.parseInputData();
+        algorithm.pData()->m_isInnerRun = true;
         algorithm.findComponents(components);
     }
     InnerRun(const InnerRun&) = delete;

@@ -15,8 +15,9 @@
 //
 // Time and space: O(n + m log m) for quality 0. Reducing a component and undoing it is O(n + m) beside one
 // path test per pair of opposite edges, and at quality 2 one per backward edge and pass; a path test is
-// O(n + m) of its component, and as a rule far less. Components that reduce again and again are simplified in
-// up to n rounds of O(n + m) time and space each. No recursion.
+// O(n + m) of its component, and as a rule far less. Components that fall apart and reduce again and again
+// are simplified in up to n/2 rounds inside one another, each of O(n + m) time, and space until it ends. No
+// recursion.
 //
 //   RVCycleBreakingEdgeDetectionAlgorithm detection;
 //   RVCycleBreakingEdgeDetectionInputData input(graph);
@@ -169,7 +170,8 @@ public:
     int quality(int value) { return m_quality = value; }
 
     // The reductions of the piece in hand that have not been undone. The stack owns its actions and passes
-    // them on with popAction; none on an empty stack. A copy of the data has an empty stack.
+    // them on with popAction; none on an empty stack. Pushing none does nothing. A copy of the data has an
+    // empty stack.
     void pushAction(RVGraphReductionAction* action);
     RVGraphReductionAction* popAction();
     RVGraphReductionAction* topAction() const;
@@ -218,6 +220,8 @@ private:
     rv::Owned<RVEdgeDList> m_outputEdges;
     int m_reduced = 0;
     int m_quality = 1;
+    // A run inside another one, whose data nobody else sees, spares the records of the working graph's edges.
+    bool m_isInnerRun = false;
     rv::Uncopied<std::unique_ptr<ActionStack>> m_actionStack;
     // Of the piece in hand, while it is reduced and while reductions are undone.
     rv::Uncopied<std::unique_ptr<rv::ReductionState>> m_reduction;

@@ -72,27 +72,21 @@ void Algorithm::initializeCandidateLists(RVGraph* piece, RVEdgeDList* multiEdges
     state.oppositeCells.begin(oppositeEdges, piece->edgeIndexLimit());
     state.degreeTwoCells.begin(degreeTwoNodes, piece->nodeIndexLimit());
 
+    // Edges are touched in groups.
     for (RVEdge* edge : *piece->pEdgeList()) {
-        const rv::EdgeIndex::Group& group = *edges.find(edge);
-        if (!group.hasParallels() || data->touched(edge) != 0) continue;
-        for (RVEdge* other = group.first; other != nullptr; other = edges.next(other)) {
-            if (other != edge) data->touched(other, 1);
-        }
+        rv::EdgeIndex::Group& group = *edges.find(edge);
+        if (!group.hasParallels() || group.isTouched) continue;
+        group.isTouched = true;
         multiEdges->appendEdge(edge);
     }
-    for (RVEdge* edge : *piece->pEdgeList()) {
-        if (data->touched(edge) != 0) data->touched(edge, 0);
-    }
+    for (RVEdge* edge : *multiEdges) edges.find(edge)->isTouched = false;
 
     for (RVEdge* edge : *piece->pEdgeList()) {
-        if (data->touched(edge) != 0) continue;
         rv::EdgeIndex::Group* opposite = edges.find(edge->pTargetNode(), edge->pSourceNode());
-        if (opposite == nullptr) continue;
-        for (RVEdge* other = opposite->isMarked ? nullptr : opposite->first; other != nullptr;
-             other = edges.next(other)) {
-            data->touched(other, 1);
-        }
-        opposite->isMarked = true;
+        if (opposite == nullptr || edges.find(edge)->isTouched) continue;
+        RVEdge* other = opposite->isTouched ? nullptr : opposite->first;
+        for (; other != nullptr; other = edges.next(other)) data->touched(other, 1);
+        opposite->isTouched = true;
         state.oppositeCells.note(edge->denseIndex(), oppositeEdges->appendEdge(edge));
     }
 
@@ -187,7 +181,8 @@ void Algorithm::performMultiEdgeReduction(RVEdge* edge) const {
     edges.add(merged);
     data->weight(merged, weight);
     action->pNewEdge(merged);
-    data->pushAction(action.release());
+    data->pushAction(action.get());
+    static_cast<void>(action.release());
 }
 
 void Algorithm::performOppositeEdgeReduction(RVEdge* edge) const {
@@ -213,7 +208,8 @@ void Algorithm::performOppositeEdgeReduction(RVEdge* edge) const {
         data->weight(remainder, surplus < 0 ? -surplus : surplus);
         edges.add(remainder);
     }
-    data->pushAction(action.release());
+    data->pushAction(action.get());
+    static_cast<void>(action.release());
 }
 
 void Algorithm::performDegreeTwoNodeReduction(RVNode* node) const {
@@ -238,7 +234,8 @@ void Algorithm::performDegreeTwoNodeReduction(RVNode* node) const {
     edges.add(bridge);
     data->weight(bridge, weight);
     action->pNewEdge(bridge);
-    data->pushAction(action.release());
+    data->pushAction(action.get());
+    static_cast<void>(action.release());
 }
 
 // Undoing
@@ -375,7 +372,7 @@ void Algorithm::avoidExtraEdges(RVGraph* piece) const {
     const auto isNeeded = [&](const RVEdge* edge) {
         if (obstacles.forbid(edge)) return true;
         if (!canSearch(piece, L"error in new cycles test algorithm.\n")) return false;
-        paths.neighbours().hide(edge);
+        paths.hide(edge);
         if (!paths.pathExists(edge->pSourceNode(), edge->pTargetNode())) return false;
         obstacles.note(edge, paths);
         return true;

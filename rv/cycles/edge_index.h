@@ -17,7 +17,7 @@ public:
         std::uint64_t ends = 0;
         RVEdge* first = nullptr;
         RVEdge* last = nullptr;
-        bool isMarked = false;  // for the user
+        bool isTouched = false;  // for the user
 
         bool hasParallels() const { return first != last; }
     };

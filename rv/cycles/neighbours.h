@@ -1,8 +1,8 @@
 // The neighbours of the nodes of a graph, as path tests ask for them: nodes by dense index. Internal to the
 // library.
 //
-// anyOut(node, f) and anyIn(node, f) call f(neighbour, edge) for the edges from or to a node until it gives
-// true, and say whether it did.
+// out(node) and in(node) give cursors over the edges from and to a node; step(edge, node) gives the next edge
+// and the node at its other end, and false when there is none.
 #pragma once
 
 #include <cstddef>
@@ -23,22 +23,24 @@ public:
     // A node has come in.
     void noteNode(const RVNode* node) { m_nodes[static_cast<std::size_t>(node->denseIndex())] = node; }
 
-    int outDegree(int node) const { return at(node)->outDegree(); }
-    int inDegree(int node) const { return at(node)->inDegree(); }
-    template <class F>
-    bool anyOut(int node, F f) const {
-        for (RVEdge* edge : *at(node)->pOutEdgeList()) {
-            if (f(edge->pTargetNode()->denseIndex(), edge)) return true;
+    class Cursor {
+    public:
+        Cursor() = default;
+        Cursor(const RVEdgeDList* edges, bool isOut) : m_pCell(edges->pFirstCell()), m_isOut(isOut) {}
+        bool step(RVEdge*& edge, int& node) {
+            if (m_pCell == nullptr) return false;
+            edge = static_cast<RVEdge*>(m_pCell->pObject());
+            node = (m_isOut ? edge->pTargetNode() : edge->pSourceNode())->denseIndex();
+            m_pCell = m_pCell->pNextCell();
+            return true;
         }
-        return false;
-    }
-    template <class F>
-    bool anyIn(int node, F f) const {
-        for (RVEdge* edge : *at(node)->pInEdgeList()) {
-            if (f(edge->pSourceNode()->denseIndex(), edge)) return true;
-        }
-        return false;
-    }
+
+    private:
+        const RVDListCell* m_pCell = nullptr;
+        bool m_isOut = true;
+    };
+    Cursor out(int node) const { return {at(node)->pOutEdgeList(), true}; }
+    Cursor in(int node) const { return {at(node)->pInEdgeList(), false}; }
 
 private:
     const RVNode* at(int node) const { return m_nodes[static_cast<std::size_t>(node)]; }
@@ -70,8 +72,6 @@ public:
         }
     }
 
-    // An edge that is not there; none ends that.
-    void hide(const RVEdge* edge) { m_hidden = edge; }
     // To be told before the edge is inverted.
     void invert(const RVEdge* edge) {
         Places& own = places(edge);
@@ -80,22 +80,33 @@ public:
         std::swap(own.source, own.target);
     }
 
-    int outDegree(int node) const { return static_cast<int>(at(node).firstIn - at(node).begin); }
-    int inDegree(int node) const { return static_cast<int>(at(node).end - at(node).firstIn); }
-    template <class F>
-    bool anyOut(int node, F f) const {
-        return any(at(node).begin, at(node).firstIn, f);
-    }
-    template <class F>
-    bool anyIn(int node, F f) const {
-        return any(at(node).firstIn, at(node).end, f);
-    }
-
 private:
     struct Entry {
         RVEdge* edge;
         int other;
     };
+
+public:
+    class Cursor {
+    public:
+        Cursor() = default;
+        Cursor(const Entry* begin, const Entry* end) : m_pEntry(begin), m_pEnd(end) {}
+        bool step(RVEdge*& edge, int& node) {
+            if (m_pEntry == m_pEnd) return false;
+            edge = m_pEntry->edge;
+            node = m_pEntry->other;
+            ++m_pEntry;
+            return true;
+        }
+
+    private:
+        const Entry* m_pEntry = nullptr;
+        const Entry* m_pEnd = nullptr;
+    };
+    Cursor out(int node) const { return {place(at(node).begin), place(at(node).firstIn)}; }
+    Cursor in(int node) const { return {place(at(node).firstIn), place(at(node).end)}; }
+
+private:
     // Of a node's entries: the out-edges, then the in-edges.
     struct Range {
         std::size_t begin = 0;
@@ -108,6 +119,7 @@ private:
         std::size_t target = 0;
     };
 
+    const Entry* place(std::size_t i) const { return m_entries.data() + i; }
     const Range& at(int node) const { return m_ranges[static_cast<std::size_t>(node)]; }
     Range& rangeOf(const RVNode* node) { return m_ranges[static_cast<std::size_t>(node->denseIndex())]; }
     Places& places(const RVEdge* edge) { return m_places[static_cast<std::size_t>(edge->denseIndex())]; }
@@ -117,18 +129,9 @@ private:
         std::swap(m_entries[place], m_entries[other]);
         place = other;
     }
-    template <class F>
-    bool any(std::size_t begin, std::size_t end, F f) const {
-        for (std::size_t i = begin; i < end; ++i) {
-            if (m_entries[i].edge != m_hidden && f(m_entries[i].other, m_entries[i].edge)) return true;
-        }
-        return false;
-    }
-
     std::vector<Entry> m_entries;
     std::vector<Range> m_ranges;   // by dense index
     std::vector<Places> m_places;  // by dense index
-    const RVEdge* m_hidden = nullptr;
 };
 
 }  // namespace rv

@@ -1,6 +1,7 @@
 #include "rv/flow/disjoint_paths.h"
 
 #include "rv/flow/maximum_flow.h"
+#include "rv/foundation/graph_access.h"
 #include "rv/framework/check_input.h"
 #include "rv/framework/input_fields.h"
 #include "rv/framework/sub_algorithm.h"
@@ -85,8 +86,7 @@ void RVDisjointPathsAlgorithm::cleanup() {
 RVGraph* RVDisjointPathsAlgorithm::buildAuxiliaryGraph() {
     RVDisjointPathsInternalData* data = pData();
     std::vector<RVEdge*>& edges = m_run.get()->edges;
-    RVAFactory* factory = pAssociatedGraph()->pFactory();
-    std::unique_ptr<RVGraph> made(factory != nullptr ? factory->newGraph() : new RVGraph());
+    std::unique_ptr<RVGraph> made = rv::newGraphLike(pAssociatedGraph());
     data->pSecondaryGraphs()->appendGraph(made.get());
     RVGraph* graph = made.release();
     const auto addEdge = [&](RVNode* from, RVNode* to, RVEdge* edge) {

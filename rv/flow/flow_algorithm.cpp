@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "rv/foundation/arithmetic.h"
+#include "rv/foundation/graph_access.h"
 #include "rv/foundation/graph_iterators.h"
 #include "rv/framework/base_graph_algorithm.h"
 #include "rv/framework/sub_algorithm.h"
@@ -162,8 +163,7 @@ void RVFlowAlgorithm::noteFailedSearch(RVServiceErrorCodeEnum code) {
 
 void RVFlowAlgorithm::createGraphCopyForFlowAlgorithm() {
     RVFlowInternalData* data = pFlowInternalData();
-    RVAFactory* factory = pAssociatedGraph()->pFactory();
-    std::unique_ptr<RVGraph> made(factory != nullptr ? factory->newGraph() : new RVGraph());
+    std::unique_ptr<RVGraph> made = rv::newGraphLike(pAssociatedGraph());
     data->pSecondaryGraphs()->appendGraph(made.get());
     RVGraph* graph = made.release();
     data->m_pCopyGraph = graph;

@@ -4,6 +4,8 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
+#include <utility>
 #include <vector>
 
 #include "rv/foundation/graph.h"
@@ -56,5 +58,13 @@ private:
     template <class Member, class List>
     static RVDListCell* restoreOrder(List& list, GraphOrders::Order<Member>& order) noexcept;
 };
+
+// A new empty graph of the same kind: of the graph's factory, or a plain one where that is missing or makes
+// none.
+inline std::unique_ptr<RVGraph> newGraphLike(const RVGraph* graph) {
+    RVAFactory* factory = graph->pFactory();
+    std::unique_ptr<RVGraph> made(factory != nullptr ? factory->newGraph() : nullptr);
+    return made != nullptr ? std::move(made) : std::make_unique<RVGraph>();
+}
 
 }  // namespace rv

@@ -1,6 +1,6 @@
 #include "rv/framework/algorithm.h"
 
-#include "rv/foundation/graph.h"
+#include "rv/foundation/graph_access.h"
 
 RV_OBJECT_IMPL(RVAlgorithm)
 RV_OBJECT_IMPL(RVInternalAlgorithm)
@@ -88,8 +88,7 @@ void RVInternalAlgorithm::cleanup() {
 void RVInternalAlgorithm::createGraphCopy() {
     RVGraph* original = pInternalData()->pInputGraph();
     if (original == nullptr) return;
-    RVAFactory* factory = original->pFactory();
-    std::unique_ptr<RVGraph> copy(factory != nullptr ? factory->newGraph() : new RVGraph());
+    std::unique_ptr<RVGraph> copy = rv::newGraphLike(original);
     pInternalData()->copyGraph(original, copy.get());
     pInternalData()->pAssociatedGraph(copy.release());
 }

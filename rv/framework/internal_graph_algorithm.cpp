@@ -350,8 +350,10 @@ void RVInternalGraphAlgorithm::preprocessReflexiveEdges(RVGraph* graph) {
         RVEdge* edge = it.pEdge();
         it++;
         if (edge->pSourceNode() != edge->pTargetNode()) continue;
+        RVEdgeDList* loops = pAnalysisInternalData()->pReflexiveEdgeList(edge->pSourceNode());
+        if (loops == nullptr) continue;  // a node without a record keeps its loops
         noteOrders();
-        pAnalysisInternalData()->pReflexiveEdgeList(edge->pSourceNode())->appendEdge(edge);
+        loops->appendEdge(edge);
         graph->removeEdge(edge);
     }
 }
@@ -378,8 +380,9 @@ void RVInternalGraphAlgorithm::preprocessMultiEdges(RVGraph* graph) {
         if (record == nullptr || !record->hasMultiEdges()) {
             // An edge without parallels needs no list of its own, unless the hook fills one.
             actOnRemoveMultiEdges(representative, &none);
-            if (none.length() != 0) {
-                data->pMultiEdgeList(representative)->copyAppendList(&none);
+            RVEdgeDList* list = none.length() == 0 ? nullptr : data->pMultiEdgeList(representative);
+            if (list != nullptr) {
+                list->copyAppendList(&none);
                 none.deleteAllCells();
             }
         } else {
@@ -402,8 +405,10 @@ RVEdge* RVInternalGraphAlgorithm::pRepresentativeEdge(RVEdge* edge, int directed
     if (representative == nullptr) return nullptr;
     for (RVEdge* parallel : parallelEdges(edge, directed)) {
         if (parallel == representative) continue;
+        RVEdgeDList* list = data->pMultiEdgeList(representative);
+        if (list == nullptr) break;  // an edge without a record keeps its parallels
         data->removedAsMultiEdge(parallel, 1);
-        data->pMultiEdgeList(representative)->appendEdge(parallel);
+        list->appendEdge(parallel);
     }
     return representative;
 }

@@ -371,8 +371,7 @@ RVServiceErrorCodeEnum RVSortedPathsAlgorithm::algorithmBody() {
     if (code != RV_NO_ERROR || run.distances[placeOf(run.start)] >= rv::kInfinite) return code;
     run.pathExists = true;
     calculateDeltaValues();
-    RVAFactory* factory = graph->pFactory();
-    run.pathGraph.reset(factory != nullptr ? factory->newGraph() : new RVGraph());
+    run.pathGraph = rv::newGraphLike(graph);
     buildOutHeaps();
     buildSidetrackHeaps();
     buildPathGraph();
