@@ -12,6 +12,8 @@
 // Potentials are distances in real costs, and are kept in 64 bits. A reduced cost past the 32-bit range is
 // given to the search as infinite, which it is for it; each is formed anew from the real cost, so none stays
 // wrong.
+//
+// Where no subclass can see it, the same is done in arrays (see cost_network.h).
 
 #include "rv/flow/minimum_cost_flow.h"
 
@@ -19,6 +21,7 @@
 #include <memory>
 #include <typeinfo>
 
+#include "rv/flow/cost_network.h"
 #include "rv/foundation/arithmetic.h"
 #include "rv/framework/check_input.h"
 #include "rv/framework/input_fields.h"
@@ -122,81 +125,9 @@ RVEdgeAlgorithmExtension* RVMinimumCostFlowInternalData::newEdgeAlgorithmExtensi
     return newRecord<RVEdgeExtensionMinimumCostFlowInternal>(edge);
 }
 
-// The search of the simple case
-
-namespace {
-
-// The distances of a search beside its path.
-class FlowSearchOutput : public RVDijkstraOutputData {
-public:
-    std::vector<int> distances;  // by dense index
-};
-
-// A Dijkstra traversal of the flow graph, for an algorithm without hooks of a caller's, that finds the same
-// paths and distances as any, without records and without touching the graph: of parallel edges the cheapest,
-// and the first of those, is the one that lowers the distance last; nodes of equal distance are settled in
-// the order in which they came to it.
-class FlowSearch : public RVDijkstraAlgorithm {
-public:
-    RVServiceErrorCodeEnum run() override { return internalRun(); }
-    RVServiceErrorCodeEnum internalRun() override {
-        auto* output = static_cast<FlowSearchOutput*>(pOutputData());
-        const auto* input = RVShortestPathsInputData::castDown(pInputData());
-        const RVGraph* graph = input->pAssociatedGraph();
-        const RVNode* start = input->pStartNode();
-        const RVNode* finish = input->pFinishNode();
-        std::vector<int>& distances = output->distances;
-        distances.assign(static_cast<std::size_t>(graph->nodeIndexLimit()), rv::kInfinite);
-        m_lastEdges.assign(distances.size(), nullptr);
-        std::uint32_t number = 0;
-        m_candidates.push_back({0, number++, start});
-        distances[placeOf(start)] = 0;
-        while (!m_candidates.empty()) {
-            const Candidate nearest = m_candidates.front();
-            std::pop_heap(m_candidates.begin(), m_candidates.end());
-            m_candidates.pop_back();
-            if (nearest.distance != distances[placeOf(nearest.node)]) continue;  // it has come nearer since
-            for (RVEdge* edge : *nearest.node->pOutEdgeList()) {
-                const RVNode* target = edge->pTargetNode();
-                const int distance = rv::saturatingSum(nearest.distance, input->cost(edge));
-                if (distance >= distances[placeOf(target)]) continue;
-                distances[placeOf(target)] = distance;
-                m_lastEdges[placeOf(target)] = edge;
-                m_candidates.push_back({distance, number++, target});
-                std::push_heap(m_candidates.begin(), m_candidates.end());
-            }
-        }
-        const int cost = distances[placeOf(finish)];
-        output->totalCost(cost);
-        output->pathExists(cost != rv::kInfinite ? 1 : 0);
-        if (cost == rv::kInfinite) return RV_NO_ERROR;
-        for (const RVNode* node = finish; node != start;) {
-            RVEdge* edge = m_lastEdges[placeOf(node)];
-            output->pEdgeList()->prependEdge(edge);
-            node = edge->pSourceNode();
-        }
-        return RV_NO_ERROR;
-    }
-
-private:
-    struct Candidate {
-        int distance;
-        std::uint32_t number;  // in the order of coming
-        const RVNode* node;
-        // A heap has its greatest on top.
-        bool operator<(const Candidate& other) const {
-            return distance != other.distance ? distance > other.distance : number > other.number;
-        }
-    };
-    static std::size_t placeOf(const RVNode* node) { return static_cast<std::size_t>(node->denseIndex()); }
-
-    std::vector<RVEdge*> m_lastEdges;
-    std::vector<Candidate> m_candidates;
-};
-
-}  // namespace
-
 // RVMinimumCostFlowAlgorithm
+
+RVMinimumCostFlowAlgorithm::RVMinimumCostFlowAlgorithm() = default;
 
 RVServiceErrorCodeEnum RVMinimumCostFlowAlgorithm::checkData() {
     RVServiceErrorCodeEnum code = checkInputGraph();
@@ -217,7 +148,6 @@ RVServiceErrorCodeEnum RVMinimumCostFlowAlgorithm::checkData() {
 RVAlgorithmData* RVMinimumCostFlowAlgorithm::newInternalData() { return new RVMinimumCostFlowInternalData(); }
 
 void RVMinimumCostFlowAlgorithm::initialize() {
-    RVFlowAlgorithm::initialize();
     const auto* input = RVMinimumCostFlowInputData::castDown(pInputData());
     const RVGraph* graph = input->pAssociatedGraph();
     const auto isNegative = [&](auto* member) { return input->cost(member) < 0; };
@@ -226,10 +156,39 @@ void RVMinimumCostFlowAlgorithm::initialize() {
     bool hasNegativeCost = false;
     for (RVEdge* edge : edges) hasNegativeCost = hasNegativeCost || isNegative(edge);
     for (RVNode* node : nodes) hasNegativeCost = hasNegativeCost || isNegative(node);
+    if (!hasNegativeCost && canUseNetwork()) m_network = std::make_unique<rv::CostNetwork>(*input);
+    RVFlowAlgorithm::initialize();
     if (hasNegativeCost) pMinimumCostFlowInternalData()->simpleCase(0);
 }
 
+void RVMinimumCostFlowAlgorithm::cleanup() {
+    m_network = nullptr;
+    RVFlowAlgorithm::cleanup();
+}
+
+// The flow core would fail on graphs without a factory.
+bool RVMinimumCostFlowAlgorithm::canUseNetwork() const {
+    if (typeid(*this) != typeid(RVMinimumCostFlowAlgorithm)) return false;
+    const std::unique_ptr<RVGraph> made(pInputData()->pAssociatedGraph()->pFactory()->newGraph());
+    return made != nullptr && made->pFactory() != nullptr;
+}
+
+// Steps that a network does without
+
+void RVMinimumCostFlowAlgorithm::createGraphCopy() {
+    if (!hasNetwork()) RVFlowAlgorithm::createGraphCopy();
+}
+
+void RVMinimumCostFlowAlgorithm::preprocess() {
+    if (!hasNetwork()) RVFlowAlgorithm::preprocess();
+}
+
+void RVMinimumCostFlowAlgorithm::postprocess() {
+    if (!hasNetwork()) RVFlowAlgorithm::postprocess();
+}
+
 void RVMinimumCostFlowAlgorithm::parseInputData() {
+    if (hasNetwork()) return;
     const auto* input = RVMinimumCostFlowInputData::castDown(pInputData());
     RVMinimumCostFlowInternalData* data = pMinimumCostFlowInternalData();
     data->pSourceNode(data->pCopyNode(input->pSourceNode()));
@@ -248,6 +207,19 @@ void RVMinimumCostFlowAlgorithm::parseInputData() {
         data->capacity(end, rv::kInfinite);
         data->cost(end, 0);
     }
+}
+
+RVServiceErrorCodeEnum RVMinimumCostFlowAlgorithm::algorithmBody() {
+    if (!hasNetwork()) return RVFlowAlgorithm::algorithmBody();
+    rv::CostNetwork& network = *m_network.get();
+    RVMinimumCostFlowInternalData* data = pMinimumCostFlowInternalData();
+    while (finished() == 0 && network.findPath()) {
+        const int amount = withinDesiredFlow(network.pathCapacity());
+        data->addFlow(amount);
+        data->addCost(network.pathCost(), amount);
+        network.push(amount);
+    }
+    return RV_NO_ERROR;
 }
 
 int RVMinimumCostFlowAlgorithm::desiredFlow() const {
@@ -273,14 +245,9 @@ void RVMinimumCostFlowAlgorithm::pFinishNode(RVAnalysisInputData* input, RVNode*
     RVShortestPathsInputData::castDown(input)->pFinishNode(node);
 }
 
-bool RVMinimumCostFlowAlgorithm::hasOwnHooksOnly() const {
-    return typeid(*this) == typeid(RVMinimumCostFlowAlgorithm);
-}
-
 RVAlgorithm* RVMinimumCostFlowAlgorithm::newPathExistsTestAlgorithm() const {
     if (pMinimumCostFlowInternalData()->simpleCase() == 0) return new RVShortestPathsAlgorithm();
-    std::unique_ptr<RVDijkstraAlgorithm> search(hasOwnHooksOnly() ? new FlowSearch()
-                                                                  : new RVDijkstraAlgorithm());
+    auto search = std::make_unique<RVDijkstraAlgorithm>();
     search->useOriginalGraph(1);
     search->storeDistances(1);
     return search.release();
@@ -292,7 +259,7 @@ RVAlgorithmInputData* RVMinimumCostFlowAlgorithm::newPathExistsTestInputData() c
 
 RVAlgorithmOutputData* RVMinimumCostFlowAlgorithm::newPathExistsTestOutputData() const {
     if (pMinimumCostFlowInternalData()->simpleCase() == 0) return new RVShortestPathsOutputData();
-    return hasOwnHooksOnly() ? new FlowSearchOutput() : new RVDijkstraOutputData();
+    return new RVDijkstraOutputData();
 }
 
 int RVMinimumCostFlowAlgorithm::hasToBeSplit(RVNode* node) {
@@ -330,10 +297,13 @@ int RVMinimumCostFlowAlgorithm::finished() const {
 }
 
 int RVMinimumCostFlowAlgorithm::flowValue(RVAnalysisOutputData* output) const {
-    const int most = RVFlowAlgorithm::flowValue(output);
-    if (desiredFlow() < 1) return most;
+    return withinDesiredFlow(RVFlowAlgorithm::flowValue(output));
+}
+
+int RVMinimumCostFlowAlgorithm::withinDesiredFlow(int amount) const {
+    if (desiredFlow() < 1) return amount;
     const std::int64_t missing = desiredFlow() - pMinimumCostFlowInternalData()->exactTotalFlow();
-    return static_cast<int>(std::min<std::int64_t>(most, missing));
+    return static_cast<int>(std::min<std::int64_t>(amount, missing));
 }
 
 // Edges that leave the graph keep their real costs as costs of the search, as those do that come into it.
@@ -354,7 +324,7 @@ void RVMinimumCostFlowAlgorithm::updateGraphData(RVAnalysisInputData* input, RVA
     }
     data->addCost(pathCost, amount);
     RVFlowAlgorithm::updateGraphData(input, output, amount);
-    raisePotentials(*output);
+    raisePotentials(*static_cast<const RVDijkstraOutputData*>(answer));
     for (RVEdge* edge : *data->pCopyGraph()->pEdgeList()) {
         const std::int64_t reduced = data->potential(edge->pSourceNode()) + data->realCost(edge) -
                                      data->potential(edge->pTargetNode());
@@ -362,20 +332,14 @@ void RVMinimumCostFlowAlgorithm::updateGraphData(RVAnalysisInputData* input, RVA
     }
 }
 
-void RVMinimumCostFlowAlgorithm::raisePotentials(const RVAnalysisOutputData& output) {
+void RVMinimumCostFlowAlgorithm::raisePotentials(const RVDijkstraOutputData& output) {
     RVMinimumCostFlowInternalData* data = pMinimumCostFlowInternalData();
-    const auto* answer = static_cast<const RVDijkstraOutputData*>(&output);
-    const auto* flat = dynamic_cast<const FlowSearchOutput*>(answer);
     const RVNodeDList& nodes = *data->pCopyGraph()->pNodeList();
-    const auto distance = [&](RVNode* node) {
-        return flat != nullptr ? flat->distances[static_cast<std::size_t>(node->denseIndex())]
-                               : answer->dist(node);
-    };
     int greatest = 0;
     for (RVNode* node : nodes) {
-        if (distance(node) != rv::kInfinite) greatest = std::max(greatest, distance(node));
+        if (output.dist(node) != rv::kInfinite) greatest = std::max(greatest, output.dist(node));
     }
-    for (RVNode* node : nodes) data->raisePotential(node, std::clamp(distance(node), 0, greatest));
+    for (RVNode* node : nodes) data->raisePotential(node, std::clamp(output.dist(node), 0, greatest));
 }
 
 // The flow of each caller's edge
@@ -400,9 +364,13 @@ void RVMinimumCostFlowAlgorithm::generateOutputData() {
     output->pAssociatedGraph(data->pInputGraph());
     output->totalCost(data->totalCost());
     output->totalFlow(data->totalFlow());
-    for (RVEdge* edge : *pAssociatedGraph()->pEdgeList()) {
-        RVEdge* original = data->pOriginalEdge(edge);
-        if (original != edge && data->flow(edge) != 0) output->flow(original, data->flow(edge));
+    if (hasNetwork()) {
+        m_network.get()->describe(*output);
+    } else {
+        for (RVEdge* edge : *pAssociatedGraph()->pEdgeList()) {
+            RVEdge* original = data->pOriginalEdge(edge);
+            if (original != edge && data->flow(edge) != 0) output->flow(original, data->flow(edge));
+        }
     }
     const auto* input = RVMinimumCostFlowInputData::castDown(pInputData());
     if (input->pSourceNode() == input->pSinkNode()) fillSelfLoops(*output);

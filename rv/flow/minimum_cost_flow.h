@@ -23,7 +23,9 @@
 // RV_NEGATIVE_CAPACITY of any edge or node; RV_NEGATIVE_CYCLE when such a cycle costs less than 0,
 // RV_ALGORITHM_FAILURE when a part fails, and the framework's. Less flow than desired is no failure.
 // Method: successive shortest paths (Jewell 1958, Edmonds and Karp 1972). O(paths (n + m) log n) time without
-// negative costs, with them paths times what the service takes; O(n + m) space beside that.
+// negative costs, with them paths times what the service takes; O(n + m) space beside that. Without negative
+// costs an object of a subclass finds the same paths by the hooks of the flow core, which takes several times
+// as long.
 //
 //   RVMinimumCostFlowAlgorithm flow;
 //   RVMinimumCostFlowInputData input(graph);
@@ -37,8 +39,16 @@
 //   if (flow.run() == RV_NO_ERROR) use(output.totalFlow(), output.totalCost(), output.flow(edge));
 #pragma once
 
+#include <memory>
+
 #include "rv/flow/flow_algorithm.h"
 #include "rv/flow/maximum_flow.h"
+
+class RVDijkstraOutputData;
+
+namespace rv {
+class CostNetwork;
+}
 
 // Per edge of the input.
 class RV_EXPORT RVEdgeExtensionMinimumCostFlowInput : public RVEdgeExtensionFlowInput {
@@ -191,13 +201,18 @@ class RV_EXPORT RVMinimumCostFlowAlgorithm : public RVFlowAlgorithm {
     RV_OBJECT(RVMinimumCostFlowAlgorithm)
 
 public:
-    RVMinimumCostFlowAlgorithm() = default;
+    RVMinimumCostFlowAlgorithm();
     RVServiceErrorCodeEnum checkData() override;
 
 protected:
     void initialize() override;
+    RVServiceErrorCodeEnum algorithmBody() override;
     void generateOutputData() override;
+    void cleanup() override;
     void parseInputData() override;
+    void preprocess() override;
+    void postprocess() override;
+    void createGraphCopy() override;
     RVAlgorithmData* newInternalData() override;
     // Gives the caller's edge the flow of the path that stood for it, and destroys that path.
     void actOnInsertMultiEdge(RVEdge* edge) override;
@@ -221,9 +236,14 @@ protected:
     }
 
 private:
-    // Whether no subclass may have hooks that look into the searches.
-    bool hasOwnHooksOnly() const;
+    // Whether no subclass can see how the flow is found.
+    bool canUseNetwork() const;
+    bool hasNetwork() const { return m_network.get() != nullptr; }
     int desiredFlow() const;
-    void raisePotentials(const RVAnalysisOutputData& output);
+    int withinDesiredFlow(int amount) const;
+    void raisePotentials(const RVDijkstraOutputData& output);
     void fillSelfLoops(RVMinimumCostFlowOutputData& output) const;
+
+    // Of the present run: what stands for working copy and flow graph where it can, and no cost is negative.
+    rv::Uncopied<std::unique_ptr<rv::CostNetwork>> m_network;
 };

@@ -214,6 +214,51 @@ TEST(MinimumCostFlow, LeavesNoNegativeCycle) {
     EXPECT_GT(negative, 50);
 }
 
+// The class itself works in arrays, a subclass by the hooks of the flow core: by the same paths.
+class SubclassedFlow : public RVMinimumCostFlowAlgorithm {};
+
+TEST(MinimumCostFlow, FindsTheSamePathsWhoeverLooksIn) {
+    MinimumCostFlow plain;
+    rvtest::Runner<SubclassedFlow, RVMinimumCostFlowInputData, RVMinimumCostFlowOutputData> hooked;
+    RVMinimumCostFlowInputData& input = plain.input;
+    hooked.algorithm.pInputData(&input);
+    int flows = 0;
+    for (unsigned seed = 0; seed < 400; ++seed) {
+        const bool isLarge = seed % 25 == 0;
+        const MarkedGraph g(
+            randomText(seed, {.nodes = isLarge ? 50 : 9, .edges = isLarge ? 250 : 40, .loops = !isLarge}),
+            seed);
+        SCOPED_TRACE(std::to_string(seed) + ": " + orders(g));
+        std::mt19937 random(seed);
+        const auto below = [&](int limit) {
+            return static_cast<int>(random() % static_cast<unsigned>(limit));
+        };
+        const int most = seed % 2 == 0 ? 4 : 100;
+        const auto cost = [&] { return below(30) == 0 ? kInfinite - below(2) : below(most); };
+        for (RVNode* node : *g->pNodeList()) {
+            input.capacity(node, below(3) == 0 ? below(6) : kInfinite);
+            input.cost(node, below(3) == 0 ? cost() : 0);
+        }
+        for (RVEdge* edge : *g->pEdgeList()) {
+            input.capacity(edge, below(20) == 0 ? kInfinite : below(6));
+            input.cost(edge, cost());
+        }
+        input.pSourceNode(g->pFirstNode());
+        for (RVNode* sink : *g->pNodeList()) {
+            input.pSinkNode(sink);
+            input.desiredFlow(seed % 3 == 0 ? 1 + below(9) : 0);
+            ASSERT_EQ(plain(g), 0);
+            ASSERT_EQ(hooked(), 0);
+            EXPECT_EQ(plain.output.totalFlow(), hooked.output.totalFlow());
+            EXPECT_EQ(plain.output.totalCost(), hooked.output.totalCost());
+            for (RVEdge* edge : *g->pEdgeList())
+                EXPECT_EQ(plain.output.flow(edge), hooked.output.flow(edge)) << text(edge);
+            flows += plain.output.totalFlow() > 2 ? 1 : 0;
+        }
+    }
+    EXPECT_GT(flows, 500);
+}
+
 TEST(MinimumCostFlow, ChecksItsDataInOrder) {
     const TestGraph g("a->b:-1 c:-1");
     const TestGraph other("x");
