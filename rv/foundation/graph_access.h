@@ -5,7 +5,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
-#include <utility>
 #include <vector>
 
 #include "rv/foundation/graph.h"
@@ -63,8 +62,8 @@ private:
 // none.
 inline std::unique_ptr<RVGraph> newGraphLike(const RVGraph* graph) {
     RVAFactory* factory = graph->pFactory();
-    std::unique_ptr<RVGraph> made(factory != nullptr ? factory->newGraph() : nullptr);
-    return made != nullptr ? std::move(made) : std::make_unique<RVGraph>();
+    RVGraph* made = factory != nullptr ? factory->newGraph() : nullptr;
+    return std::unique_ptr<RVGraph>(made != nullptr ? made : new RVGraph());
 }
 
 }  // namespace rv

@@ -449,8 +449,6 @@ void buildAndDestroyLargeGraphs() {
     EXPECT_EQ(chain->numberOfEdges(), kSize - 1);
 }
 
-TEST(Graph, LargeGraphsNeedLittleStack) {
-    rvtest::withSmallStack(buildAndDestroyLargeGraphs);
-}
+TEST(Graph, LargeGraphsNeedLittleStack) { rvtest::withSmallStack(buildAndDestroyLargeGraphs); }
 
 }  // namespace
