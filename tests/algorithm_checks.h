@@ -68,6 +68,7 @@ using DisjointPaths = Runner<RVDisjointPathsAlgorithm, RVDisjointPathsInputData,
 using SpanningTree =
     Runner<RVMinimumSpanningTreeAlgorithm, RVMinimumSpanningTreeInputData, RVMinimumSpanningTreeOutputData>;
 using Reachable = Runner<RVReachableNodesAlgorithm, RVReachableNodesInputData, RVReachableNodesOutputData>;
+using RootCauses = Runner<RVRootCauseAlgorithm, RVRootCauseInputData, RVRootCauseOutputData>;
 
 // Disposes of its path graphs, which otherwise are the caller's.
 struct OwnPathGraph : RVSortedPathsOutputData {
@@ -83,10 +84,11 @@ struct OwnPathGraph : RVSortedPathsOutputData {
 using SortedPathsOnce = Runner<RVSortedPathsAlgorithm, RVSortedPathsInputData, OwnPathGraph>;
 
 // A new algorithm goes here.
-using Algorithms = testing::Types<TopologicalSort, BreadthFirst, DepthFirst, Connected, Blocks, Strong,
-                                  PathTest, AcyclicTest, TreeTest, Dijkstra, AcyclicPaths, AllPairs,
-                                  ShortestPaths, UniquePath, SingleSource, SortedPathsOnce, MaximumFlow,
-                                  MinimumCostFlow, MinimumCut, DisjointPaths, SpanningTree, Reachable>;
+using Algorithms =
+    testing::Types<TopologicalSort, BreadthFirst, DepthFirst, Connected, Blocks, Strong, PathTest,
+                   AcyclicTest, TreeTest, Dijkstra, AcyclicPaths, AllPairs, ShortestPaths, UniquePath,
+                   SingleSource, SortedPathsOnce, MaximumFlow, MinimumCostFlow, MinimumCut, DisjointPaths,
+                   SpanningTree, Reachable, RootCauses>;
 
 struct AlgorithmNames {
     template <class R>

@@ -39,18 +39,19 @@ using CopyableClasses = testing::Types<
     RVUniquePathTestAlgorithm, RVSingleSourceShortestPathsInputData, RVSingleSourceShortestPathsOutputData,
     RVSingleSourceShortestPathsBinTree, RVSingleSourceShortestPathsAlgorithm, RVSortedPathsInputData,
     RVSortedPathsOutputData, RVSortedPathsAlgorithm, RVSortedPathsEnumerator, RVReachableNodesInputData,
-    RVReachableNodesOutputData, RVReachableNodesBinTree, RVEdgeExtensionFlowInput, RVEdgeExtensionFlowOutput,
-    RVNetworkInputData, RVMaximumFlowInputData, RVMaximumFlowOutputData, RVEdgeExtensionMinimumCutInput,
-    RVMinimumCutInputData, RVNodeExtensionMinimumCutInternal, RVMinimumCutInternalData,
-    RVMinimumCutOutputData, RVMinimumCutAlgorithm, RVDisjointPathsInputData, RVDisjointPathsOutputData,
-    RVNodeExtensionDisjointPaths, RVDisjointPathsInternalData, RVDisjointPathsAlgorithm,
-    RVEdgeExtensionMinimumSpanningTreeInput, RVEdgeExtensionMinimumSpanningTreeOutput,
-    RVNodeExtensionMinimumSpanningTreeInternal, RVEdgeExtensionMinimumSpanningTreeInternal,
-    RVMinimumSpanningTreeInputData, RVMinimumSpanningTreeOutputData, RVMinimumSpanningTreeBinTree,
-    RVMinimumSpanningTreeInternalData, RVMinimumSpanningTreeAlgorithm, RVNodeExtensionFlowInternal,
-    RVEdgeExtensionFlowInternal, RVFlowInternalData, RVEdgeExtensionMinimumCostFlowInput,
-    RVMinimumCostFlowInputData, RVMinimumCostFlowOutputData, RVNodeExtensionMinimumCostFlow,
-    RVEdgeExtensionMinimumCostFlowInternal, RVMinimumCostFlowInternalData, RVMinimumCostFlowAlgorithm>;
+    RVReachableNodesOutputData, RVReachableNodesBinTree, RVRootCauseInputData, RVRootCauseOutputData,
+    RVRootCauseAlgorithm, RVEdgeExtensionFlowInput, RVEdgeExtensionFlowOutput, RVNetworkInputData,
+    RVMaximumFlowInputData, RVMaximumFlowOutputData, RVEdgeExtensionMinimumCutInput, RVMinimumCutInputData,
+    RVNodeExtensionMinimumCutInternal, RVMinimumCutInternalData, RVMinimumCutOutputData,
+    RVMinimumCutAlgorithm, RVDisjointPathsInputData, RVDisjointPathsOutputData, RVNodeExtensionDisjointPaths,
+    RVDisjointPathsInternalData, RVDisjointPathsAlgorithm, RVEdgeExtensionMinimumSpanningTreeInput,
+    RVEdgeExtensionMinimumSpanningTreeOutput, RVNodeExtensionMinimumSpanningTreeInternal,
+    RVEdgeExtensionMinimumSpanningTreeInternal, RVMinimumSpanningTreeInputData,
+    RVMinimumSpanningTreeOutputData, RVMinimumSpanningTreeBinTree, RVMinimumSpanningTreeInternalData,
+    RVMinimumSpanningTreeAlgorithm, RVNodeExtensionFlowInternal, RVEdgeExtensionFlowInternal,
+    RVFlowInternalData, RVEdgeExtensionMinimumCostFlowInput, RVMinimumCostFlowInputData,
+    RVMinimumCostFlowOutputData, RVNodeExtensionMinimumCostFlow, RVEdgeExtensionMinimumCostFlowInternal,
+    RVMinimumCostFlowInternalData, RVMinimumCostFlowAlgorithm>;
 
 using AbstractClasses = testing::Types<RVAlgorithm, RVInternalAlgorithm, RVBaseGraphAlgorithm,
                                        RVInternalGraphAlgorithm, RVAlgorithmOutputData, RVAnalysisOutputData>;
@@ -65,8 +66,8 @@ using InputClasses = testing::Types<
     RVAcyclicTestInputData, RVTreeTestInputData, RVPathCostInputData, RVShortestPathsInputData,
     RVShortestPathsAcyclicInputData, RVAllPairsShortestPathsInputData, RVUniquePathTestInputData,
     RVSingleSourceShortestPathsInputData, RVSortedPathsInputData, RVReachableNodesInputData,
-    RVNetworkInputData, RVMaximumFlowInputData, RVMinimumCutInputData, RVDisjointPathsInputData,
-    RVMinimumSpanningTreeInputData, RVMinimumCostFlowInputData>;
+    RVRootCauseInputData, RVNetworkInputData, RVMaximumFlowInputData, RVMinimumCutInputData,
+    RVDisjointPathsInputData, RVMinimumSpanningTreeInputData, RVMinimumCostFlowInputData>;
 
 struct ClassNames {
     template <class C>
