@@ -1,12 +1,14 @@
-// The effects are taken in groups of 64, a bit for each: within a range by one backward search per effect,
-// otherwise by spreading the bits of a group backward together. What the nodes explain of a group is noted
-// for those nodes only that may still become causes when all that is left is added.
+// The effects are taken in groups of 64, a bit for each. Within a range a backward search per effect marks
+// the nodes; otherwise the bits of a group are gathered over the strong components of the graph. What the
+// nodes explain of a group is noted for those only that may still become causes if they explain all that is
+// left.
 
 #include "rv/rootcause/root_cause_analysis.h"
 
 #include <algorithm>
 #include <bit>
 #include <cstdint>
+#include <span>
 #include <utility>
 #include <vector>
 
@@ -118,13 +120,10 @@ public:
 
     const std::vector<RVNode*>& nodes() const { return m_nodes; }
     Word word(const RVNode* node) const { return m_words[placeOf(node)]; }
-    // Gives the bits that the node did not have.
-    Word add(RVNode* node, Word bits) {
+    void add(RVNode* node, Word bits) {
         Word& word = m_words[placeOf(node)];
-        const Word added = bits & ~word;
-        if (word == 0 && added != 0) m_nodes.push_back(node);
-        word |= added;
-        return added;
+        if (word == 0 && bits != 0) m_nodes.push_back(node);
+        word |= bits;
     }
     void clear() {
         for (const RVNode* node : m_nodes) m_words[placeOf(node)] = 0;
@@ -136,52 +135,136 @@ private:
     std::vector<RVNode*> m_nodes;  // that have a bit
 };
 
-// Spreads marks backward in rounds. In each, every node passes on what came to it in the round before; as a
-// bit comes to a node once, an edge is followed once per bit at most.
-class Spread {
+// The strong components of the graph, and which of them lead to which. A component is numbered behind all
+// that it leads to, so what its nodes explain is known when it has been gathered from those, in order of the
+// numbers.
+//
+// Path-based (Gabow 2000). Invariant: the unfinished nodes are those discovered and without a component, in
+// the order of discovery, and the numbers of the roots are those at which the components among them may
+// begin.
+class Condensation {
 public:
-    Spread(Marks& marks, const RVGraph* graph, const RVRootCauseInputData& input)
-        : m_marks(marks),
-          m_isUndirected(input.undirected() != 0),
-          m_news(static_cast<std::size_t>(graph->nodeIndexLimit())),
-          m_undirectedEdges(static_cast<std::size_t>(graph->edgeIndexLimit())) {
-        for (RVEdge* edge : *graph->pEdgeList()) {
-            if (input.undirected(edge) != 0) m_hasUndirectedEdges = m_undirectedEdges[placeOf(edge)] = true;
-        }
-    }
+    Condensation(const RVGraph* graph, const RVRootCauseInputData& input);
 
-    void add(RVNode* node, Word bits) {
-        const Word added = m_marks.add(node, bits);
-        if (added == 0) return;
-        Word& news = m_news[placeOf(node)];
-        if (news == 0) m_next.push_back(node);
-        news |= added;
-    }
-    void run() {
-        while (!m_next.empty()) {
-            m_now.swap(m_next);
-            m_next.clear();
-            for (RVNode* node : m_now) passOn(node, std::exchange(m_news[placeOf(node)], 0));
-        }
-    }
+    // Marks every node with the effects that it reaches. Effects that are not in the graph have no component.
+    void mark(Marks& marks, const RVGraph* graph, std::span<RVNode* const> effects);
 
 private:
-    void passOn(RVNode* node, Word bits) {
-        for (const RVEdge* edge : *node->pInEdgeList()) add(edge->pSourceNode(), bits);
-        if (!m_isUndirected && !m_hasUndirectedEdges) return;
-        for (const RVEdge* edge : *node->pOutEdgeList()) {
-            if (m_isUndirected || m_undirectedEdges[placeOf(edge)]) add(edge->pTargetNode(), bits);
-        }
-    }
+    struct Visit {
+        RVNode* node;
+        RVDListCell* next;  // in the out-edges, then in the in-edges
+        bool isBackward;
+    };
 
-    Marks& m_marks;
+    void discover(RVNode* node);
+    void closeComponent(RVNode* root);
+    RVNode* pNextNeighbour(Visit& visit) const;
+
     bool m_isUndirected;
     bool m_hasUndirectedEdges = false;
-    std::vector<Word> m_news;  // bits to be passed on, by dense index
     std::vector<bool> m_undirectedEdges;
-    std::vector<RVNode*> m_now;
-    std::vector<RVNode*> m_next;  // with news
+
+    // Of the search. By dense index; 0 is the number of a node to be discovered.
+    std::vector<int> m_numbers;
+    std::vector<Visit> m_visits;
+    std::vector<RVNode*> m_unfinished;
+    std::vector<int> m_roots;
+    int m_discovered = 0;
+
+    static constexpr std::size_t kNone = static_cast<std::size_t>(-1);
+    std::vector<std::size_t> m_components;  // of the nodes, by dense index
+    std::vector<RVNode*> m_nodes;           // component by component
+    std::vector<std::size_t> m_targets;  // the components to which the first one leads, the second one, ...
+    std::vector<std::size_t> m_nodesEnds;
+    std::vector<std::size_t> m_targetsEnds;
+    std::vector<std::size_t> m_lastSources;  // the last component that was found to lead to this one
+    std::vector<Word> m_words;               // of the components
 };
+
+Condensation::Condensation(const RVGraph* graph, const RVRootCauseInputData& input)
+    : m_isUndirected(input.undirected() != 0),
+      m_undirectedEdges(static_cast<std::size_t>(graph->edgeIndexLimit())),
+      m_numbers(static_cast<std::size_t>(graph->nodeIndexLimit())),
+      m_components(m_numbers.size(), kNone) {
+    for (RVEdge* edge : *graph->pEdgeList()) {
+        if (input.undirected(edge) != 0) m_hasUndirectedEdges = m_undirectedEdges[placeOf(edge)] = true;
+    }
+    for (RVNode* start : *graph->pNodeList()) {
+        if (m_numbers[placeOf(start)] == 0) discover(start);
+        while (!m_visits.empty()) {
+            if (RVNode* const other = pNextNeighbour(m_visits.back())) {
+                if (m_numbers[placeOf(other)] == 0) {
+                    discover(other);
+                } else if (m_components[placeOf(other)] == kNone) {
+                    while (m_roots.back() > m_numbers[placeOf(other)]) m_roots.pop_back();
+                }
+                continue;
+            }
+            RVNode* const node = m_visits.back().node;
+            m_visits.pop_back();
+            if (m_roots.back() == m_numbers[placeOf(node)]) closeComponent(node);
+        }
+    }
+    m_words.resize(m_nodesEnds.size());
+}
+
+void Condensation::discover(RVNode* node) {
+    m_numbers[placeOf(node)] = ++m_discovered;
+    m_roots.push_back(m_discovered);
+    m_unfinished.push_back(node);
+    m_visits.push_back({node, node->pOutEdgeList()->pFirstCell(), false});
+}
+
+void Condensation::closeComponent(RVNode* root) {
+    const std::size_t component = m_nodesEnds.size();
+    const std::size_t first = m_nodes.size();
+    m_roots.pop_back();
+    RVNode* node = nullptr;
+    while (node != root) {
+        node = m_unfinished.back();
+        m_unfinished.pop_back();
+        m_components[placeOf(node)] = component;
+        m_nodes.push_back(node);
+    }
+    m_nodesEnds.push_back(m_nodes.size());
+    m_lastSources.push_back(component);
+    for (std::size_t i = first; i < m_nodes.size(); ++i) {
+        Visit visit{m_nodes[i], m_nodes[i]->pOutEdgeList()->pFirstCell(), false};
+        while (const RVNode* target = pNextNeighbour(visit)) {
+            const std::size_t other = m_components[placeOf(target)];
+            if (std::exchange(m_lastSources[other], component) != component) m_targets.push_back(other);
+        }
+    }
+    m_targetsEnds.push_back(m_targets.size());
+}
+
+RVNode* Condensation::pNextNeighbour(Visit& visit) const {
+    for (;;) {
+        while (visit.next != nullptr) {
+            const auto* edge = static_cast<const RVEdge*>(visit.next->pObject());
+            visit.next = visit.next->pNextCell();
+            if (!visit.isBackward) return edge->pTargetNode();
+            if (m_isUndirected || m_undirectedEdges[placeOf(edge)]) return edge->pSourceNode();
+        }
+        if (visit.isBackward || (!m_isUndirected && !m_hasUndirectedEdges)) return nullptr;
+        visit.isBackward = true;
+        visit.next = visit.node->pInEdgeList()->pFirstCell();
+    }
+}
+
+void Condensation::mark(Marks& marks, const RVGraph* graph, std::span<RVNode* const> effects) {
+    std::fill(m_words.begin(), m_words.end(), Word{0});
+    for (std::size_t i = 0; i < effects.size(); ++i) {
+        if (isInGraph(effects[i], graph)) m_words[m_components[placeOf(effects[i])]] |= bitOf(i);
+    }
+    std::size_t node = 0;
+    std::size_t target = 0;
+    for (std::size_t component = 0; component < m_words.size(); ++component) {
+        Word& word = m_words[component];
+        for (; target < m_targetsEnds[component]; ++target) word |= m_words[m_targets[target]];
+        for (; node < m_nodesEnds[component]; ++node) marks.add(m_nodes[node], word);
+    }
+}
 
 // Smallest explained weight first.
 class RVRootCauseNodeListSort : public RVDListSort {
@@ -301,12 +384,9 @@ RVServiceErrorCodeEnum RVRootCauseAlgorithm::algorithmBody() {
 void RVRootCauseAlgorithm::searchTogether(RVGraph* graph, const RVRootCauseInputData& input) {
     Run& run = *m_run.get();
     Marks marks(graph);
-    Spread spread(marks, graph, input);
+    Condensation condensation(graph, input);
     for (std::size_t first = 0; first < run.effects.size(); first += kGroup) {
-        for (std::size_t i = first; i < run.endOfGroup(first); ++i) {
-            if (isInGraph(run.effects[i], graph)) spread.add(run.effects[i], bitOf(i - first));
-        }
-        spread.run();
+        condensation.mark(marks, graph, std::span(run.effects).subspan(first, run.endOfGroup(first) - first));
         run.addShares(marks, first);
         marks.clear();
     }

@@ -18,9 +18,10 @@
 // empty list, RV_EFFECT_NODE_NOT_IN_GRAPH, RV_INVALID_RANGE for a range below 0 that is not -1,
 // RV_INVALID_THRESHOLD for one outside 0 to 1 or not a number, RV_NEGATIVE_WEIGHT of an effect,
 // RV_NEGATIVE_COST of any node or edge of the graph, whatever the range, and the framework's.
-// Method: with a range one backward search for each of k effects (see reachable_nodes.h), O((n + m) log n) of
-// what it reaches; without one 64 effects spread backward together, at worst O(k (n + m)). O(n + m) before.
-// Space O(n + m) and, for each node and 64 effects of which it explains some, 16 bytes.
+// Method: with a range one backward search for each of k effects (see reachable_nodes.h), O((n + m) log n) at
+// worst and otherwise what it reaches; without one the strong components (Gabow 2000), and one pass over them
+// for every 64 effects, O((n + m) k / 64). Beside that O(n + m), and the size of the answer. Space O(n + m),
+// the answer, and 16 bytes for each node and 64 effects of which it explains some.
 //
 //   RVRootCauseAlgorithm analysis;
 //   RVRootCauseInputData input(graph);
