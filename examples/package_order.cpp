@@ -1,17 +1,17 @@
 // Prints the packages of a Debian machine or archive in an order in which they can be installed: every
 // package after all that it needs. Or says that there is no such order, and which packages need one another.
 
-#include <cerrno>
-#include <cstdio>
-#include <cstring>
 #include <optional>
 #include <string>
-#include <string_view>
 
+#include "arguments.h"
 #include "package_graph.h"
 #include "package_source.h"
+#include "run_algorithm.h"
 #include "rv/analysis.h"
 #include "text_io.h"
+
+const char* const kProgram = "package_order";
 
 namespace {
 
@@ -40,7 +40,7 @@ between them.
 Exit status: 0 success, 1 failure, such as no usable input, 2 wrong usage, 3 no order because of cycles.
 )";
 
-enum ExitStatus { kSuccess = 0, kFailure = 1, kWrongUsage = 2, kCycles = 3 };
+constexpr int kCycles = 3;
 
 struct Options {
     std::string file = "-";
@@ -49,50 +49,36 @@ struct Options {
     bool help = false;
 };
 
-int fail(ExitStatus status, const std::string& message) {
-    std::fprintf(stderr, "package_order: %s\n", message.c_str());
-    return status;
-}
-
 // Gives the error, empty without one.
-std::string readOptions(int argc, char** argv, Options& options) {
+std::string readOptions(Arguments arguments, Options& options) {
     bool hasFile = false;
-    bool onlyFiles = false;
-    for (int i = 1; i < argc; ++i) {
-        const std::string argument = argv[i];
-        if (onlyFiles || argument == "-" || !argument.starts_with('-')) {
-            if (hasFile) return "more than one file: " + argument;
+    while (arguments.next()) {
+        std::string error;
+        if (arguments.isOperand()) {
+            if (hasFile) return "more than one file: " + arguments.text();
             hasFile = true;
-            options.file = argument;
-        } else if (argument == "--") {
-            onlyFiles = true;
-        } else if (argument == "--help") {
+            options.file = arguments.text();
+        } else if (arguments.is("--help")) {
             options.help = true;
-        } else if (argument == "--pre-depends") {
+        } else if (arguments.is("--pre-depends")) {
             options.kind = DependencyKind::PreDepends;
-        } else if (argument.starts_with("--closure=")) {
-            options.closure = argument.substr(std::strlen("--closure="));
-        } else if (argument == "--closure") {
-            if (++i == argc) return "--closure needs the name of a package";
-            options.closure = argv[i];
+        } else if (arguments.isValued("--closure")) {
+            error = arguments.readText("the name of a package", options.closure);
         } else {
-            return "unknown option " + argument;
+            error = "unknown option " + arguments.text();
         }
+        if (!error.empty()) return error;
     }
     return {};
 }
-
-int failToWrite() { return fail(kFailure, std::string("cannot write: ") + std::strerror(errno)); }
 
 // The strongly connected components of more than one package, with the dependencies inside each.
 int printCycles(const PackageGraph& packages) {
     RVStronglyConnectedComponentsInputData input(packages.pGraph());
     RVStronglyConnectedComponentsOutputData output;
     RVStronglyConnectedComponentsAlgorithm components;
-    components.pInputData(&input);
-    components.pOutputData(&output);
-    const RVServiceErrorCodeEnum code = components.run();
-    if (code != RV_NO_ERROR) return fail(kFailure, "the components failed with code " + std::to_string(code));
+    const RVServiceErrorCodeEnum code = runAlgorithm(components, input, output);
+    if (code != RV_NO_ERROR) return failWithCode("the components", code);
 
     std::string text;
     int count = 0;
@@ -109,7 +95,7 @@ int printCycles(const PackageGraph& packages) {
             text.append(packages.name(edge->pSourceNode())).append(1, '\n');
         }
     }
-    if (!writeText(text)) return failToWrite();
+    if (const int status = print(text); status != kSuccess) return status;
     return fail(kCycles, "no installation order: the dependencies have cycles, in sets of packages: " +
                              std::to_string(count));
 }
@@ -118,32 +104,27 @@ int printOrder(const PackageGraph& packages) {
     RVTopologicalSortInputData input(packages.pGraph());
     RVTopologicalSortOutputData output;
     RVTopologicalSortAlgorithm sort;
-    sort.pInputData(&input);
-    sort.pOutputData(&output);
-    const RVServiceErrorCodeEnum code = sort.run();
-    if (code != RV_NO_ERROR) return fail(kFailure, "the sort failed with code " + std::to_string(code));
+    const RVServiceErrorCodeEnum code = runAlgorithm(sort, input, output);
+    if (code != RV_NO_ERROR) return failWithCode("the sort", code);
     if (output.acyclic() == 0) return printCycles(packages);
 
     std::string text;
     for (const RVNode* node : *output.pNodeList()) text.append(packages.name(node)).append(1, '\n');
-    return writeText(text) ? kSuccess : failToWrite();
+    return print(text);
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
     Options options;
-    if (const std::string error = readOptions(argc, argv, options); !error.empty()) {
+    if (const std::string error = readOptions(Arguments(argc, argv), options); !error.empty()) {
         return fail(kWrongUsage, error + "; see --help");
     }
-    if (options.help) {
-        std::fputs(kHelp, stdout);
-        return kSuccess;
-    }
+    if (options.help) return print(kHelp);
 
     const std::string name = options.file == "-" ? "standard input" : options.file;
     std::optional<std::string> text = readText(options.file);
-    if (!text) return fail(kFailure, "cannot read " + name + ": " + std::strerror(errno));
+    if (!text) return failToRead(name);
     const PackageSource source(name, std::move(*text));
     if (source.packages().empty()) return fail(kFailure, "no packages in " + name);
 
@@ -153,8 +134,8 @@ int main(int argc, char** argv) {
         if (package == nullptr) return fail(kFailure, "no package " + *options.closure + " in " + name);
         packages.keepClosure(package);
     }
-    std::fprintf(stderr, "package_order: packages: %d, dependencies: %d, unmet: %d\n",
-                 packages.pGraph()->numberOfNodes(), packages.pGraph()->numberOfEdges(),
-                 packages.numberOfUnmet());
+    report("packages: " + std::to_string(packages.pGraph()->numberOfNodes()) +
+           ", dependencies: " + std::to_string(packages.pGraph()->numberOfEdges()) +
+           ", unmet: " + std::to_string(packages.numberOfUnmet()));
     return printOrder(packages);
 }
