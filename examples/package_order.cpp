@@ -34,19 +34,19 @@ line with the names of each such set, and a line for each dependency inside.
 
   --pre-depends   consider Pre-Depends only
   --closure NAME  only the package NAME and what it needs, directly or not
-  --quality Q     break cycles: first prints a line `break: A needs B` for each of a few dependencies without
-                  which there is an order, and then that order. The fewer dependencies, the higher Q:
-                    0  fast; may even break a dependency that is on no cycle
-                    1  each set of packages that need one another by itself
-                    2  and tries to do without breaking each dependency found
-  --dot OUT       instead writes a picture for Graphviz (dot -Tsvg) to OUT, or to standard output for `-`: the
+  --quality Q     break cycles: first print a line `break: A needs B` for each of a few dependencies without
+                  which there is an order, and then that order. As a rule a higher Q breaks fewer of them:
+                    0  goes once over all packages; may even break a dependency that is on no cycle
+                    1  looks at each set of packages that need one another by itself
+                    2  does so too, and keeps each dependency that would not close a cycle after all
+  --dot OUT       instead write a picture for Graphviz (dot -Tsvg) to OUT, or to standard output for `-`: the
                   packages that need one another, an arrow from each to those that need it, and in red the
                   dependencies that are broken at --quality, or at 1 without it
-  --broken NAMES  instead prints which packages explain best why those of NAMES, with commas between them, are
-                  broken: a package explains itself and what needs it, directly or not. Prints how many
-                  of NAMES each explains, its name, and which, with tabs between; those that explain most first
+  --broken NAMES  instead print which packages explain best why those of NAMES, with commas between them, are
+                  broken: a package explains itself and what needs it, directly or not. A line for
+                  each says how many it explains, its name, and which, with tabs between; the most first
   --threshold T   with --broken: the part of NAMES that must be explained, from 0 to 1; else 1, which is all
-  --range R       with --broken: the most dependencies from a package to one that it explains; else any number
+  --range R       with --broken: the most steps from a package to one that it explains; else any number
   --help          this text
 
 FILE is what one of these commands prints; which one is found out by itself:
