@@ -1,19 +1,18 @@
 // Prints how much can flow through a network and by which arcs, at the least cost if flow costs something; or
 // what would have to be cut to stop it, or paths that share no arc.
 
-#include <cerrno>
-#include <cstdint>
-#include <cstdio>
-#include <cstring>
 #include <limits>
 #include <optional>
 #include <string>
-#include <string_view>
 #include <vector>
 
+#include "arguments.h"
 #include "flow_problem.h"
+#include "run_algorithm.h"
 #include "rv/analysis.h"
 #include "text_io.h"
+
+const char* const kProgram = "flow";
 
 namespace {
 
@@ -59,7 +58,8 @@ Exit status: 0 success, 1 failure, such as no usable input or an unsupported pro
 than the supply can flow, and what can is printed, 4 no least cost because of a cycle of negative cost.
 )";
 
-enum ExitStatus { kSuccess = 0, kFailure = 1, kWrongUsage = 2, kTooLittle = 3, kNegativeCycle = 4 };
+constexpr int kTooLittle = 3;
+constexpr int kNegativeCycle = 4;
 
 struct Options {
     std::string file = "-";
@@ -69,54 +69,30 @@ struct Options {
     bool help = false;
 };
 
-int fail(ExitStatus status, const std::string& message) {
-    std::fprintf(stderr, "flow: %s\n", message.c_str());
-    return status;
-}
-
-int failWithCode(const char* what, RVServiceErrorCodeEnum code) {
-    return fail(kFailure, std::string(what) + " failed with code " + std::to_string(code));
-}
-
-int print(const std::string& text) {
-    return writeText(text) ? kSuccess : fail(kFailure, std::string("cannot write: ") + std::strerror(errno));
-}
-
 // Gives the error, empty without one.
-std::string readOptions(int argc, char** argv, Options& options) {
+std::string readOptions(Arguments arguments, Options& options) {
     bool hasFile = false;
-    bool onlyFiles = false;
-    for (int i = 1; i < argc; ++i) {
-        const std::string argument = argv[i];
-        if (onlyFiles || argument == "-" || !argument.starts_with('-')) {
-            if (hasFile) return "more than one file: " + argument;
-            options.file = argument;
+    while (arguments.next()) {
+        if (arguments.isOperand()) {
+            if (hasFile) return "more than one file: " + arguments.text();
+            options.file = arguments.text();
             hasFile = true;
-        } else if (argument == "--") {
-            onlyFiles = true;
-        } else if (argument == "--help") {
+        } else if (arguments.is("--help")) {
             options.help = true;
-        } else if (argument == "--cut") {
+        } else if (arguments.is("--cut")) {
             options.cut = true;
-        } else if (argument == "--paths") {
+        } else if (arguments.is("--paths")) {
             options.paths = true;
-        } else if (argument == "--node-disjoint") {
+        } else if (arguments.is("--node-disjoint")) {
             options.nodeDisjoint = true;
         } else {
-            return "unknown option " + argument;
+            return "unknown option " + arguments.text();
         }
     }
     if (options.help) return {};
     if (options.nodeDisjoint && !options.paths) return "--node-disjoint needs --paths";
     if (options.cut && options.paths) return "--cut and --paths exclude one another";
     return {};
-}
-
-template <class Input, class Output>
-RVServiceErrorCodeEnum run(RVAlgorithm& algorithm, Input& input, Output& output) {
-    algorithm.pInputData(&input);
-    algorithm.pOutputData(&output);
-    return algorithm.run();
 }
 
 // Parts of what is printed
@@ -155,7 +131,7 @@ int printMaximumFlow(FlowProblem& problem) {
     RVMaximumFlowOutputData output;
     RVMaximumFlowAlgorithm search;
     input.copyData(&problem.question());
-    const RVServiceErrorCodeEnum code = run(search, input, output);
+    const RVServiceErrorCodeEnum code = runAlgorithm(search, input, output);
     if (code != RV_NO_ERROR) return failWithCode("the search", code);
     std::string text = "value: " + sumText(output.totalFlow()) + "\n";
     appendFlows(problem, output, text);
@@ -169,7 +145,7 @@ int printCut(const FlowProblem& problem) {
     input.pSourceNode(problem.question().pSourceNode());
     input.pSinkNode(problem.question().pSinkNode());
     for (RVEdge* edge : *problem.pGraph()->pEdgeList()) input.cost(edge, problem.question().capacity(edge));
-    const RVServiceErrorCodeEnum code = run(search, input, output);
+    const RVServiceErrorCodeEnum code = runAlgorithm(search, input, output);
     if (code != RV_NO_ERROR) return failWithCode("the search", code);
     std::string text = "cost: " + sumText(output.totalCost()) + "\n";
     for (RVEdge* edge : *output.pEdgeList()) {
@@ -192,7 +168,7 @@ int printPaths(const FlowProblem& problem, bool nodeDisjoint) {
     input.pStartNode(problem.question().pSourceNode());
     input.pFinishNode(problem.question().pSinkNode());
     input.nodeDisjointPaths(nodeDisjoint ? 1 : 0);
-    const RVServiceErrorCodeEnum code = run(search, input, output);
+    const RVServiceErrorCodeEnum code = runAlgorithm(search, input, output);
     if (code != RV_NO_ERROR) return failWithCode("the search", code);
     std::string text = "paths: " + std::to_string(output.numberOfDisjointPaths()) + "\n";
     for (RVDListIter path(output.pPathList()); path; path++) {
@@ -208,7 +184,7 @@ int printPaths(const FlowProblem& problem, bool nodeDisjoint) {
 int printMinimumCostFlow(FlowProblem& problem) {
     RVMinimumCostFlowOutputData output;
     RVMinimumCostFlowAlgorithm search;
-    const RVServiceErrorCodeEnum code = run(search, problem.question(), output);
+    const RVServiceErrorCodeEnum code = runAlgorithm(search, problem.question(), output);
     if (code == RV_NEGATIVE_CYCLE) {
         return fail(kNegativeCycle, "no least cost: the network holds a cycle of negative cost");
     }
@@ -227,14 +203,14 @@ int printMinimumCostFlow(FlowProblem& problem) {
 
 int main(int argc, char** argv) {
     Options options;
-    if (const std::string error = readOptions(argc, argv, options); !error.empty()) {
+    if (const std::string error = readOptions(Arguments(argc, argv), options); !error.empty()) {
         return fail(kWrongUsage, error + "; see --help");
     }
     if (options.help) return print(kHelp);
 
     const std::string name = options.file == "-" ? "standard input" : options.file;
     const std::optional<std::string> text = readText(options.file);
-    if (!text) return fail(kFailure, "cannot read " + name + ": " + std::strerror(errno));
+    if (!text) return failToRead(name);
     FlowProblem problem(name, *text);
     if (const std::string obstacle = problem.obstacle(); !obstacle.empty()) return fail(kFailure, obstacle);
 

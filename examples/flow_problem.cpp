@@ -2,8 +2,9 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <cstdio>
 #include <utility>
+
+#include "text_io.h"
 
 FlowProblem::FlowProblem(std::string textName, std::string_view text)
     : m_textName(std::move(textName)), m_graph(m_factory.newGraph()), m_question(m_graph.get()) {
@@ -20,9 +21,7 @@ FlowProblem::FlowProblem(std::string textName, std::string_view text)
     if (m_kind == MinimumCost) m_question.desiredFlow(m_supply);
 }
 
-void FlowProblem::report(const std::string& message) const {
-    std::fprintf(stderr, "flow: %s:%s\n", m_textName.c_str(), message.c_str());
-}
+void FlowProblem::report(const std::string& message) const { ::report(m_textName + ":" + message); }
 
 std::string FlowProblem::obstacle() const {
     if (m_kind == None) return "no line p max or p min in " + m_textName;

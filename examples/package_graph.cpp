@@ -65,10 +65,14 @@ void PackageGraph::keepClosure(RVNode* package) {
     for (const RVNode* node : kept) {
         for (const RVEdge* edge : *node->pInEdgeList()) keep(edge->pSourceNode());
     }
+    const auto isGone = [&](const auto& entry) {
+        return !isKept[static_cast<std::size_t>(entry.second->denseIndex())];
+    };
+    std::erase_if(m_nodes, isGone);
+    std::erase_if(m_providers, isGone);
     for (RVNodeIter iter(m_graph.get()); iter;) {
         RVNode* node = iter.pNode();
         iter++;
-        if (isKept[static_cast<std::size_t>(node->denseIndex())]) continue;
-        m_graph->discardNode(node);
+        if (!isKept[static_cast<std::size_t>(node->denseIndex())]) m_graph->discardNode(node);
     }
 }

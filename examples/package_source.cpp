@@ -1,8 +1,9 @@
 #include "package_source.h"
 
 #include <algorithm>
-#include <cstdio>
 #include <utility>
+
+#include "text_io.h"
 
 namespace {
 
@@ -247,5 +248,5 @@ void PackageSource::readStanzas() {
 }
 
 void PackageSource::reportMalformed(int line, const char* what) const {
-    std::fprintf(stderr, "package_order: %s:%d: %s; skipped\n", m_textName.c_str(), line, what);
+    report(m_textName + ":" + std::to_string(line) + ": " + what + "; skipped");
 }

@@ -1,22 +1,21 @@
 // Prints the cheapest path between two places of a graph, or several, or all places that can be reached at a
 // given cost.
 
-#include <cerrno>
-#include <charconv>
 #include <cstdint>
-#include <cstdio>
-#include <cstring>
+#include <limits>
 #include <memory>
 #include <optional>
 #include <string>
-#include <string_view>
-#include <system_error>
 #include <utility>
 #include <vector>
 
+#include "arguments.h"
 #include "route_graph.h"
+#include "run_algorithm.h"
 #include "rv/analysis.h"
 #include "text_io.h"
+
+const char* const kProgram = "route";
 
 namespace {
 
@@ -59,7 +58,8 @@ Exit status: 0 success, 1 failure, such as no usable input or no such node, 2 wr
 cheapest path because of a cycle of negative cost on the way.
 )";
 
-enum ExitStatus { kSuccess = 0, kFailure = 1, kWrongUsage = 2, kNoPath = 3, kNegativeCycle = 4 };
+constexpr int kNoPath = 3;
+constexpr int kNegativeCycle = 4;
 
 struct Options {
     std::string start;
@@ -75,34 +75,9 @@ struct Options {
     bool help = false;
 };
 
-int fail(ExitStatus status, const std::string& message) {
-    std::fprintf(stderr, "route: %s\n", message.c_str());
-    return status;
-}
-
-int failWithCode(const char* what, RVServiceErrorCodeEnum code) {
-    return fail(kFailure, std::string(what) + " failed with code " + std::to_string(code));
-}
-
-int print(const std::string& text) {
-    return writeText(text) ? kSuccess : fail(kFailure, std::string("cannot write: ") + std::strerror(errno));
-}
-
 // The options
 
 // These give the error, empty without one.
-std::string readNumber(const std::string& option, std::string_view text, int least,
-                       std::optional<int>& place) {
-    int number = 0;
-    const char* end = text.data() + text.size();
-    const auto [rest, error] = std::from_chars(text.data(), end, number);
-    if (error != std::errc() || rest != end || number < least) {
-        return option + " needs an integer from " + std::to_string(least) + " to 2147483647";
-    }
-    place = number;
-    return {};
-}
-
 std::string assignOperands(const std::vector<std::string>& operands, Options& options) {
     std::vector<std::string*> places = {&options.start};
     if (!options.range) places.push_back(&options.finish);
@@ -113,40 +88,31 @@ std::string assignOperands(const std::vector<std::string>& operands, Options& op
     return {};
 }
 
-std::string readOptions(int argc, char** argv, Options& options) {
+std::string readOptions(Arguments arguments, Options& options) {
+    constexpr int kMost = std::numeric_limits<int>::max();
     std::vector<std::string> operands;
-    bool onlyOperands = false;
-    for (int i = 1; i < argc; ++i) {
-        const std::string argument = argv[i];
+    while (arguments.next()) {
         std::string error;
-        const std::string name = argument.substr(0, argument.find('='));
-        const auto readValue = [&](int least, std::optional<int>& place) {
-            const bool isNext = name.size() == argument.size();
-            const std::string value = !isNext ? argument.substr(name.size() + 1) : ++i == argc ? "" : argv[i];
-            error = readNumber(name, value, least, place);
-        };
-        if (onlyOperands || argument == "-" || !argument.starts_with('-')) {
-            operands.push_back(argument);
-        } else if (argument == "--") {
-            onlyOperands = true;
-        } else if (argument == "--help") {
+        if (arguments.isOperand()) {
+            operands.push_back(arguments.text());
+        } else if (arguments.is("--help")) {
             options.help = true;
-        } else if (argument == "--undirected") {
+        } else if (arguments.is("--undirected")) {
             options.undirected = true;
-        } else if (argument == "--unique") {
+        } else if (arguments.is("--unique")) {
             options.unique = true;
-        } else if (argument == "--simple") {
+        } else if (arguments.is("--simple")) {
             options.simple = true;
-        } else if (argument == "--count") {
+        } else if (arguments.is("--count")) {
             options.count = true;
-        } else if (argument == "--reversed") {
+        } else if (arguments.is("--reversed")) {
             options.reversed = true;
-        } else if (name == "--range") {
-            readValue(0, options.range);
-        } else if (name == "--paths") {
-            readValue(1, options.paths);
+        } else if (arguments.isValued("--range")) {
+            error = arguments.readInteger(0, kMost, options.range);
+        } else if (arguments.isValued("--paths")) {
+            error = arguments.readInteger(1, kMost, options.paths);
         } else {
-            error = "unknown option " + argument;
+            error = "unknown option " + arguments.text();
         }
         if (!error.empty()) return error;
     }
@@ -170,9 +136,7 @@ std::string readOptions(int argc, char** argv, Options& options) {
 RVServiceErrorCodeEnum run(const RouteGraph& graph, RVAlgorithm& algorithm, RVAnalysisInputData& input,
                            RVAnalysisOutputData& output) {
     input.copyData(&graph.costs());
-    algorithm.pInputData(&input);
-    algorithm.pOutputData(&output);
-    return algorithm.run();
+    return runAlgorithm(algorithm, input, output);
 }
 
 // The cheapest path
@@ -286,9 +250,7 @@ int printPaths(const RouteGraph& graph, const RVNode* start, const RVNode* finis
     WayGraph ways(graph);
     RVSortedPathsOutputData output;
     RVSortedPathsAlgorithm search;
-    search.pInputData(&ways.question(start, finish));
-    search.pOutputData(&output);
-    const RVServiceErrorCodeEnum code = search.run();
+    const RVServiceErrorCodeEnum code = runAlgorithm(search, ways.question(start, finish), output);
     const std::unique_ptr<RVGraph> pathGraph(output.pPathGraph());
     if (code == RV_NEGATIVE_CYCLE) return failWithNegativeCycle(endsText(graph, start, finish));
     if (code != RV_NO_ERROR) return failWithCode("the search", code);
@@ -367,14 +329,14 @@ int printRange(const RouteGraph& graph, RVNode* start, int range, bool reversed)
 
 int main(int argc, char** argv) {
     Options options;
-    if (const std::string error = readOptions(argc, argv, options); !error.empty()) {
+    if (const std::string error = readOptions(Arguments(argc, argv), options); !error.empty()) {
         return fail(kWrongUsage, error + "; see --help");
     }
     if (options.help) return print(kHelp);
 
     const std::string name = options.file == "-" ? "standard input" : options.file;
     const std::optional<std::string> text = readText(options.file);
-    if (!text) return fail(kFailure, "cannot read " + name + ": " + std::strerror(errno));
+    if (!text) return failToRead(name);
     RouteGraph graph(name, *text);
     if (options.undirected) graph.costs().undirected(1);
 

@@ -1,7 +1,8 @@
 #include "route_graph.h"
 
 #include <cstddef>
-#include <cstdio>
+
+#include "text_io.h"
 
 namespace {
 
@@ -31,13 +32,13 @@ RouteGraph::RouteGraph(std::string textName, std::string_view text)
     forEachLine(text, [&](const Words& words, int number) {
         const std::string reason = (this->*read)(words);
         if (!reason.empty()) {
-            std::fprintf(stderr, "route: %s:%d: %s; skipped\n", textName.c_str(), number, reason.c_str());
+            report(textName + ":" + std::to_string(number) + ": " + reason + "; skipped");
         }
         return true;
     });
     if (m_numberOfArcs != m_announcedArcs) {
-        std::fprintf(stderr, "route: %s: line p announces %d arcs, there are %d\n", textName.c_str(),
-                     m_announcedArcs, m_numberOfArcs);
+        report(textName + ": line p announces " + std::to_string(m_announcedArcs) + " arcs, there are " +
+               std::to_string(m_numberOfArcs));
     }
 }
 

@@ -3,6 +3,19 @@
 #include <cerrno>
 #include <cstddef>
 #include <cstdio>
+#include <cstring>
+
+namespace {
+
+bool write(const std::string& text, std::FILE* stream) {
+    return std::fwrite(text.data(), 1, text.size(), stream) == text.size() && std::fflush(stream) == 0;
+}
+
+int failToWrite(const std::string& file) {
+    return fail(kFailure, "cannot write" + file + ": " + std::strerror(errno));
+}
+
+}  // namespace
 
 std::optional<std::string> readText(const std::string& file) {
     std::FILE* stream = file == "-" ? stdin : std::fopen(file.c_str(), "rb");
@@ -24,6 +37,30 @@ std::optional<std::string> readText(const std::string& file) {
     return text;
 }
 
-bool writeText(const std::string& text) {
-    return std::fwrite(text.data(), 1, text.size(), stdout) == text.size() && std::fflush(stdout) == 0;
+void report(const std::string& message) { std::fprintf(stderr, "%s: %s\n", kProgram, message.c_str()); }
+
+int fail(int status, const std::string& message) {
+    report(message);
+    return status;
+}
+
+int failToRead(const std::string& name) {
+    return fail(kFailure, "cannot read " + name + ": " + std::strerror(errno));
+}
+
+int failWithCode(const std::string& what, int code) {
+    return fail(kFailure, what + " failed with code " + std::to_string(code));
+}
+
+int print(const std::string& text) { return write(text, stdout) ? kSuccess : failToWrite(""); }
+
+int writeFile(const std::string& text, const std::string& file) {
+    if (file == "-") return print(text);
+    std::FILE* stream = std::fopen(file.c_str(), "wb");
+    if (stream == nullptr) return failToWrite(" " + file);
+    const bool isWritten = write(text, stream);
+    const int error = errno;
+    const bool isClosed = std::fclose(stream) == 0;
+    if (!isWritten) errno = error;
+    return isWritten && isClosed ? kSuccess : failToWrite(" " + file);
 }

@@ -25,6 +25,7 @@
 #include "rv/framework/input_fields.h"
 #include "rv/framework/internal_graph_algorithm.h"
 #include "rv/rootcause/reachable_nodes.h"
+#include "rv/rootcause/root_cause_analysis.h"
 #include "rv/shortestpaths/acyclic_shortest_paths.h"
 #include "rv/shortestpaths/all_pairs_shortest_paths.h"
 #include "rv/shortestpaths/dijkstra.h"

@@ -73,6 +73,7 @@ using Heuristic = Runner<RVTopologicalHeuristicAlgorithm, RVTopologicalHeuristic
 using CycleBreaking = Runner<RVCycleBreakingEdgeDetectionAlgorithm, RVCycleBreakingEdgeDetectionInputData,
                              RVCycleBreakingEdgeDetectionOutputData>;
 using Reachable = Runner<RVReachableNodesAlgorithm, RVReachableNodesInputData, RVReachableNodesOutputData>;
+using RootCauses = Runner<RVRootCauseAlgorithm, RVRootCauseInputData, RVRootCauseOutputData>;
 
 // Disposes of its path graphs, which otherwise are the caller's.
 struct OwnPathGraph : RVSortedPathsOutputData {
@@ -92,7 +93,7 @@ using Algorithms =
     testing::Types<TopologicalSort, BreadthFirst, DepthFirst, Connected, Blocks, Strong, PathTest,
                    AcyclicTest, TreeTest, Dijkstra, AcyclicPaths, AllPairs, ShortestPaths, UniquePath,
                    SingleSource, SortedPathsOnce, MaximumFlow, MinimumCostFlow, MinimumCut, DisjointPaths,
-                   SpanningTree, Reachable, NewCycleTest, Heuristic, CycleBreaking>;
+                   SpanningTree, Reachable, NewCycleTest, Heuristic, CycleBreaking, RootCauses>;
 
 struct AlgorithmNames {
     template <class R>

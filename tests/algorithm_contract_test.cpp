@@ -58,7 +58,13 @@ std::string describe(const Output& output, const RVGraph* graph) {
         output.buildReflexiveEdgeList(list);
         add(text(list));
     }
+    if constexpr (requires { output.pCauseNodeList(); }) add(text(*output.pCauseNodeList()));
     for (RVNode* node : *graph->pNodeList()) {
+        if constexpr (requires(RVNodeDList & list) { output.buildReachedNodeList(node, list); }) {
+            RVNodeDList reached;
+            output.buildReachedNodeList(node, reached);
+            add(text(reached));
+        }
         if constexpr (requires { output.dist(node); }) add(output.dist(node));
         if constexpr (requires { output.computeLengthOfShortestPath(node, node); }) {
             for (RVNode* from : *graph->pNodeList()) {
@@ -79,12 +85,15 @@ std::string describe(const Output& output, const RVGraph* graph) {
     return all;
 }
 
-// Answers every question of an input: nodes by name, the other nodes with the last one, numbers from the
-// objects.
+// Answers every question of an input: nodes by name, the other nodes with the last one, effects with all
+// nodes, numbers from the objects.
 class Question : public RVAlgorithmInputData {
 public:
     explicit Question(const RVGraph* graph, int flag = 0)
-        : pStart(graph->pFirstNode()), pFinish(graph->pLastNode()), m_flag(flag) {}
+        : pStart(graph->pFirstNode()),
+          pFinish(graph->pLastNode()),
+          m_pNodes(graph->pNodeList()),
+          m_flag(flag) {}
     bool hasField(const char*) const override { return true; }
     bool hasNodeField(const char*) const override { return true; }
     bool hasEdgeField(const char*) const override { return true; }
@@ -94,6 +103,7 @@ public:
     }
     double doubleField(const char*, RVGraphObject*) const override { return m_flag; }
     RVObject* pObjectField(const char* name, RVGraphObject*) const override {
+        if (std::string(name) == "effectNodeList") return m_pNodes;
         const bool isFirst = std::string(name) == "startNode" || std::string(name) == "sourceNode";
         return isFirst ? pStart : pFinish;
     }
@@ -101,6 +111,7 @@ public:
     RVNode* pFinish;
 
 private:
+    RVNodeDList* m_pNodes;
     int m_flag;
 };
 

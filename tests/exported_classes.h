@@ -58,7 +58,7 @@ using CopyableClasses = testing::Types<
     RVNodeExtensionCycleBreakingEdgeDetectionInternal, RVEdgeExtensionCycleBreakingEdgeDetectionInternal,
     RVEdgeExtensionCycleBreakingEdgeDetectionOutput, RVCycleBreakingEdgeDetectionInputData,
     RVCycleBreakingEdgeDetectionOutputData, RVCycleBreakingEdgeDetectionInternalData,
-    RVCycleBreakingEdgeDetectionAlgorithm>;
+    RVCycleBreakingEdgeDetectionAlgorithm, RVRootCauseInputData, RVRootCauseOutputData, RVRootCauseAlgorithm>;
 
 using AbstractClasses = testing::Types<RVAlgorithm, RVInternalAlgorithm, RVBaseGraphAlgorithm,
                                        RVInternalGraphAlgorithm, RVAlgorithmOutputData, RVAnalysisOutputData>;
@@ -75,7 +75,7 @@ using InputClasses = testing::Types<
     RVSingleSourceShortestPathsInputData, RVSortedPathsInputData, RVReachableNodesInputData,
     RVNetworkInputData, RVMaximumFlowInputData, RVMinimumCutInputData, RVDisjointPathsInputData,
     RVMinimumSpanningTreeInputData, RVMinimumCostFlowInputData, RVNewCycleTestInputData,
-    RVTopologicalHeuristicInputData, RVCycleBreakingEdgeDetectionInputData>;
+    RVTopologicalHeuristicInputData, RVCycleBreakingEdgeDetectionInputData, RVRootCauseInputData>;
 
 struct ClassNames {
     template <class C>

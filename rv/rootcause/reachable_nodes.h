@@ -31,6 +31,10 @@
 
 class RVReachableNodesAlgorithm;
 
+namespace rv {
+class RepeatedSearch;
+}
+
 // Named fields: "startNode", "range" (of the graph) and those of RVPathCostInputData.
 class RV_EXPORT RVReachableNodesInputData : public RVPathCostInputData {
     RV_DATA_OBJECT(RVReachableNodesInputData)
@@ -106,6 +110,7 @@ protected:
 
 private:
     friend class RVReachableNodesBinTree;
+    friend class rv::RepeatedSearch;
 
     void cover();
     void traverseIncidentEdges(RVNode* node);
