@@ -377,28 +377,29 @@ void Algorithm::avoidExtraEdges(RVGraph* piece) const {
         obstacles.note(edge, paths);
         return true;
     };
-    const RVEdge* last = nullptr;
+    const auto switchBack = [&](RVEdge* edge) {
+        RVNode* source = edge->pSourceNode();
+        RVNode* target = edge->pTargetNode();
+        // Out of the graph and back, it comes to the end of its lists.
+        piece->removeEdge(edge);
+        piece->insertEdge(edge, source, target);
+        if (isNeeded(edge)) return false;
+        if (debugMode() != 0)
+            wprintf_s(L"pEdge %s, %s not necessary\n", source->pNameString(), target->pNameString());
+        data->reversed(edge, 0);
+        paths.neighbours().invert(edge);
+        edge->invertDirection();
+        return true;
+    };
+    const RVDListCell* last = nullptr;
     for (bool hasSwitched = true; hasSwitched;) {
         hasSwitched = false;
-        for (RVEdge* edge : edges) {
-            const bool isLast = edge == last;
-            if (data->reversed(edge) != 0) {
-                RVNode* source = edge->pSourceNode();
-                RVNode* target = edge->pTargetNode();
-                // Out of the graph and back, it comes to the end of its lists.
-                piece->removeEdge(edge);
-                piece->insertEdge(edge, source, target);
-                if (!isNeeded(edge)) {
-                    if (debugMode() != 0) {
-                        wprintf_s(L"pEdge %s, %s not necessary\n", source->pNameString(),
-                                  target->pNameString());
-                    }
-                    last = edge;
-                    hasSwitched = true;
-                    data->reversed(edge, 0);
-                    paths.neighbours().invert(edge);
-                    edge->invertDirection();
-                }
+        for (RVDListIter it(&edges); it; it++) {
+            RVEdge* edge = RVEdge::castDown(it.pObject());
+            const bool isLast = it.pCell() == last;
+            if (data->reversed(edge) != 0 && switchBack(edge)) {
+                last = it.pCell();
+                hasSwitched = true;
             }
             if (isLast) break;
         }
