@@ -448,7 +448,7 @@ void RVRootCauseAlgorithm::generateOutputData() {
         output->pCauseNodeList()->appendNode(cause);
         auto list = std::make_unique<RVNodeDList>();
         lists->put(cause, list.get());
-        list.release();
+        static_cast<void>(list.release());  // the map owns it
     }
     std::size_t share = 0;
     for (std::size_t group = 0; group < run.endsOfGroups.size(); ++group) {
