@@ -4,15 +4,15 @@
 //   rootcause_bench --benchmark_filter='all/grid'  one question on one family of graphs
 //
 // Rows are named question/family/library/n and report the fastest processor time per effect, in microseconds,
-// of 300 effects of which a cause explains at least half.
-//   all      without a range; rv_each runs a breadth-first search for each effect; so does boost
-//   near     within a range that leaves some ten nodes; rv_each runs the reachable nodes algorithm for each
+// of 300 effects.
+//   all      causes of at least half of the effects, without a range; rv_each runs the reachable nodes
+//            algorithm for each effect, boost a breadth-first search
+//   near     causes of any effect within a range that few nodes are in; rv_each as before
 // All must find the same number of pairs of a cause and an effect, of which they say how many there are.
 
 #include <benchmark/benchmark.h>
 
 #include <cstdlib>
-#include <limits>
 #include <string>
 #include <utility>
 #include <vector>
@@ -70,7 +70,7 @@ private:
 
 // This library
 
-// A near answer has few nodes that explain several effects.
+// Within a range few nodes explain several effects.
 double thresholdOf(bool isNear) { return isNear ? 0.0 : 0.5; }
 
 template <class Input>
