@@ -1,6 +1,8 @@
 // Everything that a caller of the library needs.
 #pragma once
 
+#include "rv/clustering/clustering_data.h"
+#include "rv/clustering/ratio_cut_bipartitioning.h"
 #include "rv/flow/disjoint_paths.h"
 #include "rv/flow/flow_algorithm.h"
 #include "rv/flow/maximum_flow.h"

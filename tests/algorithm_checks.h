@@ -68,6 +68,8 @@ using DisjointPaths = Runner<RVDisjointPathsAlgorithm, RVDisjointPathsInputData,
 using SpanningTree =
     Runner<RVMinimumSpanningTreeAlgorithm, RVMinimumSpanningTreeInputData, RVMinimumSpanningTreeOutputData>;
 using Reachable = Runner<RVReachableNodesAlgorithm, RVReachableNodesInputData, RVReachableNodesOutputData>;
+using RatioCut = Runner<RVRatioCutBipartitioningAlgorithm, RVRatioCutBipartitioningInputData,
+                        RVRatioCutBipartitioningOutputData>;
 
 // Disposes of its path graphs, which otherwise are the caller's.
 struct OwnPathGraph : RVSortedPathsOutputData {
@@ -83,10 +85,11 @@ struct OwnPathGraph : RVSortedPathsOutputData {
 using SortedPathsOnce = Runner<RVSortedPathsAlgorithm, RVSortedPathsInputData, OwnPathGraph>;
 
 // A new algorithm goes here.
-using Algorithms = testing::Types<TopologicalSort, BreadthFirst, DepthFirst, Connected, Blocks, Strong,
-                                  PathTest, AcyclicTest, TreeTest, Dijkstra, AcyclicPaths, AllPairs,
-                                  ShortestPaths, UniquePath, SingleSource, SortedPathsOnce, MaximumFlow,
-                                  MinimumCostFlow, MinimumCut, DisjointPaths, SpanningTree, Reachable>;
+using Algorithms =
+    testing::Types<TopologicalSort, BreadthFirst, DepthFirst, Connected, Blocks, Strong, PathTest,
+                   AcyclicTest, TreeTest, Dijkstra, AcyclicPaths, AllPairs, ShortestPaths, UniquePath,
+                   SingleSource, SortedPathsOnce, MaximumFlow, MinimumCostFlow, MinimumCut, DisjointPaths,
+                   SpanningTree, Reachable, RatioCut>;
 
 struct AlgorithmNames {
     template <class R>
@@ -120,6 +123,19 @@ void takeCosts([[maybe_unused]] Input& input, [[maybe_unused]] const RVGraph* gr
         for (RVNode* node : *graph->pNodeList()) input.cost(node, number(node, 0, 0));
         for (RVEdge* edge : *graph->pEdgeList()) input.cost(edge, number(edge, 0, 0));
     }
+}
+
+// The clusters of an output, one in brackets after the other.
+inline std::string clusterText(const RVClusteringOutputData& output) {
+    std::string all;
+    for (RVDListIter cluster(output.pClusters()); cluster; cluster++) {
+        all += "[";
+        for (RVDListIter iter(RVDList::castDown(cluster.pObject())); iter; iter++) {
+            all += (all.back() == '[' ? "" : " ") + text(static_cast<RVNode*>(iter.pObject()));
+        }
+        all += "]";
+    }
+    return all;
 }
 
 // All that can be seen of a graph: its orders, and per object its address, index, name, user fields and the

@@ -50,7 +50,12 @@ using CopyableClasses = testing::Types<
     RVMinimumSpanningTreeInternalData, RVMinimumSpanningTreeAlgorithm, RVNodeExtensionFlowInternal,
     RVEdgeExtensionFlowInternal, RVFlowInternalData, RVEdgeExtensionMinimumCostFlowInput,
     RVMinimumCostFlowInputData, RVMinimumCostFlowOutputData, RVNodeExtensionMinimumCostFlow,
-    RVEdgeExtensionMinimumCostFlowInternal, RVMinimumCostFlowInternalData, RVMinimumCostFlowAlgorithm>;
+    RVEdgeExtensionMinimumCostFlowInternal, RVMinimumCostFlowInternalData, RVMinimumCostFlowAlgorithm,
+    RVClusteringConstraint, RVBasicClusteringInputData, RVClusteringInputData, RVClusteringOutputData,
+    RVClusteringBinTree, RVClusterSizeSort, RVNodeExtensionRatioCut, RVEdgeExtensionRatioCutInput,
+    RVNodeExtensionClusteringInternal, RVEdgeExtensionClusteringInternal, RVClusteringInternalData,
+    RVRatioCutBipartitioningInputData, RVRatioCutBipartitioningOutputData, RVRatioCutBipartitioningAlgorithm,
+    RVRatioCutVariable, RVRatioCutEdge, RVRatioCutVariableSort>;
 
 using AbstractClasses = testing::Types<RVAlgorithm, RVInternalAlgorithm, RVBaseGraphAlgorithm,
                                        RVInternalGraphAlgorithm, RVAlgorithmOutputData, RVAnalysisOutputData>;
@@ -66,7 +71,8 @@ using InputClasses = testing::Types<
     RVShortestPathsAcyclicInputData, RVAllPairsShortestPathsInputData, RVUniquePathTestInputData,
     RVSingleSourceShortestPathsInputData, RVSortedPathsInputData, RVReachableNodesInputData,
     RVNetworkInputData, RVMaximumFlowInputData, RVMinimumCutInputData, RVDisjointPathsInputData,
-    RVMinimumSpanningTreeInputData, RVMinimumCostFlowInputData>;
+    RVMinimumSpanningTreeInputData, RVMinimumCostFlowInputData, RVBasicClusteringInputData,
+    RVClusteringInputData, RVRatioCutBipartitioningInputData>;
 
 struct ClassNames {
     template <class C>

@@ -1,0 +1,126 @@
+// Clustering.
+//
+//   clustering_bench                                    all rows
+//   clustering_bench --benchmark_filter='ratiocut/grid'  one method on one family of graphs
+//
+// Rows are named method/family/n. All times are processor times.
+//   ratiocut   one bipartitioning: nanoseconds per edge and iteration (ns_per_edge), milliseconds per
+//   iteration,
+//              the number of iterations, the ratio that was found and the number of edges that are cut; for
+//              planted partitions, by how much the ratio exceeds that of the plan
+//
+// Families: grid (a square grid with one diagonal in each cell), geometric (points of the unit square, an
+// edge between those that are near, six per node on average), planted (two halves of random edges, one edge
+// in 40 between them).
+
+#include <benchmark/benchmark.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+#include <cstdlib>
+#include <string>
+#include <vector>
+
+#include "bench_graphs.h"
+#include "bench_measure.h"
+#include "bench_peers.h"
+#include "rv/analysis.h"
+
+namespace {
+
+using bench::EdgeArray;
+
+EdgeArray trianglesGrid(int n) {
+    EdgeArray graph = bench::gridGraph(n);
+    const int side = static_cast<int>(std::lround(std::sqrt(graph.nodes)));
+    for (int row = 0; row + 1 < side; ++row) {
+        for (int column = 0; column + 1 < side; ++column) {
+            graph.add(row * side + column, (row + 1) * side + column + 1);
+        }
+    }
+    return graph;
+}
+
+// One point in each cell of a square grid, at random.
+EdgeArray geometricGraph(int n) {
+    constexpr double kReach = 1.6;
+    bench::Random random(3);
+    const int side = static_cast<int>(std::sqrt(n));
+    std::vector<double> x;
+    std::vector<double> y;
+    const auto within = [&] { return static_cast<double>(random.below(1 << 20)) / (1 << 20); };
+    EdgeArray graph{side * side, {}};
+    for (int node = 0; node < side * side; ++node) {
+        x.push_back(node % side + within());
+        y.push_back(node / side + within());
+        for (int other = std::max(0, node - 2 * side - 2); other < node; ++other) {
+            const auto i = static_cast<std::size_t>(other);
+            if (std::hypot(x[i] - x.back(), y[i] - y.back()) < kReach) graph.add(other, node);
+        }
+    }
+    return graph;
+}
+
+EdgeArray plantedGraph(int n) {
+    bench::Random random(9);
+    EdgeArray graph{n, {}};
+    const int half = n / 2;
+    for (int node = 1; node < half; ++node) {
+        graph.add(random.below(node), node);
+        graph.add(half + random.below(node), half + node);
+    }
+    for (int i = 0; i < 2 * n; ++i) {
+        const int side = half * (i % 2);
+        const int other = i % 20 == 0 ? half - side : side;
+        const int source = side + random.below(half);
+        graph.add(source, other + random.below(half));
+    }
+    return graph;
+}
+
+struct Family {
+    const char* name;
+    EdgeArray (*make)(int n);
+};
+constexpr Family kFamilies[] = {
+    {"grid", trianglesGrid}, {"geometric", geometricGraph}, {"planted", plantedGraph}};
+
+void runRatioCut(benchmark::State& state, const Family& family, int n) {
+    const EdgeArray array = family.make(n);
+    const bench::RvGraph rv(array);
+    RVRatioCutBipartitioningInputData input(rv.graph.get());
+    RVRatioCutBipartitioningOutputData output;
+    RVRatioCutBipartitioningAlgorithm algorithm;
+    algorithm.pInputData(&input);
+    algorithm.pOutputData(&output);
+    bench::measure(state, "ns_per_edge", array.size(), [&] {
+        if (algorithm.run() != RV_NO_ERROR) std::abort();
+    });
+    auto& counters = state.counters;
+    counters["iterations"] = algorithm.iterations();
+    counters["ms_per_iteration"] = counters["ns_per_edge"] * array.size() * 1e-6 / algorithm.iterations();
+    counters["ns_per_edge"] = counters["ns_per_edge"] / algorithm.iterations();
+    counters["ratio"] = output.totalCost();
+    const double first = RVDList::castDown(output.pClusters()->pFirstObject())->length();
+    counters["cut"] = output.totalCost() * first * (array.nodes - first);
+    if (std::string(family.name) == "planted") {
+        const double half = array.nodes / 2;
+        counters["worse_than_plan"] = output.totalCost() * half * half / (2.0 * n / 20) - 1;
+    }
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    for (const Family& family : kFamilies) {
+        for (const int n : {1000, 2000, 4000, 10000, 20000, 40000, 100000}) {
+            bench::add(std::string("ratiocut/") + family.name, n,
+                       [&family, n](benchmark::State& state) { runRatioCut(state, family, n); });
+        }
+    }
+    benchmark::Initialize(&argc, argv);
+    if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
+    benchmark::RunSpecifiedBenchmarks();
+    return 0;
+}
