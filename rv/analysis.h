@@ -1,7 +1,10 @@
 // Everything that a caller of the library needs.
 #pragma once
 
+#include "rv/clustering/cluster_splitting.h"
+#include "rv/clustering/clustering.h"
 #include "rv/clustering/clustering_data.h"
+#include "rv/clustering/disconnected_clustering.h"
 #include "rv/clustering/ratio_cut_bipartitioning.h"
 #include "rv/flow/disjoint_paths.h"
 #include "rv/flow/flow_algorithm.h"

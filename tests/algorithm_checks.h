@@ -70,6 +70,9 @@ using SpanningTree =
 using Reachable = Runner<RVReachableNodesAlgorithm, RVReachableNodesInputData, RVReachableNodesOutputData>;
 using RatioCut = Runner<RVRatioCutBipartitioningAlgorithm, RVRatioCutBipartitioningInputData,
                         RVRatioCutBipartitioningOutputData>;
+using Splitting = Runner<RVClusterSplittingAlgorithm, RVClusterSplittingInputData, RVClusteringOutputData>;
+using Disconnected = Runner<RVDisconnectedClusteringAlgorithm, RVClusteringInputData, RVClusteringOutputData>;
+using Clustering = Runner<RVClusteringAlgorithm, RVClusteringInputData, RVClusteringOutputData>;
 
 // Disposes of its path graphs, which otherwise are the caller's.
 struct OwnPathGraph : RVSortedPathsOutputData {
@@ -89,7 +92,7 @@ using Algorithms =
     testing::Types<TopologicalSort, BreadthFirst, DepthFirst, Connected, Blocks, Strong, PathTest,
                    AcyclicTest, TreeTest, Dijkstra, AcyclicPaths, AllPairs, ShortestPaths, UniquePath,
                    SingleSource, SortedPathsOnce, MaximumFlow, MinimumCostFlow, MinimumCut, DisjointPaths,
-                   SpanningTree, Reachable, RatioCut>;
+                   SpanningTree, Reachable, RatioCut, Splitting, Disconnected, Clustering>;
 
 struct AlgorithmNames {
     template <class R>
@@ -123,6 +126,13 @@ void takeCosts([[maybe_unused]] Input& input, [[maybe_unused]] const RVGraph* gr
         for (RVNode* node : *graph->pNodeList()) input.cost(node, number(node, 0, 0));
         for (RVEdge* edge : *graph->pEdgeList()) input.cost(edge, number(edge, 0, 0));
     }
+}
+
+// Nodes weigh, and edges cost, what their names say.
+template <class Input>
+void takeWeights(Input& input, const RVGraph* graph) {
+    for (RVNode* node : *graph->pNodeList()) input.setWeight(node, number(node));
+    for (RVEdge* edge : *graph->pEdgeList()) input.setCost(edge, number(edge));
 }
 
 // The clusters of an output, one in brackets after the other.

@@ -55,7 +55,8 @@ using CopyableClasses = testing::Types<
     RVClusteringBinTree, RVClusterSizeSort, RVNodeExtensionRatioCut, RVEdgeExtensionRatioCutInput,
     RVNodeExtensionClusteringInternal, RVEdgeExtensionClusteringInternal, RVClusteringInternalData,
     RVRatioCutBipartitioningInputData, RVRatioCutBipartitioningOutputData, RVRatioCutBipartitioningAlgorithm,
-    RVRatioCutVariable, RVRatioCutEdge, RVRatioCutVariableSort>;
+    RVRatioCutVariable, RVRatioCutEdge, RVRatioCutVariableSort, RVClusterSplittingInputData,
+    RVClusterSplittingAlgorithm, RVDisconnectedClusteringAlgorithm, RVClusteringAlgorithm>;
 
 using AbstractClasses = testing::Types<RVAlgorithm, RVInternalAlgorithm, RVBaseGraphAlgorithm,
                                        RVInternalGraphAlgorithm, RVAlgorithmOutputData, RVAnalysisOutputData>;
@@ -72,7 +73,7 @@ using InputClasses = testing::Types<
     RVSingleSourceShortestPathsInputData, RVSortedPathsInputData, RVReachableNodesInputData,
     RVNetworkInputData, RVMaximumFlowInputData, RVMinimumCutInputData, RVDisjointPathsInputData,
     RVMinimumSpanningTreeInputData, RVMinimumCostFlowInputData, RVBasicClusteringInputData,
-    RVClusteringInputData, RVRatioCutBipartitioningInputData>;
+    RVClusteringInputData, RVRatioCutBipartitioningInputData, RVClusterSplittingInputData>;
 
 struct ClassNames {
     template <class C>

@@ -19,7 +19,7 @@
 #include <utility>
 #include <vector>
 
-#include "rv/clustering/check_clustering_input.h"
+#include "rv/clustering/clustering_input.h"
 #include "rv/foundation/random.h"
 
 RV_OBJECT_IMPL(RVRatioCutBipartitioningInputData)
@@ -264,11 +264,8 @@ RVAlgorithmData* RVRatioCutBipartitioningAlgorithm::newInternalData() {
 }
 
 RVServiceErrorCodeEnum RVRatioCutBipartitioningAlgorithm::checkData() {
-    const RVServiceErrorCodeEnum base = rv::checkGraphAfter(RVInternalAlgorithm::checkData(), pInputData());
-    if (!rv::hasGraph(pInputData())) return base;
-    const RVServiceErrorCodeEnum code =
-        rv::checkClusteringValues(*RVRatioCutBipartitioningInputData::castDown(pInputData()));
-    return code != RV_NO_ERROR ? code : base;
+    return rv::checkClusteringInput<RVRatioCutBipartitioningInputData>(RVInternalAlgorithm::checkData(),
+                                                                       pInputData());
 }
 
 void RVRatioCutBipartitioningAlgorithm::cleanup() {

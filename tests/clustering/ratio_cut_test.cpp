@@ -141,15 +141,8 @@ TEST(ClusteringConstraint, IsValidForNodesOfTheGraph) {
     }
 }
 
-// Nodes weigh, and edges cost, what their names say.
-template <class Input>
-void takeNumbers(Input& input, const RVGraph* graph) {
-    for (RVNode* node : *graph->pNodeList()) input.setWeight(node, number(node));
-    for (RVEdge* edge : *graph->pEdgeList()) input.setCost(edge, number(edge));
-}
-
 int run(RatioCut& test, RVGraph* graph) {
-    takeNumbers(test.input, graph);
+    rvtest::takeWeights(test.input, graph);
     return test(graph);
 }
 

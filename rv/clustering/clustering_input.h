@@ -1,5 +1,8 @@
-// Checks of input data that the clustering algorithms share. Internal to the library, not installed.
+// What the clustering algorithms share in reading and checking their input. Internal to the library, not
+// installed.
 #pragma once
+
+#include <type_traits>
 
 #include "rv/clustering/clustering_data.h"
 #include "rv/framework/check_input.h"
@@ -21,6 +24,17 @@ void forEachConstraint(const RVClusteringInputData& input, RVClusteringConstrain
         const RVNodeDList* nodes = constraint.pNodeList();
         if (constraint.type() == type && nodes != nullptr && nodes->length() > 0) f(constraint, *nodes);
     });
+}
+
+inline bool isInGraph(const RVNode* node, const RVAlgorithmInputData& input) {
+    return node != nullptr && node->pOwnerGraph() == input.pAssociatedGraph();
+}
+
+// What one algorithm passes on to another, but for limits, weights and constraints.
+inline void copySettings(const RVClusteringInputData& from, RVClusteringInputData& to) {
+    to.setQuality(from.getQuality());
+    to.balanceFactor(from.balanceFactor());
+    to.clusterSizeFactor(from.clusterSizeFactor());
 }
 
 inline RVServiceErrorCodeEnum checkConstraints(const RVClusteringInputData& input) {
@@ -45,15 +59,30 @@ inline RVServiceErrorCodeEnum checkClusteringValues(const RVBasicClusteringInput
     return RV_NO_ERROR;
 }
 
-// Whether there is a graph whose values can be checked.
-inline bool hasGraph(const RVAlgorithmInputData* input) {
-    return input != nullptr && input->pAssociatedGraph() != nullptr;
-}
-
 // What the framework found, and if that is nothing, what is wrong with the graph itself.
 inline RVServiceErrorCodeEnum checkGraphAfter(RVServiceErrorCodeEnum framework,
                                               const RVAlgorithmInputData* input) {
     return framework != RV_NO_ERROR || input == nullptr ? framework : checkInputGraph(*input);
+}
+
+// All checks of one of the algorithms. Whatever the framework found comes last, unless there is no graph
+// whose values could be checked. More checks may stand between those of the constraints and those of the
+// values.
+template <class Input, class More>
+RVServiceErrorCodeEnum checkClusteringInput(RVServiceErrorCodeEnum framework, RVAlgorithmInputData* data,
+                                            More more) {
+    const RVServiceErrorCodeEnum last = checkGraphAfter(framework, data);
+    if (data == nullptr || data->pAssociatedGraph() == nullptr) return last;
+    const Input& input = *Input::castDown(data);
+    RVServiceErrorCodeEnum code = RV_NO_ERROR;
+    if constexpr (std::is_base_of_v<RVClusteringInputData, Input>) code = checkConstraints(input);
+    if (code == RV_NO_ERROR) code = more(input);
+    if (code == RV_NO_ERROR) code = checkClusteringValues(input);
+    return code == RV_NO_ERROR ? last : code;
+}
+template <class Input>
+RVServiceErrorCodeEnum checkClusteringInput(RVServiceErrorCodeEnum framework, RVAlgorithmInputData* data) {
+    return checkClusteringInput<Input>(framework, data, [](const Input&) { return RV_NO_ERROR; });
 }
 
 }  // namespace rv
