@@ -8,6 +8,11 @@
 //   iteration,
 //              the number of iterations, the ratio that was found and the number of edges that are cut; for
 //              planted partitions, by how much the ratio exceeds that of the plan
+//   cluster     clustering from one end to the other: microseconds per node, and the number of clusters; with
+//               /constrained ten nodes in a hundred are tied in pairs, as many are kept apart in pairs, and
+//               one in a hundred are a cluster of their own
+//   alone       the same for nodes without edges that are merged into ten clusters
+//   ties        the same for n same-cluster constraints on neighbours of a chain
 //
 // Families: grid (a square grid with one diagonal in each cell), geometric (points of the unit square, an
 // edge between those that are near, six per node on average), planted (two halves of random edges, one edge
@@ -19,6 +24,8 @@
 #include <cmath>
 #include <cstddef>
 #include <cstdlib>
+#include <deque>
+#include <initializer_list>
 #include <string>
 #include <vector>
 
@@ -110,6 +117,54 @@ void runRatioCut(benchmark::State& state, const Family& family, int n) {
     }
 }
 
+enum class Wanted { nothing, constraints, ties };
+
+void runClustering(benchmark::State& state, const EdgeArray& array, Wanted wanted, int most) {
+    const bench::RvGraph rv(array);
+    RVClusteringInputData input(rv.graph.get());
+    RVClusteringOutputData output;
+    RVClusteringAlgorithm algorithm;
+    algorithm.pInputData(&input);
+    algorithm.pOutputData(&output);
+    input.maxClusterCount(most);
+    std::deque<RVClusteringConstraint> constraints;
+    const auto constrain = [&](RVClusteringConstraintTypeEnum type, std::initializer_list<int> nodes) {
+        RVClusteringConstraint& constraint = constraints.emplace_back(0, nullptr);
+        constraint.type(type);
+        for (const int node : nodes) constraint.addNode(rv.nodes[static_cast<std::size_t>(node)]);
+        input.addConstraint(&constraint);
+        return &constraint;
+    };
+    for (int node = 0; wanted == Wanted::ties && node + 1 < array.nodes; ++node) {
+        constrain(RVSameClusterConstraint, {node, node + 1});
+    }
+    bench::Random random(21);
+    RVClusteringConstraint* complete = nullptr;  // of twenty nodes
+    for (int i = 0; wanted == Wanted::constraints && i < array.nodes / 20; ++i) {
+        const auto any = [&] { return random.below(array.nodes - 1); };
+        const int node = any();
+        constrain(RVSameClusterConstraint, {node, node + 1});
+        constrain(RVDifferentClusterConstraint, {node, (node + array.nodes / 2) % array.nodes});
+        if (i % 100 == 0) complete = constrain(RVCompleteClusterConstraint, {});
+        if (i % 5 == 0) complete->addNode(rv.nodes[static_cast<std::size_t>(i * 20)]);
+    }
+    bench::measure(state, "us_per_node", array.nodes, [&] {
+        if (algorithm.run() != RV_NO_ERROR) std::abort();
+    });
+    state.counters["us_per_node"] = state.counters["us_per_node"] * 1e-3;
+    state.counters["clusters"] = output.pClusters()->length();
+    int fulfilled = 0;
+    for (const RVClusteringConstraint& constraint : constraints) fulfilled += constraint.fulfilled();
+    state.counters["constraints"] = static_cast<double>(constraints.size());
+    state.counters["fulfilled"] = fulfilled;
+}
+
+void addClustering(const std::string& name, int n, EdgeArray (*make)(int n), Wanted wanted, int most) {
+    bench::add(name, n, [=](benchmark::State& state) { runClustering(state, make(n), wanted, most); });
+}
+
+EdgeArray noEdges(int n) { return {n, {}}; }
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -118,6 +173,16 @@ int main(int argc, char** argv) {
             bench::add(std::string("ratiocut/") + family.name, n,
                        [&family, n](benchmark::State& state) { runRatioCut(state, family, n); });
         }
+    }
+    constexpr int kMany = RVClusteringInputData::kManyClusters;
+    for (const int n : {1000, 10000, 100000}) {
+        for (const Family& family : kFamilies) {
+            const std::string name = std::string("cluster/") + family.name;
+            addClustering(name, n, family.make, Wanted::nothing, kMany);
+            addClustering(name + "/constrained", n, family.make, Wanted::constraints, kMany);
+        }
+        addClustering("alone", n, noEdges, Wanted::nothing, 10);
+        addClustering("ties", n, bench::chainGraph, Wanted::ties, kMany);
     }
     benchmark::Initialize(&argc, argv);
     if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
