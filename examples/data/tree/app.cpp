@@ -1,0 +1,3 @@
+#include "lib/util.h"
+#include <vector>
+#include "absent.h"
