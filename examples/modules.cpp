@@ -75,7 +75,8 @@ std::string readOptions(int argc, char** argv, Options& options) {
             std::string word;
             std::string error = takeText(word);
             if (error.empty()) error = readInteger(word, number);
-            if (error.empty() && (number < least || number > most)) error = argument + " cannot be " + word;
+            const bool isOutside = number < least || number > most;
+            if (error.empty() && isOutside) error.append(argument).append(" cannot be ").append(word);
             return error;
         };
         std::string error;

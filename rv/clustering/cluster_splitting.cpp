@@ -14,6 +14,7 @@
 #include <list>
 #include <memory>
 #include <queue>
+#include <utility>
 #include <vector>
 
 #include "rv/clustering/clustering_input.h"
@@ -318,8 +319,7 @@ RVServiceErrorCodeEnum RVClusterSplittingAlgorithm::algorithmBody() {
     splitter.ensureCount();
     auto* output = RVClusteringOutputData::castDown(pOutputData());
     while (std::unique_ptr<RVDList> cluster = splitter.takeCluster()) {
-        output->addCluster(cluster.get());
-        cluster.release();
+        rv::addCluster(std::move(cluster), *output);
     }
     return RV_NO_ERROR;
 }

@@ -228,8 +228,8 @@ RVServiceErrorCodeEnum RVClusteringAlgorithm::checkData() {
             input.minClusterCount() > input.maxClusterCount() || input.maxClusterCount() < 0;
         return isInvalid ? RV_INVALID_CLUSTER_COUNT : RV_NO_ERROR;
     };
-    return rv::checkClusteringInput<RVClusteringInputData>(RVInternalAlgorithm::checkData(), pInputData(),
-                                                           checkLimits);
+    return rv::checkClusteringInput<RVClusteringInputData>(RVInternalGraphAlgorithm::checkData(),
+                                                           pInputData(), checkLimits);
 }
 
 RVServiceErrorCodeEnum RVClusteringAlgorithm::algorithmBody() {
@@ -241,7 +241,7 @@ RVServiceErrorCodeEnum RVClusteringAlgorithm::algorithmBody() {
     std::unique_ptr<RVGraph> made(pInternalData()->pInputGraph()->pFactory()->newGraph());
     RVGraph* const contracted = made.get();
     pInternalData()->pSecondaryGraphs()->appendGraph(contracted);
-    made.release();
+    static_cast<void>(made.release());
     RVClusterSplittingInputData input(contracted);
     contraction.contract(*contracted, input);
     rv::copySettings(*own, input);
@@ -259,17 +259,13 @@ RVServiceErrorCodeEnum RVClusteringAlgorithm::algorithmBody() {
         return code;
     }
 
-    const auto add = [&](std::unique_ptr<RVDList> cluster) {
-        output->addCluster(cluster.get());
-        cluster.release();
-    };
     for (RVDListIter iter(clusters.pClusters()); iter; iter++) {
-        add(contraction.expand(*RVDList::castDown(iter.pObject())));
+        rv::addCluster(contraction.expand(*RVDList::castDown(iter.pObject())), *output);
     }
     for (const std::vector<RVNode*>& complete : contraction.completeClusters()) {
         auto cluster = std::make_unique<RVDList>();
         for (RVNode* node : complete) cluster->appendObject(node);
-        add(std::move(cluster));
+        rv::addCluster(std::move(cluster), *output);
     }
     output->generateClusterNumbers();
     FulfilmentTest test(own->pAssociatedGraph(), *output);

@@ -72,7 +72,7 @@ void RVClusteringOutputData::buildClusterList(RVDList& list) const {
     for (RVDListIter iter(pClusters()); iter; iter++) {
         auto copy = std::make_unique<RVDList>(*RVDList::castDown(iter.pObject()));
         list.appendObject(copy.get());
-        copy.release();
+        static_cast<void>(copy.release());
     }
 }
 

@@ -2,6 +2,7 @@
 // installed.
 #pragma once
 
+#include <memory>
 #include <type_traits>
 
 #include "rv/clustering/clustering_data.h"
@@ -28,6 +29,12 @@ void forEachConstraint(const RVClusteringInputData& input, RVClusteringConstrain
 
 inline bool isInGraph(const RVNode* node, const RVAlgorithmInputData& input) {
     return node != nullptr && node->pOwnerGraph() == input.pAssociatedGraph();
+}
+
+// Hands a cluster over to an output.
+inline void addCluster(std::unique_ptr<RVDList> cluster, RVClusteringOutputData& output) {
+    output.addCluster(cluster.get());
+    static_cast<void>(cluster.release());
 }
 
 // What one algorithm passes on to another, but for limits, weights and constraints.

@@ -309,8 +309,7 @@ RVServiceErrorCodeEnum RVDisconnectedClusteringAlgorithm::clusterComponents(RVDL
     const RVServiceErrorCodeEnum code = clusterer.clusterAll();
     auto* output = RVClusteringOutputData::castDown(pOutputData());
     for (auto& cluster : clusterer.mergeComponents(input->maxClusterCount())) {
-        output->addCluster(cluster.get());
-        cluster.release();
+        rv::addCluster(std::move(cluster), *output);
     }
     return code;
 }

@@ -1,10 +1,9 @@
 // A gradient method on positions, with momentum and a step that shrinks whenever the ratio stalls, after
 // which the thresholds between neighbours are swept.
 //
-// The steps work on arrays, one value for each variable, in the order of the nodes. `order` lists the
-// variables as the last sort left them. Sums over variables are formed in that order, the costs at a variable
-// in the order of its edges, so that they come out the same everywhere. Costs and weights are integers: their
-// sums, and differences of them, are exact up to 2^53.
+// The steps work on arrays, one value for each variable. `order` lists the variables as the last sort left
+// them, and sums of real numbers are formed in that order, so that they come out the same everywhere. Costs
+// and weights are integers: sums of them are exact, whatever their order, up to 2^53.
 //
 // Invariant of an iteration: positions are moved along the gradient and back to spread 1 only on trial
 // (gGrad); it is the trial positions that are sorted and swept, and the way there, as a direction, that the
@@ -13,6 +12,7 @@
 #include "rv/clustering/ratio_cut_bipartitioning.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstdint>
 #include <numeric>
@@ -68,9 +68,9 @@ double startPosition(double x) { return std::abs(x) <= kFarthest ? x : 0.0; }
 
 // Sorts indices by their keys, stably, as a list of variables would be by RVRatioCutVariableSort.
 //
-// Keys are brought to 32 bits, which keeps their order but for ties, and sorted by three digits of 11 bits;
-// what ties are left is then sorted by the keys themselves. O(n) unless many keys differ by less than 2^-32
-// of their range. Small and sorted inputs are left to insertion.
+// Keys are brought to 24 bits, which keeps their order but for ties, and sorted by two digits; what ties are
+// left is then sorted by the keys themselves. O(n) unless many keys differ by less than 2^-24 of their range,
+// O(n log n) at worst.
 class PositionSorter {
 public:
     void sort(std::vector<std::uint32_t>& order, const std::vector<double>& keys) {
@@ -121,12 +121,14 @@ private:
         if (!isFinite || !(scale > 0.0) || !std::isfinite(scale)) return false;
         m_items.resize(order.size());
         m_scratch.resize(order.size());
-        std::fill(&m_places[0][0], &m_places[0][0] + kDigits * kValues, 0);
+        for (auto& places : m_places) places.fill(0);
         for (std::size_t i = 0; i < order.size(); ++i) {
             const double place = (keys[order[i]] - least) * scale;
             const auto key = static_cast<std::uint32_t>(std::min(place, kLargest));
             m_items[i] = {key, order[i]};
-            for (int digit = 0; digit < kDigits; ++digit) ++m_places[digit][valueOf(key, digit)];
+            for (int digit = 0; digit < kDigits; ++digit) {
+                ++m_places[static_cast<std::size_t>(digit)][valueOf(key, digit)];
+            }
         }
         return true;
     }
@@ -136,13 +138,13 @@ private:
     }
 
     void sortByDigit(int digit) {
-        std::uint32_t* const places = m_places[digit];
-        std::exclusive_scan(places, places + kValues, places, 0U);
+        auto& places = m_places[static_cast<std::size_t>(digit)];
+        std::exclusive_scan(places.begin(), places.end(), places.begin(), 0U);
         for (const Item& item : m_items) m_scratch[places[valueOf(item.key, digit)]++] = item;
         m_items.swap(m_scratch);
     }
 
-    std::uint32_t m_places[kDigits][kValues];  // per value of a digit
+    std::array<std::array<std::uint32_t, kValues>, kDigits> m_places;  // per value of a digit
     std::vector<Item> m_items;
     std::vector<Item> m_scratch;
 };
@@ -291,10 +293,8 @@ RVServiceErrorCodeEnum RVRatioCutBipartitioningAlgorithm::algorithmBody() {
         ++variable;
     }
     output->totalCost(best);
-    for (auto* cluster : {&first, &second}) {
-        output->addCluster(cluster->get());
-        cluster->release();
-    }
+    rv::addCluster(std::move(first), *output);
+    rv::addCluster(std::move(second), *output);
     return RV_NO_ERROR;
 }
 
