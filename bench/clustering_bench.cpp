@@ -3,20 +3,21 @@
 //   clustering_bench                                    all rows
 //   clustering_bench --benchmark_filter='ratiocut/grid'  one method on one family of graphs
 //
-// Rows are named method/family/n. All times are processor times.
-//   ratiocut   one bipartitioning: nanoseconds per edge and iteration (ns_per_edge), milliseconds per
-//   iteration,
-//              the number of iterations, the ratio that was found and the number of edges that are cut; for
-//              planted partitions, by how much the ratio exceeds that of the plan
-//   cluster     clustering from one end to the other: microseconds per node, and the number of clusters; with
-//               /constrained ten nodes in a hundred are tied in pairs, as many are kept apart in pairs, and
-//               one in a hundred are a cluster of their own
-//   alone       the same for nodes without edges that are merged into ten clusters
-//   ties        the same for n same-cluster constraints on neighbours of a chain
+// Rows are named method/family/n and report processor times.
+//   ratiocut  one bipartitioning: nanoseconds per edge and iteration (ns_per_edge), milliseconds per
+//   iteration
+//             and by what factor they grow when n doubles, the number of iterations, the ratio that was found
+//             and the number of edges that are cut; of planted partitions, by how much the ratio exceeds that
+//             of the plan
+//   cluster   clustering from one end to the other: microseconds per node, and the number of clusters; with
+//             /constrained ten nodes in a hundred are tied in pairs, as many are kept apart in pairs, and one
+//             in a hundred belongs to a complete cluster of twenty
+//   alone     the same for nodes without edges that are merged into ten clusters
+//   ties      the same for n same-cluster constraints on neighbours of a chain
 //
-// Families: grid (a square grid with one diagonal in each cell), geometric (points of the unit square, an
-// edge between those that are near, six per node on average), planted (two halves of random edges, one edge
-// in 40 between them).
+// Families: grid (a square grid with one diagonal in each cell), geometric (points of a square, with edges
+// between those that are near), planted (two halves, each a random tree and random edges, and in all one edge
+// to ten nodes between them).
 
 #include <benchmark/benchmark.h>
 
@@ -26,7 +27,9 @@
 #include <cstdlib>
 #include <deque>
 #include <initializer_list>
+#include <map>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "bench_graphs.h"
@@ -108,6 +111,15 @@ void runRatioCut(benchmark::State& state, const Family& family, int n) {
     counters["iterations"] = algorithm.iterations();
     counters["ms_per_iteration"] = counters["ns_per_edge"] * array.size() * 1e-6 / algorithm.iterations();
     counters["ns_per_edge"] = counters["ns_per_edge"] / algorithm.iterations();
+    static std::map<std::string, std::pair<int, double>> previous;  // by family: nodes, time of an iteration
+    const auto last = previous.find(family.name);
+    const double time = counters["ms_per_iteration"];
+    if (last != previous.end()) {
+        const auto [nodes, before] = last->second;
+        const double doublings = std::log2(static_cast<double>(array.nodes) / nodes);
+        counters["growth_per_doubling"] = std::pow(time / before, 1 / doublings);
+    }
+    previous[family.name] = {array.nodes, time};
     counters["ratio"] = output.totalCost();
     const double first = RVDList::castDown(output.pClusters()->pFirstObject())->length();
     counters["cut"] = output.totalCost() * first * (array.nodes - first);
