@@ -21,6 +21,9 @@ bool takeOne() { return allocationsLeft < 0 || allocationsLeft-- > 0; }
     if (memory == nullptr) throw std::bad_alloc();
     return memory;
 }
+[[gnu::noinline]] void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
+    return takeOne() ? std::malloc(size) : nullptr;
+}
 [[gnu::noinline]] void operator delete(void* memory) noexcept { std::free(memory); }
 [[gnu::noinline]] void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
 
