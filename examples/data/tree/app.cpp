@@ -1,3 +1,0 @@
-#include "lib/util.h"
-#include <vector>
-#include "absent.h"
