@@ -7,11 +7,11 @@
 // is less). What is then left is clustered by disconnected clustering (see there), with both limits lowered
 // by the number of complete clusters, but not below 1.
 //
-// So every same-cluster constraint on nodes that no complete-cluster constraint lists is fulfilled, and every
-// complete-cluster constraint that shares no node with another one, unless it lists none; every
-// different-cluster constraint is, unless it lists nodes that must share a cluster. A different-cluster
-// constraint may raise the number of clusters above the maximum. After the run `fulfilled` of each constraint
-// tells whether the clusters fulfil it; a constraint without nodes is fulfilled.
+// So these constraints are always fulfilled: same-cluster constraints on nodes that no complete-cluster
+// constraint lists, complete-cluster constraints that share no node with another one, and different-cluster
+// constraints without nodes that the other two kinds put together. A different-cluster constraint may raise
+// the number of clusters above the maximum. After the run `fulfilled` of each constraint tells whether the
+// clusters fulfil it; a constraint without nodes is fulfilled.
 //
 // Every node is in exactly one cluster, no cluster is empty. The clusters of the disconnected clustering come
 // first, in its order, then those of the complete-cluster constraints, in the order of these; all are
@@ -20,10 +20,10 @@
 //
 // Codes of run: RV_INVALID_CONSTRAINT when `valid` of a constraint is 0 for the graph,
 // RV_INVALID_CLUSTER_COUNT for a minimum above the maximum, RV_INVALID_QUALITY, RV_NEGATIVE_WEIGHT,
-// RV_NEGATIVE_COST, then the framework's; before them RV_NO_INPUT_DATA, RV_NO_OUTPUT_DATA and
-// RV_NO_INPUT_GRAPH, after them RV_NO_GRAPH_FACTORY; and the code of the disconnected clustering. When that
-// fails there are no clusters, and no constraint is fulfilled. O(n + m + c) time and space beside the
-// disconnected clustering, for constraints that list c nodes in all.
+// RV_NEGATIVE_COST; before them RV_NO_INPUT_DATA and RV_NO_INPUT_GRAPH, after them RV_NO_OUTPUT_DATA and
+// RV_NO_GRAPH_FACTORY; and the code of the disconnected clustering. When that fails there are no clusters,
+// and no constraint is fulfilled. O(n + m + c) time and space beside the disconnected clustering, for
+// constraints that list c nodes in all.
 //
 //   RVClusteringAlgorithm clustering;
 //   RVClusteringInputData input(graph);

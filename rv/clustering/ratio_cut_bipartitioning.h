@@ -9,13 +9,13 @@
 //
 // Nodes get positions on a line. A gradient method lowers the sum of the edges' lengths, weighted by their
 // costs, while the weighted spread of the positions stays the same; each time all splits between neighbours
-// on the line are tried. The method ends when the ratio has long ceased to change, and after 20 times the
-// number of iterations that it otherwise allows without a change (300 at most, 900 at quality 2) in any case.
-// The start is random with a fixed seed, or given. Clusters list their nodes in graph order.
+// on the line are tried. The method ends when the ratio has not changed for some time, at most 300 iterations
+// (900 at quality 2), and in any case after 20 times as many. The start is random with a fixed seed, or
+// given. Clusters list their nodes in graph order.
 //
-// Codes of run: RV_INVALID_QUALITY, RV_NEGATIVE_WEIGHT, RV_NEGATIVE_COST, then the framework's; before them
-// RV_NO_INPUT_DATA, RV_NO_OUTPUT_DATA and RV_NO_INPUT_GRAPH, after them RV_NO_GRAPH_FACTORY. An iteration
-// takes O(n + m) time, and sorts positions that are almost in order. O(n + m) space.
+// Codes of run: RV_INVALID_QUALITY, RV_NEGATIVE_WEIGHT, RV_NEGATIVE_COST; before them RV_NO_INPUT_DATA and
+// RV_NO_INPUT_GRAPH, after them RV_NO_OUTPUT_DATA and RV_NO_GRAPH_FACTORY. An iteration takes O(n + m)
+// time, O(m + n log n) where many positions are almost the same. O(n + m) space.
 //
 //   RVRatioCutBipartitioningAlgorithm bipartitioning;
 //   RVRatioCutBipartitioningInputData input(graph);
