@@ -25,18 +25,9 @@ RVServiceErrorCodeEnum forEachCycle(const PackageGraph& packages,
     return RV_NO_ERROR;
 }
 
-// A name as Graphviz reads it back.
-std::string quoted(std::string_view name) {
-    std::string text = "\"";
-    for (const char letter : name) {
-        if (letter == '"' || letter == '\\') text.append(1, '\\');
-        text.append(1, letter);
-    }
-    return text.append(1, '"');
-}
-
 std::string arrow(const PackageGraph& packages, const RVEdge* edge, bool isBroken) {
-    return quoted(packages.name(edge->pSourceNode())) + " -> " + quoted(packages.name(edge->pTargetNode())) +
+    return quotedForDot(packages.name(edge->pSourceNode())) + " -> " +
+           quotedForDot(packages.name(edge->pTargetNode())) +
            (isBroken ? " [color=red style=dashed constraint=false]\n" : "\n");
 }
 
@@ -94,7 +85,7 @@ int writePicture(const PackageGraph& packages, int quality, const std::string& f
     code = forEachCycle(packages, [&](const RVNodeDList& nodes, const RVEdgeDList& edges) {
         text.append("    subgraph cluster_").append(std::to_string(++count)).append(" {\n");
         for (const RVNode* node : nodes) {
-            text.append("        ").append(quoted(packages.name(node))).append(1, '\n');
+            text.append("        ").append(quotedForDot(packages.name(node))).append(1, '\n');
         }
         for (const RVEdge* edge : edges) {
             text.append("        ").append(arrow(packages, edge, mark(edge) == Broken));

@@ -64,3 +64,12 @@ int writeFile(const std::string& text, const std::string& file) {
     if (!isWritten) errno = error;
     return isWritten && isClosed ? kSuccess : failToWrite(" " + file);
 }
+
+std::string quotedForDot(std::string_view name) {
+    std::string text = "\"";
+    for (const char letter : name) {
+        if (letter == '"' || letter == '\\') text.append(1, '\\');
+        text.append(1, letter);
+    }
+    return text.append(1, '"');
+}

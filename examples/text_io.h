@@ -3,6 +3,7 @@
 
 #include <optional>
 #include <string>
+#include <string_view>
 
 // The name of the program, with which its messages begin. Every example defines its own.
 extern const char* const kProgram;
@@ -22,3 +23,6 @@ int failToRead(const std::string& name);                          // with the re
 int failWithCode(const std::string& what, int code);              // of the run of an algorithm
 int print(const std::string& text);                               // to standard output
 int writeFile(const std::string& text, const std::string& file);  // "-" is standard output
+
+// A name as Graphviz reads it back.
+std::string quotedForDot(std::string_view name);

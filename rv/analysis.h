@@ -1,6 +1,11 @@
 // Everything that a caller of the library needs.
 #pragma once
 
+#include "rv/clustering/cluster_splitting.h"
+#include "rv/clustering/clustering.h"
+#include "rv/clustering/clustering_data.h"
+#include "rv/clustering/disconnected_clustering.h"
+#include "rv/clustering/ratio_cut_bipartitioning.h"
 #include "rv/cycles/cycle_breaking_edge_detection.h"
 #include "rv/cycles/graph_reduction_action.h"
 #include "rv/cycles/new_cycle_test.h"

@@ -74,6 +74,11 @@ using CycleBreaking = Runner<RVCycleBreakingEdgeDetectionAlgorithm, RVCycleBreak
                              RVCycleBreakingEdgeDetectionOutputData>;
 using Reachable = Runner<RVReachableNodesAlgorithm, RVReachableNodesInputData, RVReachableNodesOutputData>;
 using RootCauses = Runner<RVRootCauseAlgorithm, RVRootCauseInputData, RVRootCauseOutputData>;
+using RatioCut = Runner<RVRatioCutBipartitioningAlgorithm, RVRatioCutBipartitioningInputData,
+                        RVRatioCutBipartitioningOutputData>;
+using Splitting = Runner<RVClusterSplittingAlgorithm, RVClusterSplittingInputData, RVClusteringOutputData>;
+using Disconnected = Runner<RVDisconnectedClusteringAlgorithm, RVClusteringInputData, RVClusteringOutputData>;
+using Clustering = Runner<RVClusteringAlgorithm, RVClusteringInputData, RVClusteringOutputData>;
 
 // Disposes of its path graphs, which otherwise are the caller's.
 struct OwnPathGraph : RVSortedPathsOutputData {
@@ -93,7 +98,8 @@ using Algorithms =
     testing::Types<TopologicalSort, BreadthFirst, DepthFirst, Connected, Blocks, Strong, PathTest,
                    AcyclicTest, TreeTest, Dijkstra, AcyclicPaths, AllPairs, ShortestPaths, UniquePath,
                    SingleSource, SortedPathsOnce, MaximumFlow, MinimumCostFlow, MinimumCut, DisjointPaths,
-                   SpanningTree, Reachable, NewCycleTest, Heuristic, CycleBreaking, RootCauses>;
+                   SpanningTree, Reachable, NewCycleTest, Heuristic, CycleBreaking, RootCauses, RatioCut,
+                   Splitting, Disconnected, Clustering>;
 
 struct AlgorithmNames {
     template <class R>
@@ -127,6 +133,26 @@ void takeCosts([[maybe_unused]] Input& input, [[maybe_unused]] const RVGraph* gr
         for (RVNode* node : *graph->pNodeList()) input.cost(node, number(node, 0, 0));
         for (RVEdge* edge : *graph->pEdgeList()) input.cost(edge, number(edge, 0, 0));
     }
+}
+
+// Nodes weigh, and edges cost, what their names say.
+template <class Input>
+void takeWeights(Input& input, const RVGraph* graph) {
+    for (RVNode* node : *graph->pNodeList()) input.setWeight(node, number(node));
+    for (RVEdge* edge : *graph->pEdgeList()) input.setCost(edge, number(edge));
+}
+
+// The clusters of an output, one in brackets after the other.
+inline std::string clusterText(const RVClusteringOutputData& output) {
+    std::string all;
+    for (RVDListIter cluster(output.pClusters()); cluster; cluster++) {
+        all += "[";
+        for (RVDListIter iter(RVDList::castDown(cluster.pObject())); iter; iter++) {
+            all += (all.back() == '[' ? "" : " ") + text(static_cast<RVNode*>(iter.pObject()));
+        }
+        all += "]";
+    }
+    return all;
 }
 
 // All that can be seen of a graph: its orders, and per object its address, index, name, user fields and the

@@ -58,7 +58,13 @@ using CopyableClasses = testing::Types<
     RVNodeExtensionCycleBreakingEdgeDetectionInternal, RVEdgeExtensionCycleBreakingEdgeDetectionInternal,
     RVEdgeExtensionCycleBreakingEdgeDetectionOutput, RVCycleBreakingEdgeDetectionInputData,
     RVCycleBreakingEdgeDetectionOutputData, RVCycleBreakingEdgeDetectionInternalData,
-    RVCycleBreakingEdgeDetectionAlgorithm, RVRootCauseInputData, RVRootCauseOutputData, RVRootCauseAlgorithm>;
+    RVCycleBreakingEdgeDetectionAlgorithm, RVRootCauseInputData, RVRootCauseOutputData, RVRootCauseAlgorithm,
+    RVClusteringConstraint, RVBasicClusteringInputData, RVClusteringInputData, RVClusteringOutputData,
+    RVClusteringBinTree, RVClusterSizeSort, RVNodeExtensionRatioCut, RVEdgeExtensionRatioCutInput,
+    RVNodeExtensionClusteringInternal, RVEdgeExtensionClusteringInternal, RVClusteringInternalData,
+    RVRatioCutBipartitioningInputData, RVRatioCutBipartitioningOutputData, RVRatioCutBipartitioningAlgorithm,
+    RVRatioCutVariable, RVRatioCutEdge, RVRatioCutVariableSort, RVClusterSplittingInputData,
+    RVClusterSplittingAlgorithm, RVDisconnectedClusteringAlgorithm, RVClusteringAlgorithm>;
 
 using AbstractClasses = testing::Types<RVAlgorithm, RVInternalAlgorithm, RVBaseGraphAlgorithm,
                                        RVInternalGraphAlgorithm, RVAlgorithmOutputData, RVAnalysisOutputData>;
@@ -66,16 +72,19 @@ using AbstractClasses = testing::Types<RVAlgorithm, RVInternalAlgorithm, RVBaseG
 using UncopyableClasses =
     testing::Types<RVGraph, RVAFactory, RVReachableNodesAlgorithm, RVMaximumFlowAlgorithm>;
 
-using InputClasses = testing::Types<
-    RVAlgorithmInputData, RVAnalysisInputData, RVTopologicalSortInputData, RVTraversalInputData,
-    RVBreadthFirstSearchInputData, RVDepthFirstSearchInputData, RVConnectedComponentsInputData,
-    RVBiconnectedComponentsInputData, RVStronglyConnectedComponentsInputData, RVPathExistsTestInputData,
-    RVAcyclicTestInputData, RVTreeTestInputData, RVPathCostInputData, RVShortestPathsInputData,
-    RVShortestPathsAcyclicInputData, RVAllPairsShortestPathsInputData, RVUniquePathTestInputData,
-    RVSingleSourceShortestPathsInputData, RVSortedPathsInputData, RVReachableNodesInputData,
-    RVNetworkInputData, RVMaximumFlowInputData, RVMinimumCutInputData, RVDisjointPathsInputData,
-    RVMinimumSpanningTreeInputData, RVMinimumCostFlowInputData, RVNewCycleTestInputData,
-    RVTopologicalHeuristicInputData, RVCycleBreakingEdgeDetectionInputData, RVRootCauseInputData>;
+using InputClasses =
+    testing::Types<RVAlgorithmInputData, RVAnalysisInputData, RVTopologicalSortInputData,
+                   RVTraversalInputData, RVBreadthFirstSearchInputData, RVDepthFirstSearchInputData,
+                   RVConnectedComponentsInputData, RVBiconnectedComponentsInputData,
+                   RVStronglyConnectedComponentsInputData, RVPathExistsTestInputData, RVAcyclicTestInputData,
+                   RVTreeTestInputData, RVPathCostInputData, RVShortestPathsInputData,
+                   RVShortestPathsAcyclicInputData, RVAllPairsShortestPathsInputData,
+                   RVUniquePathTestInputData, RVSingleSourceShortestPathsInputData, RVSortedPathsInputData,
+                   RVReachableNodesInputData, RVNetworkInputData, RVMaximumFlowInputData,
+                   RVMinimumCutInputData, RVDisjointPathsInputData, RVMinimumSpanningTreeInputData,
+                   RVMinimumCostFlowInputData, RVNewCycleTestInputData, RVTopologicalHeuristicInputData,
+                   RVCycleBreakingEdgeDetectionInputData, RVRootCauseInputData, RVBasicClusteringInputData,
+                   RVClusteringInputData, RVRatioCutBipartitioningInputData, RVClusterSplittingInputData>;
 
 struct ClassNames {
     template <class C>

@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <new>
 #include <string>
+#include <vector>
 
 #include "tests/algorithm_checks.h"
 #include "tests/test_graph.h"
@@ -19,6 +20,9 @@ bool takeOne() { return allocationsLeft < 0 || allocationsLeft-- > 0; }
     void* memory = takeOne() ? std::malloc(size) : nullptr;
     if (memory == nullptr) throw std::bad_alloc();
     return memory;
+}
+[[gnu::noinline]] void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
+    return takeOne() ? std::malloc(size) : nullptr;
 }
 [[gnu::noinline]] void operator delete(void* memory) noexcept { std::free(memory); }
 [[gnu::noinline]] void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
@@ -58,6 +62,35 @@ TEST(OutOfMemory, LeavesTheCallersGraphAsItWas) {
                 ASSERT_LT(allocations, 1000);
             }
         }
+    }
+}
+
+// Also where the graph is changed by a part, and graphs and constraints are made on the way.
+template <class Run>
+class OutOfMemoryInClustering : public testing::Test {};
+using ClusteringRuns = testing::Types<rvtest::Splitting, rvtest::Disconnected, rvtest::Clustering>;
+TYPED_TEST_SUITE(OutOfMemoryInClustering, ClusteringRuns, rvtest::AlgorithmNames);
+
+TYPED_TEST(OutOfMemoryInClustering, LeavesTheCallersGraphAsItWas) {
+    bool isDone = false;
+    for (int allocations = 0; !isDone; allocations += allocations < 300 ? 1 : 13) {
+        const rvtest::MarkedGraph g("a->a b->c b->c c->b d b--e e--b a->a e f--g g--f h c->h", 1);
+        std::vector<RVClusteringConstraint> constraints(3);
+        TypeParam run(g);
+        for (std::size_t i = 0; i < 3; ++i) {
+            constraints[i].type(static_cast<RVClusteringConstraintTypeEnum>(i));
+            for (const char* name : {i == 2 ? "d" : "c", "f"}) constraints[i].addNode(g.node(name));
+            run.input.addConstraint(&constraints[i]);
+        }
+        run.input.minClusterCount(3);
+        const std::string before = rvtest::snapshot(g);
+        allocationsLeft = allocations;
+        try {
+            isDone = run() == RV_NO_ERROR;
+        } catch (const std::bad_alloc&) {
+        }
+        allocationsLeft = -1;
+        ASSERT_EQ(rvtest::snapshot(g), before) << "after " << allocations;
     }
 }
 

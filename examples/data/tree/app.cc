@@ -1,0 +1,3 @@
+#include "lib/util.hpp"
+#include <vector>
+#include "absent.hpp"

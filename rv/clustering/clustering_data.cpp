@@ -1,0 +1,153 @@
+#include "rv/clustering/clustering_data.h"
+
+#include <memory>
+
+RV_OBJECT_IMPL(RVNodeExtensionRatioCut)
+RV_OBJECT_IMPL(RVEdgeExtensionRatioCutInput)
+RV_OBJECT_IMPL(RVNodeExtensionClusteringInternal)
+RV_OBJECT_IMPL(RVEdgeExtensionClusteringInternal)
+RV_OBJECT_IMPL(RVBasicClusteringInputData)
+RV_OBJECT_IMPL(RVClusteringInputData)
+RV_OBJECT_IMPL(RVClusteringOutputData)
+RV_OBJECT_IMPL(RVClusteringBinTree)
+RV_OBJECT_IMPL(RVClusterSizeSort)
+RV_OBJECT_IMPL(RVClusteringInternalData)
+
+// Inputs
+
+RVNodeAlgorithmExtension* RVBasicClusteringInputData::newNodeAlgorithmExtension(RVNode* node) {
+    return newRecord<RVNodeExtensionRatioCut>(node);
+}
+
+RVEdgeAlgorithmExtension* RVBasicClusteringInputData::newEdgeAlgorithmExtension(RVEdge* edge) {
+    return newRecord<RVEdgeExtensionRatioCutInput>(edge);
+}
+
+int RVBasicClusteringInputData::getWeight(RVNode* node) const {
+    return constRecord<RVNodeExtensionRatioCut>(node).weight();
+}
+
+int RVBasicClusteringInputData::setWeight(RVNode* node, int weight) {
+    if (auto* own = record<RVNodeExtensionRatioCut>(node)) own->weight(weight);
+    return weight;
+}
+
+int RVBasicClusteringInputData::getCost(RVEdge* edge) const {
+    return constRecord<RVEdgeExtensionRatioCutInput>(edge).cost();
+}
+
+int RVBasicClusteringInputData::setCost(RVEdge* edge, int cost) {
+    if (auto* own = record<RVEdgeExtensionRatioCutInput>(edge)) own->cost(cost);
+    return cost;
+}
+
+void RVBasicClusteringInputData::getWeights(RVBasicClusteringInputData* other) {
+    const RVGraph* graph = pAssociatedGraph();
+    if (other == nullptr || graph == nullptr) return;
+    for (RVNode* node : *graph->pNodeList()) setWeight(node, other->getWeight(node));
+    for (RVEdge* edge : *graph->pEdgeList()) setCost(edge, other->getCost(edge));
+}
+
+void RVClusteringInputData::addConstraint(RVClusteringConstraint* constraint) {
+    if (constraint != nullptr) m_constraints->appendObject(constraint);
+}
+
+void RVClusteringInputData::addConstraints(const RVDList* constraints) {
+    m_constraints->copyAppendList(constraints);
+}
+
+// Outputs
+
+void RVClusteringOutputData::addCluster(RVDList* cluster) {
+    if (cluster != nullptr) m_clusters->appendObject(cluster);
+}
+
+void RVClusteringOutputData::addClusters(RVDList* clusters) {
+    if (clusters != pClusters()) m_clusters->copyAppendList(clusters);
+}
+
+void RVClusteringOutputData::buildClusterList(RVDList& list) const {
+    if (&list == pClusters()) return;
+    list.deleteAllCells();
+    for (RVDListIter iter(pClusters()); iter; iter++) {
+        auto copy = std::make_unique<RVDList>(*RVDList::castDown(iter.pObject()));
+        list.appendObject(copy.get());
+        static_cast<void>(copy.release());
+    }
+}
+
+void RVClusteringOutputData::generateClusterNumbers() {
+    int number = 0;
+    for (RVDListIter cluster(pClusters()); cluster; cluster++) {
+        ++number;
+        for (RVDListIter iter(RVDList::castDown(cluster.pObject())); iter; iter++) {
+            m_numbers->putInt(static_cast<RVNode*>(iter.pObject()), number);
+        }
+    }
+}
+
+void RVClusteringOutputData::reset() {
+    m_clusters.clear();
+    m_numbers->empty(1, 0);
+}
+
+// Orderings
+
+namespace {
+
+int compare(double a, double b) { return a < b ? -1 : a > b ? 1 : 0; }
+
+double weightOf(RVObject* object) {
+    const auto* value = RVDouble::castDown(static_cast<RVGraphObject*>(object)->pIUserField());
+    return value == nullptr ? 0.0 : value->value();
+}
+
+int numberOf(RVObject* object) {
+    const auto* value = static_cast<const RVInt*>(static_cast<RVGraphObject*>(object)->pUserField());
+    return value == nullptr ? 0 : value->value();
+}
+
+}  // namespace
+
+int RVClusteringBinTree::virtualObjectCompare(RVObject* a, RVObject* b) const {
+    const int order = compare(weightOf(a), weightOf(b));
+    return order != 0 ? order : compare(numberOf(a), numberOf(b));
+}
+
+int RVClusterSizeSort::virtualCellCompare(RVDListCell* first, RVDListCell* second) const {
+    return compare(weightOf(first->pObject()), weightOf(second->pObject()));
+}
+
+// Internal data
+
+RVNodeAlgorithmExtension* RVClusteringInternalData::newNodeAlgorithmExtension(RVNode* node) {
+    return newRecord<RVNodeExtensionClusteringInternal>(node);
+}
+
+RVEdgeAlgorithmExtension* RVClusteringInternalData::newEdgeAlgorithmExtension(RVEdge* edge) {
+    return newRecord<RVEdgeExtensionClusteringInternal>(edge);
+}
+
+RVNode* RVClusteringInternalData::setLocalOriginalNode(RVNode* node, RVNode* original) {
+    if (auto* own = record<RVNodeExtensionClusteringInternal>(node)) own->pLocalOriginalNode(original);
+    return original;
+}
+
+RVNode* RVClusteringInternalData::setLocalNewNode(RVNode* node, RVNode* copy) {
+    if (auto* own = record<RVNodeExtensionClusteringInternal>(node)) own->pLocalNewNode(copy);
+    return copy;
+}
+
+RVEdge* RVClusteringInternalData::getLocalOriginalEdge(RVEdge* edge) const {
+    return constRecord<RVEdgeExtensionClusteringInternal>(edge).pLocalOriginalEdge();
+}
+
+RVEdge* RVClusteringInternalData::setLocalOriginalEdge(RVEdge* edge, RVEdge* original) {
+    if (auto* own = record<RVEdgeExtensionClusteringInternal>(edge)) own->pLocalOriginalEdge(original);
+    return original;
+}
+
+double RVClusteringInternalData::setX(RVNode* node, double x) {
+    if (auto* own = record<RVNodeExtensionClusteringInternal>(node)) own->x(x);
+    return x;
+}
