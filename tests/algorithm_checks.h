@@ -17,6 +17,8 @@
 
 namespace rvtest {
 
+constexpr int kInfinite = 2147483647;
+
 // An algorithm with its data, for one graph after another.
 template <class Algorithm, class Input, class Output>
 struct Runner {
@@ -207,5 +209,13 @@ private:
     }
     std::map<std::pair<RVNode*, RVNode*>, int> m_steps;
 };
+
+// Whether no edge can be followed back to where it starts.
+inline bool isAcyclic(const RVGraph* graph) {
+    const Distances steps(graph, Ways::directed);
+    for (RVEdge* edge : *graph->pEdgeList())
+        if (steps.reaches(edge->pTargetNode(), edge->pSourceNode())) return false;
+    return true;
+}
 
 }  // namespace rvtest

@@ -15,16 +15,7 @@
 
 namespace {
 
-using rvtest::DisjointPaths;
-using rvtest::MarkedGraph;
-using rvtest::MaximumFlow;
-using rvtest::MinimumCut;
-using rvtest::number;
-using rvtest::randomText;
-using rvtest::TestGraph;
-using rvtest::text;
-
-constexpr int kInfinite = 2147483647;
+using namespace rvtest;
 
 // Capacities are the numbers of edges and nodes; nodes without one are unlimited.
 int run(MaximumFlow& test, RVGraph* graph, RVNode* source, RVNode* sink) {
@@ -204,34 +195,6 @@ TEST(MinimumCut, ListsItsEdgesInOrder) {
     }
 }
 
-template <class Run>
-class NetworkCodes : public testing::Test {};
-using Networks = testing::Types<MaximumFlow, MinimumCut>;
-TYPED_TEST_SUITE(NetworkCodes, Networks, rvtest::AlgorithmNames);
-
-TYPED_TEST(NetworkCodes, ComeInOrder) {
-    const TestGraph g("a->b:-1 c:-1");
-    const TestGraph other("x");
-    RVNode* const a = g.node("a");
-    RVNode* const x = other.node("x");
-    RVNode* const none = nullptr;
-    const bool isCut = std::is_same_v<TypeParam, MinimumCut>;
-    const struct {
-        RVGraph* graph;
-        RVNode* source;
-        RVNode* sink;
-        int code;
-    } cases[] = {{nullptr, none, none, 22}, {g, none, x, 12}, {g, x, none, 13},
-                 {g, a, none, 14},          {g, a, x, 15},    {g, a, a, isCut ? 17 : 16}};
-    TypeParam test;
-    for (const auto& c : cases) {
-        if (c.graph != nullptr) run(test, c.graph, c.source, c.sink);
-        test.input.pSourceNode(c.source);
-        test.input.pSinkNode(c.sink);
-        EXPECT_EQ(test(c.graph), c.code);
-    }
-}
-
 // Disjoint paths
 
 std::string answer(DisjointPaths& test, const TestGraph& g, const char* start, const char* finish,
@@ -320,33 +283,6 @@ TEST(DisjointPaths, AreAsManyAsTheLeastCut) {
         }
     }
     EXPECT_GT(several, 100);
-}
-
-TEST(Flows, FailWithTheirParts) {
-    rvtest::FactorylessFactory factory;
-    RVGraph graph(&factory);
-    RVNode* const a = graph.addNode();
-    RVNode* const b = graph.addNode();
-    graph.addEdge(a, b);
-    for (const int debugMode : {0, 1}) {
-        testing::internal::CaptureStdout();
-        MinimumCut cut;
-        cut.algorithm.debugMode(debugMode);
-        EXPECT_EQ(run(cut, &graph, a, b), 999);
-        for (const int nodeDisjoint : {0, 1}) {
-            DisjointPaths paths(&graph);
-            paths.algorithm.debugMode(debugMode);
-            paths.input.pStartNode(a);
-            paths.input.pFinishNode(b);
-            paths.input.nodeDisjointPaths(nodeDisjoint);
-            EXPECT_EQ(paths(), 999);
-            EXPECT_EQ(paths.output.pPathList()->length(), 0);
-        }
-        const char* const messages =
-            "Error in max flow. Return code = 21\n"
-            "Error in max flow.\nReturn code: 21\nError in max flow.\nReturn code: 21\n";
-        EXPECT_EQ(testing::internal::GetCapturedStdout(), debugMode == 0 ? "" : messages);
-    }
 }
 
 }  // namespace

@@ -15,15 +15,7 @@
 
 namespace {
 
-using rvtest::MarkedGraph;
-using rvtest::MaximumFlow;
-using rvtest::MinimumCostFlow;
-using rvtest::number;
-using rvtest::randomText;
-using rvtest::TestGraph;
-using rvtest::text;
-
-constexpr int kInfinite = 2147483647;
+using namespace rvtest;
 
 // Names say capacity and cost.
 int run(MinimumCostFlow& test, RVGraph* graph, RVNode* source, RVNode* sink, int desired = 0) {
@@ -68,6 +60,9 @@ TEST(MinimumCostFlow, SendsFlowAtLeastCost) {
         {"no way", "t->s:2,1 s->a:1,1", "t", 0, "0 at 0; 0 0"},
         {"an isolated sink", "s->a:1,1 t", "t", 0, "0 at 0; 0"},
         {"without capacities", "s->t", "t", 0, "0 at 0; 0"},
+        {"a capacity below 0", "s->t:-1", "s", 0, "code 16"},
+        {"a node's capacity below 0", "s->t:1 a:-1", "t", 0, "code 16"},
+        {"a desired flow below 0 before that", "s->t:-1", "t", -1, "code 19"},
         {"around", "s->a:3,1 a->s:2,1 s->s:4,9 s->s:5,1", "s", 0, "11 at 45; 2 2 4 5"},
         {"around, then loops, cheapest first", "s->a:3,1 a->s:2,1 s->s:4,9 s->s:5,1", "s", 8,
          "8 at 18; 2 2 1 5"},
@@ -259,23 +254,6 @@ TEST(MinimumCostFlow, FindsTheSamePathsWhoeverLooksIn) {
     EXPECT_GT(flows, 500);
 }
 
-TEST(MinimumCostFlow, ChecksItsDataInOrder) {
-    const TestGraph g("a->b:-1 c:-1");
-    const TestGraph other("x");
-    RVNode* const a = g.node("a");
-    RVNode* const x = other.node("x");
-    RVNode* const none = nullptr;
-    const struct {
-        RVNode* source;
-        RVNode* sink;
-        int desired;
-        int code;
-    } cases[] = {{none, x, -1, 12}, {x, none, -1, 13}, {a, none, -1, 14},
-                 {a, x, -1, 15},    {a, a, -1, 19},    {a, a, 0, 16}};
-    MinimumCostFlow test;
-    for (const auto& c : cases) EXPECT_EQ(run(test, g, c.source, c.sink, c.desired), c.code);
-}
-
 // A maximum flow on the core, with the path exists test as its search, as a caller would write one.
 class PlainFlow : public RVFlowAlgorithm {
 public:
@@ -441,26 +419,6 @@ TEST(FlowCore, BearsHooksOfMinimumCostFlow) {
     hooked.algorithm.firstCost = 0;
     hooked.algorithm.hasStart = false;
     EXPECT_EQ(hooked(), 999);
-}
-
-TEST(FlowCore, FailsWithItsParts) {
-    rvtest::FactorylessFactory factory;
-    RVGraph graph(&factory);
-    RVNode* const a = graph.addNode();
-    RVNode* const b = graph.addNode();
-    RVEdge* const edge = graph.addEdge(a, b);
-    for (const int cost : {1, -1}) {
-        testing::internal::CaptureStdout();
-        MinimumCostFlow flow(&graph);
-        flow.algorithm.debugMode(1);
-        flow.input.pSourceNode(a);
-        flow.input.pSinkNode(b);
-        flow.input.capacity(edge, 2);
-        flow.input.cost(edge, cost);
-        EXPECT_EQ(flow(), 999);
-        EXPECT_EQ(flow.output.totalFlow(), 0);
-        EXPECT_EQ(testing::internal::GetCapturedStdout(), "Error in Reachable Nodes. Return code = 21\n");
-    }
 }
 
 }  // namespace

@@ -10,13 +10,7 @@
 
 namespace {
 
-using rvtest::AllPairs;
-using rvtest::number;
-using rvtest::randomText;
-using rvtest::TestGraph;
-using rvtest::text;
-
-constexpr int kInfinite = 2147483647;
+using namespace rvtest;
 
 int run(AllPairs& test, RVGraph* graph, int undirected = 0) {
     test.input.undirected(undirected);

@@ -11,18 +11,7 @@
 
 namespace {
 
-using rvtest::AcyclicPaths;
-using rvtest::Dijkstra;
-using rvtest::MarkedGraph;
-using rvtest::PathOracle;
-using rvtest::randomText;
-using rvtest::ShortestPaths;
-using rvtest::TestGraph;
-using rvtest::text;
-using rvtest::UniquePath;
-using rvtest::Ways;
-
-constexpr int kInfinite = 2147483647;
+using namespace rvtest;
 
 template <class Run>
 int run(Run& test, RVGraph* graph, RVNode* start, RVNode* finish, int undirected = 0) {
@@ -317,55 +306,6 @@ TEST(Paths, AgreeWithAllSimplePaths) {
     EXPECT_GT(cycles, 300);
 }
 
-template <class Run>
-class PathCodes : public testing::Test {};
-using PathAlgorithms = testing::Types<Dijkstra, AcyclicPaths, ShortestPaths, UniquePath>;
-TYPED_TEST_SUITE(PathCodes, PathAlgorithms, rvtest::AlgorithmNames);
-
-TYPED_TEST(PathCodes, ComeInOrder) {
-    const TestGraph g("a->b");
-    const TestGraph other("x");
-    RVNode* const a = g.node("a");
-    RVNode* const x = other.node("x");
-    RVNode* const none = nullptr;
-    const struct {
-        RVGraph* graph;
-        RVNode* start;
-        RVNode* finish;
-        int code;
-    } cases[] = {{nullptr, none, none, 22}, {g, none, x, 8}, {g, x, none, 5},
-                 {g, a, none, 9},           {g, a, x, 6},    {g, a, a, 0}};
-    TypeParam test;
-    for (const auto& c : cases) {
-        test.input.pStartNode(c.start);
-        test.input.pFinishNode(c.finish);
-        EXPECT_EQ(test(c.graph), c.code);
-    }
-}
-
-// The working copy has no factory, without which no part runs.
-TEST(Paths, FailWithTheirParts) {
-    rvtest::FactorylessFactory factory;
-    RVGraph graph(&factory);
-    RVNode* const a = graph.addNode();
-    RVNode* const b = graph.addNode();
-    graph.addEdge(a, b);
-    for (const int debugMode : {0, 1}) {
-        testing::internal::CaptureStdout();
-        ShortestPaths service;
-        service.algorithm.debugMode(debugMode);
-        EXPECT_EQ(run(service, &graph, a, b), 999);
-        EXPECT_EQ(service.output.totalCost(), kInfinite);
-        UniquePath unique;
-        unique.algorithm.debugMode(debugMode);
-        EXPECT_EQ(run(unique, &graph, a, b), 999);
-        EXPECT_EQ(testing::internal::GetCapturedStdout(), debugMode == 0
-                                                              ? ""
-                                                              : "Error in Reachable Nodes. Return code = 21\n"
-                                                                "Error in path exists. return code is 21\n");
-    }
-}
-
 TEST(Paths, AnnounceCopiesThatAreDebugged) {
     Dijkstra dijkstra;
     AcyclicPaths acyclic;
@@ -430,18 +370,12 @@ TEST(ShortestPathsBinTree, OrdersByCurrentCostAndArrival) {
 // Chains of nodes that wait for one another, in a number at which squares would show.
 TEST(Paths, TakeLargeGraphs) {
     constexpr int kNodes = 200000;
-    RVAFactory factory;
-    const std::unique_ptr<RVGraph> graph(factory.newGraph());
-    std::vector<RVNode*> nodes;
-    for (int i = 0; i < kNodes; ++i) nodes.push_back(graph->addNode());
-    ShortestPaths service(graph.get());
-    Dijkstra dijkstra(graph.get());
-    for (int i = 1; i < kNodes; ++i) {
-        RVEdge* const edge =
-            graph->addEdge(nodes[static_cast<std::size_t>(i - 1)], nodes[static_cast<std::size_t>(i)]);
-        graph->addEdge(nodes[0], nodes[static_cast<std::size_t>(i)]);
-        service.input.cost(edge, -1);
-    }
+    const TestGraph graph;
+    const std::vector<RVNode*> nodes = addChain(graph, kNodes);
+    ShortestPaths service(graph);
+    Dijkstra dijkstra(graph);
+    for (RVEdge* edge : *graph->pEdgeList()) service.input.cost(edge, -1);
+    for (std::size_t i = 1; i < nodes.size(); ++i) graph->addEdge(nodes.front(), nodes[i]);
     for (auto* input : {&service.input, &dijkstra.input}) {
         input->pStartNode(nodes.front());
         input->pFinishNode(nodes.back());
