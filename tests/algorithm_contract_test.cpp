@@ -164,7 +164,7 @@ protected:
     }
 };
 
-TYPED_TEST_SUITE(AlgorithmContract, rvtest::Algorithms, rvtest::AlgorithmNames);
+TYPED_TEST_SUITE(AlgorithmContract, Algorithms, AlgorithmNames);
 
 TYPED_TEST(AlgorithmContract, AnswersAlwaysTheSameAndChangesNothing) {
     TypeParam kept;
@@ -318,7 +318,7 @@ private:
 // Runs on a graph of which no part can make a copy.
 template <class R, class Graph = RVGraph>
 void expectFailure(const char* message, const char* answer, const std::function<void(R&)>& prepare = {}) {
-    rvtest::FactorylessFactory factory;
+    FactorylessFactory factory;
     for (const int debugMode : {0, 1}) {
         Graph graph(&factory);
         graph.addEdge(graph.addNode(), graph.addNode());

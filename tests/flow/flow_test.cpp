@@ -17,22 +17,6 @@ namespace {
 
 using namespace rvtest;
 
-// Capacities are the numbers of edges and nodes; nodes without one are unlimited.
-int run(MaximumFlow& test, RVGraph* graph, RVNode* source, RVNode* sink) {
-    test.input.pSourceNode(source);
-    test.input.pSinkNode(sink);
-    for (RVNode* node : *graph->pNodeList()) test.input.capacity(node, number(node, 0, kInfinite));
-    for (RVEdge* edge : *graph->pEdgeList()) test.input.capacity(edge, number(edge, 0, 0));
-    return test(graph);
-}
-
-int run(MinimumCut& test, RVGraph* graph, RVNode* source, RVNode* sink) {
-    test.input.pSourceNode(source);
-    test.input.pSinkNode(sink);
-    for (RVEdge* edge : *graph->pEdgeList()) test.input.cost(edge, number(edge, 0, 0));
-    return test(graph);
-}
-
 // Flow that enters a node less what leaves it.
 std::int64_t excess(const RVMaximumFlowOutputData& output, const RVNode* node) {
     std::int64_t sum = 0;
@@ -70,7 +54,7 @@ TEST(MaximumFlow, PushesAsMuchAsFits) {
         SCOPED_TRACE(c.what);
         const TestGraph g(c.graph);
         const bool isAround = std::string(c.answer) == "around";
-        ASSERT_EQ(run(test, g, g.node("s"), g.node(isAround ? "s" : "t")), 0);
+        ASSERT_EQ(runOn(test, g, g.node("s"), g.node(isAround ? "s" : "t")), 0);
         if (isAround) {
             EXPECT_EQ(test.output.totalFlow(), 1);
             continue;
@@ -128,8 +112,8 @@ TEST(MaximumFlow, EqualsTheLeastCut) {
         RVNode* const source = g->pFirstNode();
         for (RVNode* sink : *g->pNodeList()) {
             SCOPED_TRACE(std::to_string(seed) + ", to " + text(sink) + ": " + tokens);
-            ASSERT_EQ(run(flow, g, source, sink), 0);
-            ASSERT_EQ(run(cut, g, source, sink), 0);
+            ASSERT_EQ(runOn(flow, g, source, sink), 0);
+            ASSERT_EQ(runOn(cut, g, source, sink), 0);
             std::set<const RVEdge*> listed;
             std::int64_t cost = 0;
             for (const RVEdge* edge : *cut.output.pEdgeList()) {
@@ -158,7 +142,7 @@ TEST(MaximumFlow, EqualsTheLeastCut) {
             total += flow.output.totalFlow();
             // Without the cut there is no way.
             for (const RVEdge* edge : listed) g->removeEdge(const_cast<RVEdge*>(edge));
-            const rvtest::Distances steps(g, rvtest::Ways::directed);
+            const Distances steps(g, Ways::directed);
             EXPECT_FALSE(steps.reaches(source, sink));
             for (const RVEdge* edge : listed)
                 g->insertEdge(const_cast<RVEdge*>(edge), edge->pSourceNode(), edge->pTargetNode());
@@ -187,7 +171,7 @@ TEST(MinimumCut, ListsItsEdgesInOrder) {
     for (const auto& c : cases) {
         SCOPED_TRACE(c.what);
         const TestGraph g(c.graph);
-        ASSERT_EQ(run(test, g, g.node("s"), g.node(c.sink)), 0);
+        ASSERT_EQ(runOn(test, g, g.node("s"), g.node(c.sink)), 0);
         RVEdgeDList edges;
         edges.appendEdge(nullptr);
         test.output.buildEdgeList(edges);
@@ -199,10 +183,8 @@ TEST(MinimumCut, ListsItsEdgesInOrder) {
 
 std::string answer(DisjointPaths& test, const TestGraph& g, const char* start, const char* finish,
                    int nodeDisjoint) {
-    test.input.pStartNode(g.node(start));
-    test.input.pFinishNode(g.node(finish));
     test.input.nodeDisjointPaths(nodeDisjoint);
-    EXPECT_EQ(test(g), 0);
+    EXPECT_EQ(runOn(test, g, g.node(start), g.node(finish)), 0);
     RVDList copies;
     test.output.buildPathList(copies);
     EXPECT_EQ(copies.length(), test.output.numberOfDisjointPaths());
@@ -256,10 +238,8 @@ TEST(DisjointPaths, AreAsManyAsTheLeastCut) {
         for (RVNode* finish : *g->pNodeList()) {
             for (const int nodeDisjoint : {0, 1}) {
                 SCOPED_TRACE(std::to_string(seed) + ", to " + text(finish) + ": " + tokens);
-                test.input.pStartNode(start);
-                test.input.pFinishNode(finish);
                 test.input.nodeDisjointPaths(nodeDisjoint);
-                ASSERT_EQ(test(g), 0);
+                ASSERT_EQ(runOn(test, g, start, finish), 0);
                 const RVDList* paths = test.output.pPathList();
                 ASSERT_EQ(paths->length(), test.output.numberOfDisjointPaths());
                 std::set<const RVEdge*> edges;

@@ -209,51 +209,6 @@ TEST(MinimumCostFlow, LeavesNoNegativeCycle) {
     EXPECT_GT(negative, 50);
 }
 
-// The class itself works in arrays, a subclass by the hooks of the flow core: by the same paths.
-class SubclassedFlow : public RVMinimumCostFlowAlgorithm {};
-
-TEST(MinimumCostFlow, FindsTheSamePathsWhoeverLooksIn) {
-    MinimumCostFlow plain;
-    rvtest::Runner<SubclassedFlow, RVMinimumCostFlowInputData, RVMinimumCostFlowOutputData> hooked;
-    RVMinimumCostFlowInputData& input = plain.input;
-    hooked.algorithm.pInputData(&input);
-    int flows = 0;
-    for (unsigned seed = 0; seed < 400; ++seed) {
-        const bool isLarge = seed % 25 == 0;
-        const MarkedGraph g(
-            randomText(seed, {.nodes = isLarge ? 50 : 9, .edges = isLarge ? 250 : 40, .loops = !isLarge}),
-            seed);
-        SCOPED_TRACE(std::to_string(seed) + ": " + orders(g));
-        std::mt19937 random(seed);
-        const auto below = [&](int limit) {
-            return static_cast<int>(random() % static_cast<unsigned>(limit));
-        };
-        const int most = seed % 2 == 0 ? 4 : 100;
-        const auto cost = [&] { return below(30) == 0 ? kInfinite - below(2) : below(most); };
-        for (RVNode* node : *g->pNodeList()) {
-            input.capacity(node, below(3) == 0 ? below(6) : kInfinite);
-            input.cost(node, below(3) == 0 ? cost() : 0);
-        }
-        for (RVEdge* edge : *g->pEdgeList()) {
-            input.capacity(edge, below(20) == 0 ? kInfinite : below(6));
-            input.cost(edge, cost());
-        }
-        input.pSourceNode(g->pFirstNode());
-        for (RVNode* sink : *g->pNodeList()) {
-            input.pSinkNode(sink);
-            input.desiredFlow(seed % 3 == 0 ? 1 + below(9) : 0);
-            ASSERT_EQ(plain(g), 0);
-            ASSERT_EQ(hooked(), 0);
-            EXPECT_EQ(plain.output.totalFlow(), hooked.output.totalFlow());
-            EXPECT_EQ(plain.output.totalCost(), hooked.output.totalCost());
-            for (RVEdge* edge : *g->pEdgeList())
-                EXPECT_EQ(plain.output.flow(edge), hooked.output.flow(edge)) << text(edge);
-            flows += plain.output.totalFlow() > 2 ? 1 : 0;
-        }
-    }
-    EXPECT_GT(flows, 500);
-}
-
 // A maximum flow on the core, with the path exists test as its search, as a caller would write one.
 class PlainFlow : public RVFlowAlgorithm {
 public:
@@ -278,7 +233,7 @@ protected:
         const RVFlowInternalData* data = pFlowInternalData();
         total = data->exactTotalFlow();
         for (RVEdge* edge : *pAssociatedGraph()->pEdgeList()) {
-            if (*edge->pNameString() != L'\0') flows[rvtest::token(edge)] = data->flow(edge);
+            if (*edge->pNameString() != L'\0') flows[token(edge)] = data->flow(edge);
         }
     }
     int pathExists(RVAnalysisOutputData* output) const override {
@@ -317,23 +272,19 @@ TEST(FlowCore, CarriesACallersSearch) {
         const std::string tokens =
             randomText(seed, {.nodes = 7, .edges = 14, .least = 0, .most = 5, .nodeNumbers = seed % 2 == 0});
         const TestGraph g(tokens);
-        const std::string before = rvtest::orders(g);
+        const std::string before = orders(g);
         RVNode* const source = g->pFirstNode();
         for (RVNode* sink : *g->pNodeList()) {
             SCOPED_TRACE(std::to_string(seed) + ", to " + text(sink) + ": " + tokens);
-            MaximumFlow expected(g);
-            for (RVNode* node : *g->pNodeList()) expected.input.capacity(node, number(node, 0, kInfinite));
-            for (RVEdge* edge : *g->pEdgeList()) expected.input.capacity(edge, number(edge, 0, 0));
+            MaximumFlow expected;
+            ASSERT_EQ(runOn(expected, g, source, sink), 0);
             expected.input.capacity(sink, kInfinite);
-            expected.input.pSourceNode(source);
-            expected.input.pSinkNode(sink);
-            ASSERT_EQ(expected(), 0);
             PlainFlow flow;
             flow.pInputData(&expected.input);
             flow.pOutputData(&expected.output);
             const int total = expected.output.totalFlow();
             ASSERT_EQ(flow.run(), 0);
-            EXPECT_EQ(rvtest::orders(g), before);
+            EXPECT_EQ(orders(g), before);
             if (source == sink) continue;
             EXPECT_EQ(flow.total, total);
             for (const auto& [name, value] : flow.flows) EXPECT_LE(value, number(g.edge(name), 0, 0)) << name;
@@ -384,36 +335,66 @@ protected:
     }
 };
 
-TEST(FlowCore, BearsHooksOfMinimumCostFlow) {
-    MinimumCostFlow plain;
-    rvtest::Runner<HookedFlow, RVMinimumCostFlowInputData, RVMinimumCostFlowOutputData> hooked;
-    for (unsigned seed = 0; seed < 60; ++seed) {
-        const TestGraph g(randomText(seed, {.nodes = 7, .edges = 16, .least = 0, .most = 5}));
-        SCOPED_TRACE(rvtest::drawing(g));
-        for (auto* input : {&plain.input, &hooked.input}) {
-            input->pAssociatedGraph(g);
-            input->pSourceNode(g->pFirstNode());
-            input->pSinkNode(g->pLastNode());
-            for (RVEdge* edge : *g->pEdgeList()) {
-                input->capacity(edge, number(edge, 0, 0));
-                input->cost(edge, (edge->denseIndex() * 7) % 5);
-            }
-        }
-        ASSERT_EQ(plain(g), 0);
-        ASSERT_EQ(hooked(g), 0);
-        EXPECT_EQ(hooked.output.totalCost(), plain.output.totalCost());
-        for (RVEdge* edge : *g->pEdgeList())
-            EXPECT_EQ(hooked.output.flow(edge), plain.output.flow(edge)) << text(edge);
-    }
-    EXPECT_GT(hooked.algorithm.distances, 100);
+// The class itself works in arrays, a subclass by the hooks of the flow core: by the same paths.
+class SubclassedFlow : public RVMinimumCostFlowAlgorithm {};
+template <class Algorithm>
+using FlowBy = Runner<Algorithm, RVMinimumCostFlowInputData, RVMinimumCostFlowOutputData>;
 
-    const TestGraph g("s->a:2,0 a->t:2,0 a->s:2,0");
-    for (auto* input : {&hooked.input}) {
-        input->pAssociatedGraph(g);
-        input->pSourceNode(g.node("s"));
-        input->pSinkNode(g.node("t"));
-        for (RVEdge* edge : *g->pEdgeList()) input->capacity(edge, 2);
+TEST(MinimumCostFlow, FindsTheSamePathsWhoeverLooksIn) {
+    MinimumCostFlow plain;
+    FlowBy<SubclassedFlow> subclassed;
+    FlowBy<HookedFlow> hooked;
+    RVMinimumCostFlowInputData& input = plain.input;
+    subclassed.algorithm.pInputData(&input);
+    hooked.algorithm.pInputData(&input);
+    int flows = 0;
+    for (unsigned seed = 0; seed < 400; ++seed) {
+        const bool isLarge = seed % 25 == 0;
+        const MarkedGraph g(
+            randomText(seed, {.nodes = isLarge ? 50 : 9, .edges = isLarge ? 250 : 40, .loops = !isLarge}),
+            seed);
+        SCOPED_TRACE(std::to_string(seed) + ": " + orders(g));
+        std::mt19937 random(seed);
+        const auto below = [&](int limit) {
+            return static_cast<int>(random() % static_cast<unsigned>(limit));
+        };
+        const int most = seed % 2 == 0 ? 4 : 100;
+        const auto cost = [&] { return below(30) == 0 ? kInfinite - below(2) : below(most); };
+        for (RVNode* node : *g->pNodeList()) {
+            input.capacity(node, below(3) == 0 ? below(6) : kInfinite);
+            input.cost(node, below(3) == 0 ? cost() : 0);
+        }
+        for (RVEdge* edge : *g->pEdgeList()) {
+            input.capacity(edge, below(20) == 0 ? kInfinite : below(6));
+            input.cost(edge, cost());
+        }
+        input.pSourceNode(g->pFirstNode());
+        for (RVNode* sink : *g->pNodeList()) {
+            input.pSinkNode(sink);
+            input.desiredFlow(seed % 3 == 0 ? 1 + below(9) : 0);
+            ASSERT_EQ(plain(g), 0);
+            ASSERT_EQ(subclassed(), 0);
+            ASSERT_EQ(hooked(), 0);
+            for (const auto* output : {&subclassed.output, &hooked.output}) {
+                EXPECT_EQ(plain.output.totalFlow(), output->totalFlow());
+                EXPECT_EQ(plain.output.totalCost(), output->totalCost());
+                for (RVEdge* edge : *g->pEdgeList())
+                    EXPECT_EQ(plain.output.flow(edge), output->flow(edge)) << text(edge);
+            }
+            flows += plain.output.totalFlow() > 2 ? 1 : 0;
+        }
     }
+    EXPECT_GT(flows, 500);
+    EXPECT_GT(hooked.algorithm.distances, 100);
+}
+
+TEST(FlowCore, FailsWithHooksThatMeddle) {
+    FlowBy<HookedFlow> hooked;
+    const TestGraph g("s->a:2,0 a->t:2,0 a->s:2,0");
+    hooked.input.pSourceNode(g.node("s"));
+    hooked.input.pSinkNode(g.node("t"));
+    for (RVEdge* edge : *g->pEdgeList()) hooked.input.capacity(edge, 2);
+    EXPECT_EQ(hooked(g), 0);
     hooked.algorithm.firstCost = -1;
     EXPECT_EQ(hooked(), 999);
     hooked.algorithm.firstCost = 0;

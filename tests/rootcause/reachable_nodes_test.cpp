@@ -13,13 +13,9 @@ namespace {
 using namespace rvtest;
 
 int run(Reachable& test, RVGraph* graph, RVNode* start, int range, int reversed = 0, int undirected = 0) {
-    test.input.pStartNode(start);
     test.input.range(range);
     test.input.reversed(reversed);
-    test.input.undirected(undirected);
-    rvtest::takeDrawnDirections(test.input, graph);
-    rvtest::takeCosts(test.input, graph);
-    return test(graph);
+    return runOn(test, graph, start, nullptr, undirected);
 }
 
 TEST(ReachableNodes, ListsNodesByDistance) {

@@ -13,20 +13,10 @@ namespace {
 
 using namespace rvtest;
 
-template <class Run>
-int run(Run& test, RVGraph* graph, RVNode* start, RVNode* finish, int undirected = 0) {
-    test.input.pStartNode(start);
-    test.input.pFinishNode(finish);
-    test.input.undirected(undirected);
-    rvtest::takeDrawnDirections(test.input, graph);
-    rvtest::takeCosts(test.input, graph);
-    return test(graph);
-}
-
 // The path with its cost, or the code.
 template <class Run>
 std::string answer(Run& test, const TestGraph& g, const char* start, const char* finish, int undirected = 0) {
-    const int code = run(test, g, g.node(start), g.node(finish), undirected);
+    const int code = runOn(test, g, g.node(start), g.node(finish), undirected);
     if (code != 0) return "code " + std::to_string(code);
     RVEdgeDList path;
     path.appendEdge(nullptr);
@@ -99,15 +89,15 @@ TEST(Dijkstra, StoresDistancesWhenAsked) {
             all += text(node) + "=" + std::to_string(test.output.dist(node)) + " ";
         return all;
     };
-    EXPECT_EQ(run(test, g, g.node("s"), g.node("a")), 0);
+    EXPECT_EQ(runOn(test, g, g.node("s"), g.node("a")), 0);
     EXPECT_EQ(distances(), "s=-100 a=-100 b=-100 c=-100 x=-100 e=-100 ");
     test.algorithm.storeDistances(1);
     for (const int original : {0, 1}) {
         test.algorithm.useOriginalGraph(original);
-        EXPECT_EQ(run(test, g, g.node("s"), g.node("e")), 0);
+        EXPECT_EQ(runOn(test, g, g.node("s"), g.node("e")), 0);
         EXPECT_EQ(distances(), "s=0 a=2 b=5 c=6 x=2147483647 e=2147483647 ");
     }
-    EXPECT_EQ(run(test, g, g.node("e"), g.node("e")), 0);
+    EXPECT_EQ(runOn(test, g, g.node("e"), g.node("e")), 0);
     EXPECT_EQ(test.output.dist(g.node("e")), 0);
     test.output.reset();
     EXPECT_EQ(distances(), "s=-100 a=-100 b=-100 c=-100 x=-100 e=-100 ");
@@ -115,7 +105,7 @@ TEST(Dijkstra, StoresDistancesWhenAsked) {
     // An output without distances is as good.
     RVShortestPathsOutputData plain;
     test.algorithm.pOutputData(&plain);
-    EXPECT_EQ(run(test, g, g.node("s"), g.node("c")), 0);
+    EXPECT_EQ(runOn(test, g, g.node("s"), g.node("c")), 0);
     EXPECT_EQ(plain.totalCost(), 6);
 }
 
@@ -226,7 +216,7 @@ TEST(Paths, AgreeWithAllSimplePaths) {
     AcyclicPaths acyclic;
     ShortestPaths service;
     UniquePath unique;
-    rvtest::TopologicalSort sort;
+    TopologicalSort sort;
     dijkstra.algorithm.storeDistances(1);
     int paths = 0;
     int cycles = 0;
@@ -247,7 +237,7 @@ TEST(Paths, AgreeWithAllSimplePaths) {
         const Ways ways = undirected != 0 ? Ways::both : Ways::drawn;
         PathOracle withNodes(g, ways, true);
         PathOracle withoutNodes(g, ways, false);
-        const rvtest::Distances steps(g, ways);
+        const Distances steps(g, ways);
         const bool canSort = sort(g) == RV_NO_ERROR && sort.output.acyclic() != 0 && undirected == 0 &&
                              tokens.find("--") == std::string::npos;
         for (RVNode* start : *g->pNodeList()) {
@@ -268,7 +258,7 @@ TEST(Paths, AgreeWithAllSimplePaths) {
                         withNodes.hasNegativeCycle(node))
                         hasCycle = true;
                 }
-                const int code = run(service, g, start, finish, undirected);
+                const int code = runOn(service, g, start, finish, undirected);
                 ASSERT_EQ(code, hasCycle ? 18 : 0);
                 if (hasCycle) {
                     ++cycles;
@@ -277,7 +267,7 @@ TEST(Paths, AgreeWithAllSimplePaths) {
                     check(service, withNodes);
                 }
                 // Under edge costs alone.
-                const int dijkstraCode = run(dijkstra, g, start, finish, undirected);
+                const int dijkstraCode = runOn(dijkstra, g, start, finish, undirected);
                 if (dijkstraCode == 0) {
                     check(dijkstra, withoutNodes);
                     for (RVNode* node : *g->pNodeList()) {
@@ -290,10 +280,10 @@ TEST(Paths, AgreeWithAllSimplePaths) {
                 }
                 if (canSort) {
                     *acyclic.input.pCandidateNodeList() = *sort.output.pNodeList();
-                    ASSERT_EQ(run(acyclic, g, start, finish), 0);
+                    ASSERT_EQ(runOn(acyclic, g, start, finish), 0);
                     check(acyclic, withoutNodes);
                 }
-                ASSERT_EQ(run(unique, g, start, finish, undirected), 0);
+                ASSERT_EQ(runOn(unique, g, start, finish, undirected), 0);
                 const int count = withoutNodes.count(start, finish);
                 EXPECT_EQ(unique.output.uniquePathExists(), count == 1 ? 1 : 0);
                 if (count > 0) {

@@ -20,15 +20,8 @@ using namespace rvtest;
 int run(SingleSource& test, RVGraph* graph, RVNode* start, int directed = 1) {
     test.input.pStartNode(start);
     test.input.directed(directed);
-    rvtest::takeDrawnDirections(test.input, graph);
-    rvtest::takeCosts(test.input, graph);
-    return test(graph);
-}
-
-int run(SortedPaths& test, RVGraph* graph, RVNode* start, RVNode* finish) {
-    test.input.pStartNode(start);
-    test.input.pFinishNode(finish);
-    rvtest::takeCosts(test.input, graph);
+    takeDrawnDirections(test.input, graph);
+    takeCosts(test.input, graph);
     return test(graph);
 }
 
@@ -125,7 +118,7 @@ TEST(SingleSource, AgreesWithAllSimplePaths) {
         const int directed = seed % 7 == 0 ? 0 : 1;
         const Ways ways = directed == 0 ? Ways::both : Ways::drawn;
         PathOracle oracle(g, ways, false);
-        const rvtest::Distances steps(g, ways);
+        const Distances steps(g, ways);
         for (RVNode* start : *g->pNodeList()) {
             SCOPED_TRACE(std::to_string(seed) + ", " + text(start) + ": " + tokens);
             bool hasCycle = false;
@@ -223,7 +216,7 @@ TEST(SortedPaths, GivePathsInTheOrderOfTheirCost) {
     for (const auto& c : cases) {
         SCOPED_TRACE(c.what);
         const TestGraph g(c.graph);
-        EXPECT_EQ(run(test, g, g.node("s"), g.node("f")), c.code);
+        EXPECT_EQ(runOn(test, g, g.node("s"), g.node("f")), c.code);
         EXPECT_EQ(firstPaths(test.output, 3), c.paths);
         EXPECT_EQ(test.output.numberOfPaths(), c.number);
         EXPECT_EQ(test.output.acyclic(), c.acyclic);
@@ -236,7 +229,7 @@ TEST(SortedPaths, GivePathsInTheOrderOfTheirCost) {
 TEST(SortedPaths, StartWhereTheyFinish) {
     SortedPaths test;
     const TestGraph g("s->a:1 s:4 b->s:1 s->b:2");
-    EXPECT_EQ(run(test, g, g.node("s"), g.node("s")), 0);
+    EXPECT_EQ(runOn(test, g, g.node("s"), g.node("s")), 0);
     EXPECT_EQ(test.output.shortestPathLength(), 0);
     EXPECT_EQ(firstPaths(test.output, 3), "0: ; 7: s->b:2 b->s:1; 14: s->b:2 b->s:1 s->b:2 b->s:1; ");
     EXPECT_EQ(firstPaths(test.output, 3, true), "0: ; ");
@@ -250,7 +243,7 @@ TEST(SortedPaths, StartWhereTheyFinish) {
     test.output.discardPathGraph();
 
     const TestGraph alone("s->a:1");
-    EXPECT_EQ(run(test, alone, alone.node("s"), alone.node("s")), 0);
+    EXPECT_EQ(runOn(test, alone, alone.node("s"), alone.node("s")), 0);
     EXPECT_EQ(test.output.numberOfPaths(), 1);
     test.output.discardPathGraph();
 }
@@ -336,7 +329,7 @@ TEST(SortedPaths, AgreeWithAllWalksAndPaths) {
             // A walk pays for the node where it ends, but not for that where it starts.
             std::map<RVNode*, std::int64_t> rest;
             bool hasCycle = false;
-            const rvtest::Distances steps(g, Ways::directed);
+            const Distances steps(g, Ways::directed);
             for (RVNode* node : *g->pNodeList()) {
                 const auto best = oracle.cheapest(node, finish);
                 if (node == finish) {
@@ -348,7 +341,7 @@ TEST(SortedPaths, AgreeWithAllWalksAndPaths) {
                     oracle.hasNegativeCycle(node))
                     hasCycle = true;
             }
-            ASSERT_EQ(run(test, g, start, finish), hasCycle ? 18 : 0);
+            ASSERT_EQ(runOn(test, g, start, finish), hasCycle ? 18 : 0);
             if (hasCycle || rest.count(start) == 0) {
                 EXPECT_EQ(test.output.pathExists() + test.output.numberOfPaths(), 0);
                 continue;
@@ -424,7 +417,7 @@ TEST(SortedPaths, AgreeWithAllWalksAndPaths) {
 TEST(SortedPaths, LeaveThePathGraphToTheCaller) {
     const TestGraph g("s->f:1 s->f:2 s->a:1 a->f:1");
     auto test = std::make_unique<SortedPaths>();
-    ASSERT_EQ(run(*test, g, g.node("s"), g.node("f")), 0);
+    ASSERT_EQ(runOn(*test, g, g.node("s"), g.node("f")), 0);
     const std::unique_ptr<RVGraph> paths(test->output.pPathGraph());
     ASSERT_NE(paths, nullptr);
     const RVSortedPathsOutputData copy(test->output);
@@ -462,7 +455,7 @@ TEST(SortedPaths, LeaveThePathGraphToTheCaller) {
 
     // A walk does not go on in another path graph.
     SortedPaths again;
-    ASSERT_EQ(run(again, g, g.node("s"), g.node("f")), 0);
+    ASSERT_EQ(runOn(again, g, g.node("s"), g.node("f")), 0);
     RVSortedPathsEnumerator stale(&again.output);
     EXPECT_TRUE(stale.next());
     again.output.discardPathGraph();
@@ -492,8 +485,8 @@ protected:
 
 TEST(SortedPaths, BearHooksThatMeddle) {
     const TestGraph g("e s->f:5 x->s");
-    const std::string before = rvtest::orders(g);
-    rvtest::Runner<Meddler, RVSortedPathsInputData, RVSortedPathsOutputData> test(g);
+    const std::string before = orders(g);
+    Runner<Meddler, RVSortedPathsInputData, RVSortedPathsOutputData> test(g);
     test.input.pStartNode(g.node("s"));
     test.input.pFinishNode(g.node("f"));
     test.algorithm.from = g.node("s");
@@ -505,7 +498,7 @@ TEST(SortedPaths, BearHooksThatMeddle) {
     test.algorithm.throws = true;
     test.algorithm.useOriginalGraph(1);
     EXPECT_THROW(test(), int);
-    EXPECT_EQ(rvtest::orders(g), before);
+    EXPECT_EQ(orders(g), before);
     test.output.discardPathGraph();
 }
 

@@ -8,20 +8,12 @@
 #include <vector>
 
 #include "tests/algorithm_checks.h"
+#include "tests/shortestpaths/path_checks.h"
 #include "tests/test_graph.h"
 
 namespace {
 
 using namespace rvtest;
-
-template <class Test>
-RVServiceErrorCodeEnum run(Test& test, RVGraph* graph, RVNode* start, RVNode* finish, int undirected) {
-    test.input.pStartNode(start);
-    test.input.pFinishNode(finish);
-    test.input.undirected(undirected);
-    rvtest::takeDrawnDirections(test.input, graph);
-    return test(graph);
-}
 
 // The path, or the nodes that can be reached.
 std::string answer(const RVPathExistsTestOutputData& output) {
@@ -63,7 +55,7 @@ TEST(PathExistsTest, FindsAShortestPathOrWhatCanBeReached) {
     for (const auto& c : cases) {
         SCOPED_TRACE(c.what);
         const TestGraph g(c.graph);
-        EXPECT_EQ(run(test, g, g.node(c.start), g.node(c.finish), c.undirected), RV_NO_ERROR);
+        EXPECT_EQ(runOn(test, g, g.node(c.start), g.node(c.finish), c.undirected), RV_NO_ERROR);
         EXPECT_EQ(answer(test.output), c.answer);
     }
 }
@@ -81,7 +73,7 @@ TEST(PathExistsTest, AgreesWithAllDistances) {
             for (RVNode* finish : *g->pNodeList()) {
                 SCOPED_TRACE(std::to_string(seed) + ", " + text(start) + " to " + text(finish) + ": " +
                              tokens);
-                ASSERT_EQ(run(test, g, start, finish, seed % 3 == 0 ? 1 : 0), RV_NO_ERROR);
+                ASSERT_EQ(runOn(test, g, start, finish, seed % 3 == 0 ? 1 : 0), RV_NO_ERROR);
                 ASSERT_EQ(test.output.pathExists(), steps.reaches(start, finish) ? 1 : 0);
                 ++all;
                 paths += test.output.pathExists();
@@ -93,13 +85,7 @@ TEST(PathExistsTest, AgreesWithAllDistances) {
                     continue;
                 }
                 EXPECT_EQ(test.output.pEdgeList()->length(), steps(start, finish));
-                const RVNode* at = start;
-                for (const RVEdge* edge : *test.output.pEdgeList()) {
-                    ASSERT_EQ(edge->pOwnerGraph(), g.get());
-                    at = follow(edge, at, ways);
-                    ASSERT_NE(at, nullptr) << text(edge);
-                }
-                EXPECT_EQ(at, finish);
+                PathOracle(g, ways, false).expectPath(*test.output.pEdgeList(), start, finish, 0);
             }
         }
     }
@@ -119,8 +105,8 @@ TEST(PathExistsTest, StopsAtTheFinish) {
         }
     };
     const TestGraph g("a->b a->c b->d c->d c->e d->e e->a");
-    rvtest::Runner<Counting, RVPathExistsTestInputData, RVPathExistsTestOutputData> test;
-    ASSERT_EQ(run(test, g, g.node("a"), g.node("d"), 0), RV_NO_ERROR);
+    Runner<Counting, RVPathExistsTestInputData, RVPathExistsTestOutputData> test;
+    ASSERT_EQ(runOn(test, g, g.node("a"), g.node("d"), 0), RV_NO_ERROR);
     EXPECT_EQ(test.algorithm.edges, " a->b a->c b->d");
 }
 

@@ -137,7 +137,7 @@ TEST(TraversalEngine, DrivesACallersSearch) {
             BestFirst search(g);
             search.algorithm.useOriginalGraph(original);
             search.input.undirected(c.undirected);
-            rvtest::takeDrawnDirections(search.input, g);
+            takeDrawnDirections(search.input, g);
             if (*c.start != '\0') search.input.pStartNode(g.node(c.start));
             EXPECT_EQ(search(), RV_NO_ERROR);
             EXPECT_EQ(search.algorithm.result, c.result);
@@ -331,7 +331,7 @@ constexpr int kCycles = 20000;
 
 template <class Run, class Check>
 void runWithSmallStack(RVGraph* graph, const Check& check) {
-    rvtest::withSmallStack([&] {
+    withSmallStack([&] {
         Run run(graph);
         EXPECT_EQ(run(), RV_NO_ERROR);
         check(run.output);
