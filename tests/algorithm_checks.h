@@ -17,6 +17,8 @@
 
 namespace rvtest {
 
+constexpr int kInfinite = 2147483647;
+
 // An algorithm with its data, for one graph after another.
 template <class Algorithm, class Input, class Output>
 struct Runner {
@@ -126,13 +128,38 @@ void takeDrawnDirections(Input& input, const RVGraph* graph) {
     for (RVEdge* edge : *graph->pEdgeList()) input.undirected(edge, undirected(edge) ? 1 : 0);
 }
 
-// Gives nodes and edges the costs that their names say, 0 where they say none, if the input has costs.
+// Gives nodes and edges the costs that their names say, 0 where they say none, or, if the input has none,
+// such capacities; those of other nodes are without limit.
 template <class Input>
-void takeCosts([[maybe_unused]] Input& input, [[maybe_unused]] const RVGraph* graph) {
-    if constexpr (requires(RVNode * node) { input.cost(node, 0); }) {
-        for (RVNode* node : *graph->pNodeList()) input.cost(node, number(node, 0, 0));
-        for (RVEdge* edge : *graph->pEdgeList()) input.cost(edge, number(edge, 0, 0));
+void takeCosts(Input& input, const RVGraph* graph) {
+    for ([[maybe_unused]] RVNode* node : *graph->pNodeList()) {
+        if constexpr (requires { input.cost(node, 0); })
+            input.cost(node, number(node, 0, 0));
+        else if constexpr (requires { input.capacity(node, 0); })
+            input.capacity(node, number(node, 0, kInfinite));
     }
+    for ([[maybe_unused]] RVEdge* edge : *graph->pEdgeList()) {
+        if constexpr (requires { input.cost(edge, 0); })
+            input.cost(edge, number(edge, 0, 0));
+        else if constexpr (requires { input.capacity(edge, 0); })
+            input.capacity(edge, number(edge, 0, 0));
+    }
+}
+
+// Asks an algorithm about nodes of a graph as it is drawn.
+template <class Run>
+int runOn(Run& test, RVGraph* graph, RVNode* first, RVNode* second = nullptr, int undirected = 0) {
+    auto& input = test.input;
+    if constexpr (requires { input.pStartNode(first); }) input.pStartNode(first);
+    if constexpr (requires { input.pFinishNode(second); }) input.pFinishNode(second);
+    if constexpr (requires { input.pSourceNode(first); }) input.pSourceNode(first);
+    if constexpr (requires { input.pSinkNode(second); }) input.pSinkNode(second);
+    if constexpr (requires { input.undirected(undirected); }) {
+        input.undirected(undirected);
+        takeDrawnDirections(input, graph);
+    }
+    takeCosts(input, graph);
+    return test(graph);
 }
 
 // Nodes weigh, and edges cost, what their names say.
@@ -234,5 +261,13 @@ private:
     }
     std::map<std::pair<RVNode*, RVNode*>, int> m_steps;
 };
+
+// Whether no edge can be followed back to where it starts.
+inline bool isAcyclic(const RVGraph* graph) {
+    const Distances steps(graph, Ways::directed);
+    for (RVEdge* edge : *graph->pEdgeList())
+        if (steps.reaches(edge->pTargetNode(), edge->pSourceNode())) return false;
+    return true;
+}
 
 }  // namespace rvtest

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <array>
+#include <functional>
 #include <memory>
 #include <string>
 
@@ -13,12 +14,7 @@
 
 namespace {
 
-using rvtest::MarkedGraph;
-using rvtest::orders;
-using rvtest::randomText;
-using rvtest::snapshot;
-using rvtest::TestGraph;
-using rvtest::text;
+using namespace rvtest;
 
 // All that an output tells about a graph.
 template <class Output>
@@ -118,6 +114,26 @@ private:
     int m_flag;
 };
 
+// What is said of numbers that are all below 0.
+template <class R>
+constexpr int kCodeOfNumbers = RV_NO_ERROR;
+template <>
+constexpr int kCodeOfNumbers<Dijkstra> = RV_ALGORITHM_FAILURE;
+template <>
+constexpr int kCodeOfNumbers<AllPairs> = RV_NEGATIVE_CYCLE;
+template <>
+constexpr int kCodeOfNumbers<ShortestPaths> = RV_NEGATIVE_CYCLE;
+template <>
+constexpr int kCodeOfNumbers<SingleSource> = RV_NEGATIVE_CYCLE;
+template <>
+constexpr int kCodeOfNumbers<MaximumFlow> = RV_NEGATIVE_CAPACITY;
+template <>
+constexpr int kCodeOfNumbers<MinimumCostFlow> = RV_NEGATIVE_DESIRED_FLOW;
+template <>
+constexpr int kCodeOfNumbers<MinimumCut> = RV_NEGATIVE_COST;
+template <>
+constexpr int kCodeOfNumbers<Reachable> = RV_INVALID_RANGE;
+
 template <class R>
 class AlgorithmContract : public testing::Test {
 protected:
@@ -135,13 +151,34 @@ protected:
         EXPECT_EQ(run.output.pAssociatedGraph(), graph);
         return describe(run.output, graph);
     }
+    // The code for the first node that is missing or another one than the right one.
+    static int codeOfNodes(const R& run, const Question& question, const RVNode* right) {
+        constexpr bool isSearch = std::is_same_v<R, BreadthFirst> || std::is_same_v<R, DepthFirst>;
+        const struct {
+            const char* field;
+            int missing;
+            int foreign;
+        } nodes[] = {
+            {"startNode", isSearch ? RV_NO_ERROR : RV_NO_START_NODE, RV_START_NODE_NOT_IN_GRAPH},
+            {"sourceNode", RV_NO_SOURCE_NODE, RV_SOURCE_NODE_NOT_IN_GRAPH},
+            {"finishNode", RV_NO_FINISH_NODE, RV_FINISH_NODE_NOT_IN_GRAPH},
+            {"sinkNode", RV_NO_SINK_NODE, RV_SINK_NODE_NOT_IN_GRAPH},
+            {"targetNode", RV_NO_TARGET_NODE, RV_TARGET_NODE_NOT_IN_GRAPH},
+        };
+        for (const auto& node : nodes) {
+            const RVObject* const given = question.pObjectField(node.field, nullptr);
+            if (!run.input.hasField(node.field) || given == right) continue;
+            return given == nullptr ? node.missing : node.foreign;
+        }
+        return RV_NO_ERROR;
+    }
     static void useOriginalGraph(R& run, int flag) {
         if constexpr (requires { run.algorithm.useOriginalGraph(flag); })
             run.algorithm.useOriginalGraph(flag);
     }
 };
 
-TYPED_TEST_SUITE(AlgorithmContract, rvtest::Algorithms, rvtest::AlgorithmNames);
+TYPED_TEST_SUITE(AlgorithmContract, Algorithms, AlgorithmNames);
 
 TYPED_TEST(AlgorithmContract, AnswersAlwaysTheSameAndChangesNothing) {
     TypeParam kept;
@@ -192,6 +229,10 @@ TYPED_TEST(AlgorithmContract, AnswersAlwaysTheSameAndChangesNothing) {
             const auto output = std::make_unique<decltype(copied.output)>(copied.output);
             static_cast<RVAlgorithmOutputData&>(copied.output).reset();
             EXPECT_EQ(describe(*output, g), expected);
+            decltype(copied.output) empty;
+            empty.pAssociatedGraph(g);
+            if constexpr (std::is_same_v<TypeParam, Heuristic>) empty.acyclic(copied.output.acyclic());
+            EXPECT_EQ(describe(copied.output, g), describe(empty, g));
         }
         // Only what the kept input and output know is on the graph now.
         this->answer(kept, other, flag);
@@ -215,6 +256,8 @@ TYPED_TEST(AlgorithmContract, AnswersMissingAndForeignDataWithCodes) {
     run.algorithm.pInputData(nullptr);
     EXPECT_EQ(run(g), RV_NO_INPUT_DATA);
     EXPECT_EQ(describe(run.output, g), expected);
+    run.algorithm.pInputData(&run.input);
+    run.algorithm.pOutputData(&run.output);
 
     // A node that is detached, of another graph, or discarded, which is no object to the sanitizers.
     g->removeNode(g.node("d"));
@@ -223,21 +266,20 @@ TYPED_TEST(AlgorithmContract, AnswersMissingAndForeignDataWithCodes) {
 #ifdef RV_SANITIZED
     gone = nullptr;
 #endif
-    for (RVNode* foreign : {g.node("d"), other.node("x"), gone}) {
-        if (foreign == nullptr) continue;
-        TypeParam second;
-        Question question(g);
-        question.pFinish = foreign;
-        this->ask(second, g, question);
-        EXPECT_EQ(second(), second.input.hasField("finishNode")   ? RV_FINISH_NODE_NOT_IN_GRAPH
-                            : second.input.hasField("sinkNode")   ? RV_SINK_NODE_NOT_IN_GRAPH
-                            : second.input.hasField("targetNode") ? RV_TARGET_NODE_NOT_IN_GRAPH
-                                                                  : RV_NO_ERROR);
-        question.pStart = foreign;
-        this->ask(second, g, question);
-        EXPECT_EQ(second(), second.input.hasField("startNode")    ? RV_START_NODE_NOT_IN_GRAPH
-                            : second.input.hasField("sourceNode") ? RV_SOURCE_NODE_NOT_IN_GRAPH
-                                                                  : RV_NO_ERROR);
+    RVNode* const nodes[] = {g.node("a"), nullptr, g.node("d"), other.node("x"), gone};
+    for (RVNode* first : nodes) {
+        for (RVNode* second : nodes) {
+            const std::string kept = this->answer(run, g, 0);
+            Question question(g, -5);
+            question.pStart = first;
+            question.pFinish = second;
+            this->ask(run, g, question);
+            const int code = this->codeOfNodes(run, question, nodes[0]);
+            EXPECT_EQ(run(), code != 0 ? code : kCodeOfNumbers<TypeParam>) << code;
+            EXPECT_TRUE(code == 0 || describe(run.output, g) == kept) << kept;
+            EXPECT_EQ(run(&factoryless), RV_NO_GRAPH_FACTORY);
+            EXPECT_EQ(run(nullptr), RV_NO_INPUT_GRAPH);
+        }
     }
     g->insertNode(g.node("d"));
     EXPECT_EQ(orders(g), before);
@@ -278,6 +320,51 @@ TYPED_TEST(AlgorithmContract, LetsEverythingGoInAnyOrder) {
             }
         }
     } while (std::next_permutation(order.begin(), order.end()));
+}
+
+// Gives its factory once, so that a part of an algorithm misses it.
+class ForgetfulGraph : public RVGraph {
+public:
+    using RVGraph::RVGraph;
+    RVAFactory* pFactory() const override { return m_asked++ == 0 ? RVGraph::pFactory() : nullptr; }
+
+private:
+    mutable int m_asked = 0;
+};
+
+// Runs on a graph of which no part can make a copy.
+template <class R, class Graph = RVGraph>
+void expectFailure(const char* message, const char* answer, const std::function<void(R&)>& prepare = {}) {
+    FactorylessFactory factory;
+    for (const int debugMode : {0, 1}) {
+        Graph graph(&factory);
+        graph.addEdge(graph.addNode(), graph.addNode());
+        R run(&graph);
+        const Question question(&graph, 1);
+        run.input.copyData(&question);
+        if (prepare) prepare(run);
+        run.algorithm.debugMode(debugMode);
+        testing::internal::CaptureStdout();
+        EXPECT_EQ(run(), RV_ALGORITHM_FAILURE);
+        EXPECT_EQ(testing::internal::GetCapturedStdout(), debugMode == 0 ? "" : message);
+        EXPECT_EQ(describe(run.output, &graph), answer) << message;
+        EXPECT_EQ(graph.numberOfEdges(), 1);
+    }
+}
+
+TEST(Algorithms, FailWithTheirParts) {
+    expectFailure<ShortestPaths>("Error in Reachable Nodes. Return code = 21\n", "; 0; 2147483647; ");
+    expectFailure<UniquePath>("Error in path exists. return code is 21\n", "; 0; ");
+    expectFailure<MinimumCut>("Error in max flow. Return code = 21\n", "; 0; ");
+    expectFailure<AcyclicTest>("Error in Top Sort. Return code = 21\n", "1; ");
+    expectFailure<TreeTest, ForgetfulGraph>("Error in cc alg. Return code is 999\n", "0; ");
+    for (const int flag : {0, 1}) {
+        expectFailure<DisjointPaths>("Error in max flow.\nReturn code: 21\n", "",
+                                     [&](auto& run) { run.input.nodeDisjointPaths(flag); });
+        expectFailure<MinimumCostFlow>(
+            "Error in Reachable Nodes. Return code = 21\n", "0; 0; 0; ",
+            [&](auto& run) { run.input.cost(run.input.pAssociatedGraph()->pFirstEdge(), 1 - 2 * flag); });
+    }
 }
 
 }  // namespace

@@ -86,7 +86,7 @@ inline std::string orders(const RVGraph* graph) {
 // A graph of a factory, its own unless one is given.
 class TestGraph {
 public:
-    explicit TestGraph(const std::string& tokens, RVAFactory* factory = nullptr)
+    explicit TestGraph(const std::string& tokens = "", RVAFactory* factory = nullptr)
         : m_graph((factory == nullptr ? &m_factory : factory)->newGraph()) {
         std::istringstream stream(tokens);
         for (std::string name; stream >> name;) add(name);
@@ -145,6 +145,16 @@ private:
     std::map<std::string, RVNode*> m_nodes;
     std::map<std::string, RVEdge*> m_edges;
 };
+
+// Adds nodes with an edge from each to the next one.
+inline std::vector<RVNode*> addChain(RVGraph* graph, int length) {
+    std::vector<RVNode*> nodes{graph->addNode()};
+    while (--length > 0) {
+        nodes.push_back(graph->addNode());
+        graph->addEdge(nodes.end()[-2], nodes.back());
+    }
+    return nodes;
+}
 
 // What a random graph may be like.
 struct Shape {

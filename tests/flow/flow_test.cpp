@@ -15,32 +15,7 @@
 
 namespace {
 
-using rvtest::DisjointPaths;
-using rvtest::MarkedGraph;
-using rvtest::MaximumFlow;
-using rvtest::MinimumCut;
-using rvtest::number;
-using rvtest::randomText;
-using rvtest::TestGraph;
-using rvtest::text;
-
-constexpr int kInfinite = 2147483647;
-
-// Capacities are the numbers of edges and nodes; nodes without one are unlimited.
-int run(MaximumFlow& test, RVGraph* graph, RVNode* source, RVNode* sink) {
-    test.input.pSourceNode(source);
-    test.input.pSinkNode(sink);
-    for (RVNode* node : *graph->pNodeList()) test.input.capacity(node, number(node, 0, kInfinite));
-    for (RVEdge* edge : *graph->pEdgeList()) test.input.capacity(edge, number(edge, 0, 0));
-    return test(graph);
-}
-
-int run(MinimumCut& test, RVGraph* graph, RVNode* source, RVNode* sink) {
-    test.input.pSourceNode(source);
-    test.input.pSinkNode(sink);
-    for (RVEdge* edge : *graph->pEdgeList()) test.input.cost(edge, number(edge, 0, 0));
-    return test(graph);
-}
+using namespace rvtest;
 
 // Flow that enters a node less what leaves it.
 std::int64_t excess(const RVMaximumFlowOutputData& output, const RVNode* node) {
@@ -79,7 +54,7 @@ TEST(MaximumFlow, PushesAsMuchAsFits) {
         SCOPED_TRACE(c.what);
         const TestGraph g(c.graph);
         const bool isAround = std::string(c.answer) == "around";
-        ASSERT_EQ(run(test, g, g.node("s"), g.node(isAround ? "s" : "t")), 0);
+        ASSERT_EQ(runOn(test, g, g.node("s"), g.node(isAround ? "s" : "t")), 0);
         if (isAround) {
             EXPECT_EQ(test.output.totalFlow(), 1);
             continue;
@@ -137,8 +112,8 @@ TEST(MaximumFlow, EqualsTheLeastCut) {
         RVNode* const source = g->pFirstNode();
         for (RVNode* sink : *g->pNodeList()) {
             SCOPED_TRACE(std::to_string(seed) + ", to " + text(sink) + ": " + tokens);
-            ASSERT_EQ(run(flow, g, source, sink), 0);
-            ASSERT_EQ(run(cut, g, source, sink), 0);
+            ASSERT_EQ(runOn(flow, g, source, sink), 0);
+            ASSERT_EQ(runOn(cut, g, source, sink), 0);
             std::set<const RVEdge*> listed;
             std::int64_t cost = 0;
             for (const RVEdge* edge : *cut.output.pEdgeList()) {
@@ -167,7 +142,7 @@ TEST(MaximumFlow, EqualsTheLeastCut) {
             total += flow.output.totalFlow();
             // Without the cut there is no way.
             for (const RVEdge* edge : listed) g->removeEdge(const_cast<RVEdge*>(edge));
-            const rvtest::Distances steps(g, rvtest::Ways::directed);
+            const Distances steps(g, Ways::directed);
             EXPECT_FALSE(steps.reaches(source, sink));
             for (const RVEdge* edge : listed)
                 g->insertEdge(const_cast<RVEdge*>(edge), edge->pSourceNode(), edge->pTargetNode());
@@ -196,7 +171,7 @@ TEST(MinimumCut, ListsItsEdgesInOrder) {
     for (const auto& c : cases) {
         SCOPED_TRACE(c.what);
         const TestGraph g(c.graph);
-        ASSERT_EQ(run(test, g, g.node("s"), g.node(c.sink)), 0);
+        ASSERT_EQ(runOn(test, g, g.node("s"), g.node(c.sink)), 0);
         RVEdgeDList edges;
         edges.appendEdge(nullptr);
         test.output.buildEdgeList(edges);
@@ -204,42 +179,12 @@ TEST(MinimumCut, ListsItsEdgesInOrder) {
     }
 }
 
-template <class Run>
-class NetworkCodes : public testing::Test {};
-using Networks = testing::Types<MaximumFlow, MinimumCut>;
-TYPED_TEST_SUITE(NetworkCodes, Networks, rvtest::AlgorithmNames);
-
-TYPED_TEST(NetworkCodes, ComeInOrder) {
-    const TestGraph g("a->b:-1 c:-1");
-    const TestGraph other("x");
-    RVNode* const a = g.node("a");
-    RVNode* const x = other.node("x");
-    RVNode* const none = nullptr;
-    const bool isCut = std::is_same_v<TypeParam, MinimumCut>;
-    const struct {
-        RVGraph* graph;
-        RVNode* source;
-        RVNode* sink;
-        int code;
-    } cases[] = {{nullptr, none, none, 22}, {g, none, x, 12}, {g, x, none, 13},
-                 {g, a, none, 14},          {g, a, x, 15},    {g, a, a, isCut ? 17 : 16}};
-    TypeParam test;
-    for (const auto& c : cases) {
-        if (c.graph != nullptr) run(test, c.graph, c.source, c.sink);
-        test.input.pSourceNode(c.source);
-        test.input.pSinkNode(c.sink);
-        EXPECT_EQ(test(c.graph), c.code);
-    }
-}
-
 // Disjoint paths
 
 std::string answer(DisjointPaths& test, const TestGraph& g, const char* start, const char* finish,
                    int nodeDisjoint) {
-    test.input.pStartNode(g.node(start));
-    test.input.pFinishNode(g.node(finish));
     test.input.nodeDisjointPaths(nodeDisjoint);
-    EXPECT_EQ(test(g), 0);
+    EXPECT_EQ(runOn(test, g, g.node(start), g.node(finish)), 0);
     RVDList copies;
     test.output.buildPathList(copies);
     EXPECT_EQ(copies.length(), test.output.numberOfDisjointPaths());
@@ -293,10 +238,8 @@ TEST(DisjointPaths, AreAsManyAsTheLeastCut) {
         for (RVNode* finish : *g->pNodeList()) {
             for (const int nodeDisjoint : {0, 1}) {
                 SCOPED_TRACE(std::to_string(seed) + ", to " + text(finish) + ": " + tokens);
-                test.input.pStartNode(start);
-                test.input.pFinishNode(finish);
                 test.input.nodeDisjointPaths(nodeDisjoint);
-                ASSERT_EQ(test(g), 0);
+                ASSERT_EQ(runOn(test, g, start, finish), 0);
                 const RVDList* paths = test.output.pPathList();
                 ASSERT_EQ(paths->length(), test.output.numberOfDisjointPaths());
                 std::set<const RVEdge*> edges;
@@ -320,33 +263,6 @@ TEST(DisjointPaths, AreAsManyAsTheLeastCut) {
         }
     }
     EXPECT_GT(several, 100);
-}
-
-TEST(Flows, FailWithTheirParts) {
-    rvtest::FactorylessFactory factory;
-    RVGraph graph(&factory);
-    RVNode* const a = graph.addNode();
-    RVNode* const b = graph.addNode();
-    graph.addEdge(a, b);
-    for (const int debugMode : {0, 1}) {
-        testing::internal::CaptureStdout();
-        MinimumCut cut;
-        cut.algorithm.debugMode(debugMode);
-        EXPECT_EQ(run(cut, &graph, a, b), 999);
-        for (const int nodeDisjoint : {0, 1}) {
-            DisjointPaths paths(&graph);
-            paths.algorithm.debugMode(debugMode);
-            paths.input.pStartNode(a);
-            paths.input.pFinishNode(b);
-            paths.input.nodeDisjointPaths(nodeDisjoint);
-            EXPECT_EQ(paths(), 999);
-            EXPECT_EQ(paths.output.pPathList()->length(), 0);
-        }
-        const char* const messages =
-            "Error in max flow. Return code = 21\n"
-            "Error in max flow.\nReturn code: 21\nError in max flow.\nReturn code: 21\n";
-        EXPECT_EQ(testing::internal::GetCapturedStdout(), debugMode == 0 ? "" : messages);
-    }
 }
 
 }  // namespace

@@ -15,15 +15,7 @@
 
 namespace {
 
-using rvtest::MarkedGraph;
-using rvtest::MaximumFlow;
-using rvtest::MinimumCostFlow;
-using rvtest::number;
-using rvtest::randomText;
-using rvtest::TestGraph;
-using rvtest::text;
-
-constexpr int kInfinite = 2147483647;
+using namespace rvtest;
 
 // Names say capacity and cost.
 int run(MinimumCostFlow& test, RVGraph* graph, RVNode* source, RVNode* sink, int desired = 0) {
@@ -68,6 +60,9 @@ TEST(MinimumCostFlow, SendsFlowAtLeastCost) {
         {"no way", "t->s:2,1 s->a:1,1", "t", 0, "0 at 0; 0 0"},
         {"an isolated sink", "s->a:1,1 t", "t", 0, "0 at 0; 0"},
         {"without capacities", "s->t", "t", 0, "0 at 0; 0"},
+        {"a capacity below 0", "s->t:-1", "s", 0, "code 16"},
+        {"a node's capacity below 0", "s->t:1 a:-1", "t", 0, "code 16"},
+        {"a desired flow below 0 before that", "s->t:-1", "t", -1, "code 19"},
         {"around", "s->a:3,1 a->s:2,1 s->s:4,9 s->s:5,1", "s", 0, "11 at 45; 2 2 4 5"},
         {"around, then loops, cheapest first", "s->a:3,1 a->s:2,1 s->s:4,9 s->s:5,1", "s", 8,
          "8 at 18; 2 2 1 5"},
@@ -214,68 +209,6 @@ TEST(MinimumCostFlow, LeavesNoNegativeCycle) {
     EXPECT_GT(negative, 50);
 }
 
-// The class itself works in arrays, a subclass by the hooks of the flow core: by the same paths.
-class SubclassedFlow : public RVMinimumCostFlowAlgorithm {};
-
-TEST(MinimumCostFlow, FindsTheSamePathsWhoeverLooksIn) {
-    MinimumCostFlow plain;
-    rvtest::Runner<SubclassedFlow, RVMinimumCostFlowInputData, RVMinimumCostFlowOutputData> hooked;
-    RVMinimumCostFlowInputData& input = plain.input;
-    hooked.algorithm.pInputData(&input);
-    int flows = 0;
-    for (unsigned seed = 0; seed < 400; ++seed) {
-        const bool isLarge = seed % 25 == 0;
-        const MarkedGraph g(
-            randomText(seed, {.nodes = isLarge ? 50 : 9, .edges = isLarge ? 250 : 40, .loops = !isLarge}),
-            seed);
-        SCOPED_TRACE(std::to_string(seed) + ": " + orders(g));
-        std::mt19937 random(seed);
-        const auto below = [&](int limit) {
-            return static_cast<int>(random() % static_cast<unsigned>(limit));
-        };
-        const int most = seed % 2 == 0 ? 4 : 100;
-        const auto cost = [&] { return below(30) == 0 ? kInfinite - below(2) : below(most); };
-        for (RVNode* node : *g->pNodeList()) {
-            input.capacity(node, below(3) == 0 ? below(6) : kInfinite);
-            input.cost(node, below(3) == 0 ? cost() : 0);
-        }
-        for (RVEdge* edge : *g->pEdgeList()) {
-            input.capacity(edge, below(20) == 0 ? kInfinite : below(6));
-            input.cost(edge, cost());
-        }
-        input.pSourceNode(g->pFirstNode());
-        for (RVNode* sink : *g->pNodeList()) {
-            input.pSinkNode(sink);
-            input.desiredFlow(seed % 3 == 0 ? 1 + below(9) : 0);
-            ASSERT_EQ(plain(g), 0);
-            ASSERT_EQ(hooked(), 0);
-            EXPECT_EQ(plain.output.totalFlow(), hooked.output.totalFlow());
-            EXPECT_EQ(plain.output.totalCost(), hooked.output.totalCost());
-            for (RVEdge* edge : *g->pEdgeList())
-                EXPECT_EQ(plain.output.flow(edge), hooked.output.flow(edge)) << text(edge);
-            flows += plain.output.totalFlow() > 2 ? 1 : 0;
-        }
-    }
-    EXPECT_GT(flows, 500);
-}
-
-TEST(MinimumCostFlow, ChecksItsDataInOrder) {
-    const TestGraph g("a->b:-1 c:-1");
-    const TestGraph other("x");
-    RVNode* const a = g.node("a");
-    RVNode* const x = other.node("x");
-    RVNode* const none = nullptr;
-    const struct {
-        RVNode* source;
-        RVNode* sink;
-        int desired;
-        int code;
-    } cases[] = {{none, x, -1, 12}, {x, none, -1, 13}, {a, none, -1, 14},
-                 {a, x, -1, 15},    {a, a, -1, 19},    {a, a, 0, 16}};
-    MinimumCostFlow test;
-    for (const auto& c : cases) EXPECT_EQ(run(test, g, c.source, c.sink, c.desired), c.code);
-}
-
 // A maximum flow on the core, with the path exists test as its search, as a caller would write one.
 class PlainFlow : public RVFlowAlgorithm {
 public:
@@ -300,7 +233,7 @@ protected:
         const RVFlowInternalData* data = pFlowInternalData();
         total = data->exactTotalFlow();
         for (RVEdge* edge : *pAssociatedGraph()->pEdgeList()) {
-            if (*edge->pNameString() != L'\0') flows[rvtest::token(edge)] = data->flow(edge);
+            if (*edge->pNameString() != L'\0') flows[token(edge)] = data->flow(edge);
         }
     }
     int pathExists(RVAnalysisOutputData* output) const override {
@@ -339,23 +272,19 @@ TEST(FlowCore, CarriesACallersSearch) {
         const std::string tokens =
             randomText(seed, {.nodes = 7, .edges = 14, .least = 0, .most = 5, .nodeNumbers = seed % 2 == 0});
         const TestGraph g(tokens);
-        const std::string before = rvtest::orders(g);
+        const std::string before = orders(g);
         RVNode* const source = g->pFirstNode();
         for (RVNode* sink : *g->pNodeList()) {
             SCOPED_TRACE(std::to_string(seed) + ", to " + text(sink) + ": " + tokens);
-            MaximumFlow expected(g);
-            for (RVNode* node : *g->pNodeList()) expected.input.capacity(node, number(node, 0, kInfinite));
-            for (RVEdge* edge : *g->pEdgeList()) expected.input.capacity(edge, number(edge, 0, 0));
+            MaximumFlow expected;
+            ASSERT_EQ(runOn(expected, g, source, sink), 0);
             expected.input.capacity(sink, kInfinite);
-            expected.input.pSourceNode(source);
-            expected.input.pSinkNode(sink);
-            ASSERT_EQ(expected(), 0);
             PlainFlow flow;
             flow.pInputData(&expected.input);
             flow.pOutputData(&expected.output);
             const int total = expected.output.totalFlow();
             ASSERT_EQ(flow.run(), 0);
-            EXPECT_EQ(rvtest::orders(g), before);
+            EXPECT_EQ(orders(g), before);
             if (source == sink) continue;
             EXPECT_EQ(flow.total, total);
             for (const auto& [name, value] : flow.flows) EXPECT_LE(value, number(g.edge(name), 0, 0)) << name;
@@ -406,61 +335,71 @@ protected:
     }
 };
 
-TEST(FlowCore, BearsHooksOfMinimumCostFlow) {
-    MinimumCostFlow plain;
-    rvtest::Runner<HookedFlow, RVMinimumCostFlowInputData, RVMinimumCostFlowOutputData> hooked;
-    for (unsigned seed = 0; seed < 60; ++seed) {
-        const TestGraph g(randomText(seed, {.nodes = 7, .edges = 16, .least = 0, .most = 5}));
-        SCOPED_TRACE(rvtest::drawing(g));
-        for (auto* input : {&plain.input, &hooked.input}) {
-            input->pAssociatedGraph(g);
-            input->pSourceNode(g->pFirstNode());
-            input->pSinkNode(g->pLastNode());
-            for (RVEdge* edge : *g->pEdgeList()) {
-                input->capacity(edge, number(edge, 0, 0));
-                input->cost(edge, (edge->denseIndex() * 7) % 5);
-            }
-        }
-        ASSERT_EQ(plain(g), 0);
-        ASSERT_EQ(hooked(g), 0);
-        EXPECT_EQ(hooked.output.totalCost(), plain.output.totalCost());
-        for (RVEdge* edge : *g->pEdgeList())
-            EXPECT_EQ(hooked.output.flow(edge), plain.output.flow(edge)) << text(edge);
-    }
-    EXPECT_GT(hooked.algorithm.distances, 100);
+// The class itself works in arrays, a subclass by the hooks of the flow core: by the same paths.
+class SubclassedFlow : public RVMinimumCostFlowAlgorithm {};
+template <class Algorithm>
+using FlowBy = Runner<Algorithm, RVMinimumCostFlowInputData, RVMinimumCostFlowOutputData>;
 
-    const TestGraph g("s->a:2,0 a->t:2,0 a->s:2,0");
-    for (auto* input : {&hooked.input}) {
-        input->pAssociatedGraph(g);
-        input->pSourceNode(g.node("s"));
-        input->pSinkNode(g.node("t"));
-        for (RVEdge* edge : *g->pEdgeList()) input->capacity(edge, 2);
+TEST(MinimumCostFlow, FindsTheSamePathsWhoeverLooksIn) {
+    MinimumCostFlow plain;
+    FlowBy<SubclassedFlow> subclassed;
+    FlowBy<HookedFlow> hooked;
+    RVMinimumCostFlowInputData& input = plain.input;
+    subclassed.algorithm.pInputData(&input);
+    hooked.algorithm.pInputData(&input);
+    int flows = 0;
+    for (unsigned seed = 0; seed < 400; ++seed) {
+        const bool isLarge = seed % 25 == 0;
+        const MarkedGraph g(
+            randomText(seed, {.nodes = isLarge ? 50 : 9, .edges = isLarge ? 250 : 40, .loops = !isLarge}),
+            seed);
+        SCOPED_TRACE(std::to_string(seed) + ": " + orders(g));
+        std::mt19937 random(seed);
+        const auto below = [&](int limit) {
+            return static_cast<int>(random() % static_cast<unsigned>(limit));
+        };
+        const int most = seed % 2 == 0 ? 4 : 100;
+        const auto cost = [&] { return below(30) == 0 ? kInfinite - below(2) : below(most); };
+        for (RVNode* node : *g->pNodeList()) {
+            input.capacity(node, below(3) == 0 ? below(6) : kInfinite);
+            input.cost(node, below(3) == 0 ? cost() : 0);
+        }
+        for (RVEdge* edge : *g->pEdgeList()) {
+            input.capacity(edge, below(20) == 0 ? kInfinite : below(6));
+            input.cost(edge, cost());
+        }
+        input.pSourceNode(g->pFirstNode());
+        for (RVNode* sink : *g->pNodeList()) {
+            input.pSinkNode(sink);
+            input.desiredFlow(seed % 3 == 0 ? 1 + below(9) : 0);
+            ASSERT_EQ(plain(g), 0);
+            ASSERT_EQ(subclassed(), 0);
+            ASSERT_EQ(hooked(), 0);
+            for (const auto* output : {&subclassed.output, &hooked.output}) {
+                EXPECT_EQ(plain.output.totalFlow(), output->totalFlow());
+                EXPECT_EQ(plain.output.totalCost(), output->totalCost());
+                for (RVEdge* edge : *g->pEdgeList())
+                    EXPECT_EQ(plain.output.flow(edge), output->flow(edge)) << text(edge);
+            }
+            flows += plain.output.totalFlow() > 2 ? 1 : 0;
+        }
     }
+    EXPECT_GT(flows, 500);
+    EXPECT_GT(hooked.algorithm.distances, 100);
+}
+
+TEST(FlowCore, FailsWithHooksThatMeddle) {
+    FlowBy<HookedFlow> hooked;
+    const TestGraph g("s->a:2,0 a->t:2,0 a->s:2,0");
+    hooked.input.pSourceNode(g.node("s"));
+    hooked.input.pSinkNode(g.node("t"));
+    for (RVEdge* edge : *g->pEdgeList()) hooked.input.capacity(edge, 2);
+    EXPECT_EQ(hooked(g), 0);
     hooked.algorithm.firstCost = -1;
     EXPECT_EQ(hooked(), 999);
     hooked.algorithm.firstCost = 0;
     hooked.algorithm.hasStart = false;
     EXPECT_EQ(hooked(), 999);
-}
-
-TEST(FlowCore, FailsWithItsParts) {
-    rvtest::FactorylessFactory factory;
-    RVGraph graph(&factory);
-    RVNode* const a = graph.addNode();
-    RVNode* const b = graph.addNode();
-    RVEdge* const edge = graph.addEdge(a, b);
-    for (const int cost : {1, -1}) {
-        testing::internal::CaptureStdout();
-        MinimumCostFlow flow(&graph);
-        flow.algorithm.debugMode(1);
-        flow.input.pSourceNode(a);
-        flow.input.pSinkNode(b);
-        flow.input.capacity(edge, 2);
-        flow.input.cost(edge, cost);
-        EXPECT_EQ(flow(), 999);
-        EXPECT_EQ(flow.output.totalFlow(), 0);
-        EXPECT_EQ(testing::internal::GetCapturedStdout(), "Error in Reachable Nodes. Return code = 21\n");
-    }
 }
 
 }  // namespace

@@ -13,16 +13,10 @@
 
 namespace {
 
-using rvtest::MarkedGraph;
-using rvtest::number;
-using rvtest::randomText;
-using rvtest::SpanningTree;
-using rvtest::TestGraph;
-using rvtest::text;
+using namespace rvtest;
 
 std::string answer(SpanningTree& test, RVGraph* graph) {
-    for (RVEdge* edge : *graph->pEdgeList()) test.input.cost(edge, number(edge, 0, 0));
-    EXPECT_EQ(test(graph), 0);
+    EXPECT_EQ(runOn(test, graph, nullptr), 0);
     RVEdgeDList edges;
     edges.appendEdge(nullptr);
     test.output.buildTreeEdgeList(edges);
@@ -116,18 +110,13 @@ TEST(MinimumSpanningTree, AgreesWithAllSetsOfEdges) {
 // Equal costs, and a hub with parallel edges to every node.
 TEST(MinimumSpanningTree, TakesLargeGraphs) {
     constexpr int kNodes = 200000;
-    RVAFactory factory;
-    const std::unique_ptr<RVGraph> graph(factory.newGraph());
-    RVNode* const hub = graph->addNode();
-    RVNode* before = hub;
-    for (int i = 1; i < kNodes; ++i) {
-        RVNode* const node = graph->addNode();
-        graph->addEdge(hub, node);
-        graph->addEdge(node, hub);
-        graph->addEdge(before, node);
-        before = node;
+    const TestGraph graph;
+    const std::vector<RVNode*> nodes = addChain(graph, kNodes);
+    for (RVNode* node : nodes) {
+        graph->addEdge(nodes.front(), node);
+        graph->addEdge(node, nodes.front());
     }
-    SpanningTree test(graph.get());
+    SpanningTree test(graph);
     EXPECT_EQ(test(), 0);
     EXPECT_EQ(test.output.pTreeEdgeList()->length(), kNodes - 1);
 }

@@ -439,13 +439,8 @@ void buildAndDestroyLargeGraphs() {
     star->discardNode(center);
     EXPECT_EQ(star->numberOfEdges(), 0);
 
-    auto chain = std::make_unique<RVGraph>();
-    RVNode* last = chain->addNode(0);
-    for (int i = 1; i < kSize; ++i) {
-        RVNode* const next = chain->addNode(0);
-        chain->addEdge(last, next, 0);
-        last = next;
-    }
+    const auto chain = std::make_unique<RVGraph>();
+    rvtest::addChain(chain.get(), kSize);
     EXPECT_EQ(chain->numberOfEdges(), kSize - 1);
 }
 

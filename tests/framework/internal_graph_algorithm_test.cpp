@@ -15,14 +15,7 @@
 
 namespace {
 
-using rvtest::drawing;
-using rvtest::MarkedGraph;
-using rvtest::NoOutput;
-using rvtest::randomText;
-using rvtest::Runner;
-using rvtest::snapshot;
-using rvtest::TestGraph;
-using rvtest::text;
+using namespace rvtest;
 
 class Plain : public RVInternalGraphAlgorithm {
 public:

@@ -15,10 +15,7 @@
 
 namespace {
 
-using rvtest::orders;
-using rvtest::randomText;
-using rvtest::TestGraph;
-using rvtest::text;
+using namespace rvtest;
 
 // Notes the steps of a run; those that are named in `throwing` throw.
 struct Log {

@@ -7,36 +7,29 @@
 #include <thread>
 #include <vector>
 
-#include "rv/analysis.h"
+#include "tests/algorithm_checks.h"
 #include "tests/test_graph.h"
 
 namespace {
 
-using rvtest::drawing;
-using rvtest::randomText;
-using rvtest::TestGraph;
-using rvtest::text;
+using namespace rvtest;
 
 // A sort, records, mappings and copies; says what came out.
 std::string work(unsigned seed, RVAFactory* factory) {
     const TestGraph g(randomText(seed, {.nodes = 20, .edges = 40, .acyclic = true}), factory);
-    RVTopologicalSortAlgorithm sort;
-    RVTopologicalSortInputData input(g);
-    RVTopologicalSortOutputData output;
-    sort.pInputData(&input);
-    sort.pOutputData(&output);
-    sort.run();
+    TopologicalSort sort(g);
+    sort();
 
     RVAnalysisInternalData data;
     const std::unique_ptr<RVGraph> copy(factory->newGraph());
     data.copyGraph(g, copy.get());
     std::string flags;
     for (RVEdge* edge : *copy->pEdgeList()) {
-        if (output.orderNumber(data.pOriginalNode(edge->pTargetNode())) % 2 == 0) data.directed(edge, 0);
+        if (sort.output.orderNumber(data.pOriginalNode(edge->pTargetNode())) % 2 == 0) data.directed(edge, 0);
         flags += std::to_string(data.directed(edge) + RVAnalysisInternalData(data).directed(edge));
     }
     while (copy->numberOfNodes() > 3) copy->discardNode(copy->pFirstNode());
-    return text(*output.pNodeList()) + "; " + flags + "; " + drawing(copy.get());
+    return text(*sort.output.pNodeList()) + "; " + flags + "; " + drawing(copy.get());
 }
 
 TEST(Threads, ShareAFactory) {

@@ -10,18 +10,12 @@
 
 namespace {
 
-using rvtest::AllPairs;
-using rvtest::number;
-using rvtest::randomText;
-using rvtest::TestGraph;
-using rvtest::text;
-
-constexpr int kInfinite = 2147483647;
+using namespace rvtest;
 
 int run(AllPairs& test, RVGraph* graph, int undirected = 0) {
     test.input.undirected(undirected);
-    rvtest::takeDrawnDirections(test.input, graph);
-    rvtest::takeCosts(test.input, graph);
+    takeDrawnDirections(test.input, graph);
+    takeCosts(test.input, graph);
     return test(graph);
 }
 
@@ -257,8 +251,8 @@ protected:
 
 TEST(AllPairs, KeepToTheNumbersOfASubclass) {
     const TestGraph g("a->b:7 c->a:1");
-    rvtest::Runner<Backwards, RVAllPairsShortestPathsInputData, RVAllPairsShortestPathsOutputData> test(g);
-    rvtest::takeCosts(test.input, g);
+    Runner<Backwards, RVAllPairsShortestPathsInputData, RVAllPairsShortestPathsOutputData> test(g);
+    takeCosts(test.input, g);
     ASSERT_EQ(test(), 0);
     EXPECT_EQ(test.output.computeLengthOfShortestPath(g.node("c"), g.node("b")), 8);
     EXPECT_EQ(test.output.computeLengthOfShortestPath(g.node("b"), g.node("c")), kInfinite);

@@ -11,33 +11,12 @@
 
 namespace {
 
-using rvtest::AcyclicPaths;
-using rvtest::Dijkstra;
-using rvtest::MarkedGraph;
-using rvtest::PathOracle;
-using rvtest::randomText;
-using rvtest::ShortestPaths;
-using rvtest::TestGraph;
-using rvtest::text;
-using rvtest::UniquePath;
-using rvtest::Ways;
-
-constexpr int kInfinite = 2147483647;
-
-template <class Run>
-int run(Run& test, RVGraph* graph, RVNode* start, RVNode* finish, int undirected = 0) {
-    test.input.pStartNode(start);
-    test.input.pFinishNode(finish);
-    test.input.undirected(undirected);
-    rvtest::takeDrawnDirections(test.input, graph);
-    rvtest::takeCosts(test.input, graph);
-    return test(graph);
-}
+using namespace rvtest;
 
 // The path with its cost, or the code.
 template <class Run>
 std::string answer(Run& test, const TestGraph& g, const char* start, const char* finish, int undirected = 0) {
-    const int code = run(test, g, g.node(start), g.node(finish), undirected);
+    const int code = runOn(test, g, g.node(start), g.node(finish), undirected);
     if (code != 0) return "code " + std::to_string(code);
     RVEdgeDList path;
     path.appendEdge(nullptr);
@@ -110,15 +89,15 @@ TEST(Dijkstra, StoresDistancesWhenAsked) {
             all += text(node) + "=" + std::to_string(test.output.dist(node)) + " ";
         return all;
     };
-    EXPECT_EQ(run(test, g, g.node("s"), g.node("a")), 0);
+    EXPECT_EQ(runOn(test, g, g.node("s"), g.node("a")), 0);
     EXPECT_EQ(distances(), "s=-100 a=-100 b=-100 c=-100 x=-100 e=-100 ");
     test.algorithm.storeDistances(1);
     for (const int original : {0, 1}) {
         test.algorithm.useOriginalGraph(original);
-        EXPECT_EQ(run(test, g, g.node("s"), g.node("e")), 0);
+        EXPECT_EQ(runOn(test, g, g.node("s"), g.node("e")), 0);
         EXPECT_EQ(distances(), "s=0 a=2 b=5 c=6 x=2147483647 e=2147483647 ");
     }
-    EXPECT_EQ(run(test, g, g.node("e"), g.node("e")), 0);
+    EXPECT_EQ(runOn(test, g, g.node("e"), g.node("e")), 0);
     EXPECT_EQ(test.output.dist(g.node("e")), 0);
     test.output.reset();
     EXPECT_EQ(distances(), "s=-100 a=-100 b=-100 c=-100 x=-100 e=-100 ");
@@ -126,7 +105,7 @@ TEST(Dijkstra, StoresDistancesWhenAsked) {
     // An output without distances is as good.
     RVShortestPathsOutputData plain;
     test.algorithm.pOutputData(&plain);
-    EXPECT_EQ(run(test, g, g.node("s"), g.node("c")), 0);
+    EXPECT_EQ(runOn(test, g, g.node("s"), g.node("c")), 0);
     EXPECT_EQ(plain.totalCost(), 6);
 }
 
@@ -237,7 +216,7 @@ TEST(Paths, AgreeWithAllSimplePaths) {
     AcyclicPaths acyclic;
     ShortestPaths service;
     UniquePath unique;
-    rvtest::TopologicalSort sort;
+    TopologicalSort sort;
     dijkstra.algorithm.storeDistances(1);
     int paths = 0;
     int cycles = 0;
@@ -258,7 +237,7 @@ TEST(Paths, AgreeWithAllSimplePaths) {
         const Ways ways = undirected != 0 ? Ways::both : Ways::drawn;
         PathOracle withNodes(g, ways, true);
         PathOracle withoutNodes(g, ways, false);
-        const rvtest::Distances steps(g, ways);
+        const Distances steps(g, ways);
         const bool canSort = sort(g) == RV_NO_ERROR && sort.output.acyclic() != 0 && undirected == 0 &&
                              tokens.find("--") == std::string::npos;
         for (RVNode* start : *g->pNodeList()) {
@@ -279,7 +258,7 @@ TEST(Paths, AgreeWithAllSimplePaths) {
                         withNodes.hasNegativeCycle(node))
                         hasCycle = true;
                 }
-                const int code = run(service, g, start, finish, undirected);
+                const int code = runOn(service, g, start, finish, undirected);
                 ASSERT_EQ(code, hasCycle ? 18 : 0);
                 if (hasCycle) {
                     ++cycles;
@@ -288,7 +267,7 @@ TEST(Paths, AgreeWithAllSimplePaths) {
                     check(service, withNodes);
                 }
                 // Under edge costs alone.
-                const int dijkstraCode = run(dijkstra, g, start, finish, undirected);
+                const int dijkstraCode = runOn(dijkstra, g, start, finish, undirected);
                 if (dijkstraCode == 0) {
                     check(dijkstra, withoutNodes);
                     for (RVNode* node : *g->pNodeList()) {
@@ -301,10 +280,10 @@ TEST(Paths, AgreeWithAllSimplePaths) {
                 }
                 if (canSort) {
                     *acyclic.input.pCandidateNodeList() = *sort.output.pNodeList();
-                    ASSERT_EQ(run(acyclic, g, start, finish), 0);
+                    ASSERT_EQ(runOn(acyclic, g, start, finish), 0);
                     check(acyclic, withoutNodes);
                 }
-                ASSERT_EQ(run(unique, g, start, finish, undirected), 0);
+                ASSERT_EQ(runOn(unique, g, start, finish, undirected), 0);
                 const int count = withoutNodes.count(start, finish);
                 EXPECT_EQ(unique.output.uniquePathExists(), count == 1 ? 1 : 0);
                 if (count > 0) {
@@ -315,55 +294,6 @@ TEST(Paths, AgreeWithAllSimplePaths) {
     }
     EXPECT_GT(paths, 900);
     EXPECT_GT(cycles, 300);
-}
-
-template <class Run>
-class PathCodes : public testing::Test {};
-using PathAlgorithms = testing::Types<Dijkstra, AcyclicPaths, ShortestPaths, UniquePath>;
-TYPED_TEST_SUITE(PathCodes, PathAlgorithms, rvtest::AlgorithmNames);
-
-TYPED_TEST(PathCodes, ComeInOrder) {
-    const TestGraph g("a->b");
-    const TestGraph other("x");
-    RVNode* const a = g.node("a");
-    RVNode* const x = other.node("x");
-    RVNode* const none = nullptr;
-    const struct {
-        RVGraph* graph;
-        RVNode* start;
-        RVNode* finish;
-        int code;
-    } cases[] = {{nullptr, none, none, 22}, {g, none, x, 8}, {g, x, none, 5},
-                 {g, a, none, 9},           {g, a, x, 6},    {g, a, a, 0}};
-    TypeParam test;
-    for (const auto& c : cases) {
-        test.input.pStartNode(c.start);
-        test.input.pFinishNode(c.finish);
-        EXPECT_EQ(test(c.graph), c.code);
-    }
-}
-
-// The working copy has no factory, without which no part runs.
-TEST(Paths, FailWithTheirParts) {
-    rvtest::FactorylessFactory factory;
-    RVGraph graph(&factory);
-    RVNode* const a = graph.addNode();
-    RVNode* const b = graph.addNode();
-    graph.addEdge(a, b);
-    for (const int debugMode : {0, 1}) {
-        testing::internal::CaptureStdout();
-        ShortestPaths service;
-        service.algorithm.debugMode(debugMode);
-        EXPECT_EQ(run(service, &graph, a, b), 999);
-        EXPECT_EQ(service.output.totalCost(), kInfinite);
-        UniquePath unique;
-        unique.algorithm.debugMode(debugMode);
-        EXPECT_EQ(run(unique, &graph, a, b), 999);
-        EXPECT_EQ(testing::internal::GetCapturedStdout(), debugMode == 0
-                                                              ? ""
-                                                              : "Error in Reachable Nodes. Return code = 21\n"
-                                                                "Error in path exists. return code is 21\n");
-    }
 }
 
 TEST(Paths, AnnounceCopiesThatAreDebugged) {
@@ -430,18 +360,12 @@ TEST(ShortestPathsBinTree, OrdersByCurrentCostAndArrival) {
 // Chains of nodes that wait for one another, in a number at which squares would show.
 TEST(Paths, TakeLargeGraphs) {
     constexpr int kNodes = 200000;
-    RVAFactory factory;
-    const std::unique_ptr<RVGraph> graph(factory.newGraph());
-    std::vector<RVNode*> nodes;
-    for (int i = 0; i < kNodes; ++i) nodes.push_back(graph->addNode());
-    ShortestPaths service(graph.get());
-    Dijkstra dijkstra(graph.get());
-    for (int i = 1; i < kNodes; ++i) {
-        RVEdge* const edge =
-            graph->addEdge(nodes[static_cast<std::size_t>(i - 1)], nodes[static_cast<std::size_t>(i)]);
-        graph->addEdge(nodes[0], nodes[static_cast<std::size_t>(i)]);
-        service.input.cost(edge, -1);
-    }
+    const TestGraph graph;
+    const std::vector<RVNode*> nodes = addChain(graph, kNodes);
+    ShortestPaths service(graph);
+    Dijkstra dijkstra(graph);
+    for (RVEdge* edge : *graph->pEdgeList()) service.input.cost(edge, -1);
+    for (std::size_t i = 1; i < nodes.size(); ++i) graph->addEdge(nodes.front(), nodes[i]);
     for (auto* input : {&service.input, &dijkstra.input}) {
         input->pStartNode(nodes.front());
         input->pFinishNode(nodes.back());

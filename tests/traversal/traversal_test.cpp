@@ -18,14 +18,7 @@
 
 namespace {
 
-using rvtest::drawing;
-using rvtest::MarkedGraph;
-using rvtest::NoOutput;
-using rvtest::randomText;
-using rvtest::Runner;
-using rvtest::snapshot;
-using rvtest::TestGraph;
-using rvtest::text;
+using namespace rvtest;
 
 // Best-first search: of all candidates the one with the smallest number comes next. Notes its hooks.
 class BestFirstSearch : public RVTraversalAlgorithm {
@@ -144,7 +137,7 @@ TEST(TraversalEngine, DrivesACallersSearch) {
             BestFirst search(g);
             search.algorithm.useOriginalGraph(original);
             search.input.undirected(c.undirected);
-            rvtest::takeDrawnDirections(search.input, g);
+            takeDrawnDirections(search.input, g);
             if (*c.start != '\0') search.input.pStartNode(g.node(c.start));
             EXPECT_EQ(search(), RV_NO_ERROR);
             EXPECT_EQ(search.algorithm.result, c.result);
@@ -336,24 +329,9 @@ constexpr int kMany = 30000;
 constexpr int kCycles = 20000;
 #endif
 
-enum class Deep { chain, cycle, comb };
-
-// A comb is a chain of half as many nodes, each with a tooth that it leads to.
-std::unique_ptr<RVGraph> deepGraph(RVAFactory& factory, Deep kind) {
-    std::unique_ptr<RVGraph> graph(factory.newGraph());
-    RVNode* last = graph->addNode();
-    for (int i = 1; i < kMany; ++i) {
-        RVNode* const node = graph->addNode();
-        graph->addEdge(last, node);
-        if (kind != Deep::comb || i % 2 == 0) last = node;
-    }
-    if (kind == Deep::cycle) graph->addEdge(last, graph->pFirstNode());
-    return graph;
-}
-
 template <class Run, class Check>
 void runWithSmallStack(RVGraph* graph, const Check& check) {
-    rvtest::withSmallStack([&] {
+    withSmallStack([&] {
         Run run(graph);
         EXPECT_EQ(run(), RV_NO_ERROR);
         check(run.output);
@@ -361,22 +339,29 @@ void runWithSmallStack(RVGraph* graph, const Check& check) {
 }
 
 TEST(TraversalEngine, NeedsNoStackForDeepGraphs) {
-    RVAFactory factory;
-    for (const Deep kind : {Deep::chain, Deep::cycle, Deep::comb}) {
-        SCOPED_TRACE(static_cast<int>(kind));
-        const auto graph = deepGraph(factory, kind);
-        const bool isCycle = kind == Deep::cycle;
-        runWithSmallStack<rvtest::BreadthFirst>(graph.get(), [&](const auto& output) {
+    for (const std::string kind : {"chain", "cycle", "comb"}) {
+        SCOPED_TRACE(kind);
+        const TestGraph graph;
+        RVNode* last = kind == "comb" ? graph->addNode() : addChain(graph, kMany).back();
+        // A comb is a chain of half as many nodes, each with a tooth that it leads to.
+        while (graph->numberOfNodes() < kMany) {
+            RVNode* const next = graph->addNode();
+            graph->addEdge(last, next);
+            if (graph->numberOfNodes() % 2 == 1) last = next;
+        }
+        const bool isCycle = kind == "cycle";
+        if (isCycle) graph->addEdge(last, graph->pFirstNode());
+        runWithSmallStack<BreadthFirst>(graph, [&](const auto& output) {
             EXPECT_EQ(output.pNodeList()->length(), kMany);
             EXPECT_EQ(output.pNodeList()->pLastNode(), graph->pLastNode());
         });
-        runWithSmallStack<rvtest::DepthFirst>(graph.get(), [&](const auto& output) {
+        runWithSmallStack<DepthFirst>(graph, [&](const auto& output) {
             EXPECT_EQ(output.completionNumber(graph->pFirstNode()), kMany);
         });
-        runWithSmallStack<rvtest::Blocks>(graph.get(), [&](const auto& output) {
+        runWithSmallStack<Blocks>(graph, [&](const auto& output) {
             EXPECT_EQ(output.pComponentList()->length(), isCycle ? 1 : kMany - 1);
         });
-        runWithSmallStack<rvtest::Strong>(graph.get(), [&](const auto& output) {
+        runWithSmallStack<Strong>(graph, [&](const auto& output) {
             EXPECT_EQ(output.pComponentList()->length(), isCycle ? 1 : kMany);
         });
     }
@@ -385,20 +370,13 @@ TEST(TraversalEngine, NeedsNoStackForDeepGraphs) {
 // As many starts as cycles, and no node at which a search for the smallest in-degree could stop early:
 // looking at all unvisited nodes for each of them would run out of time.
 TEST(TraversalEngine, StartsAgainAndAgainInLinearTime) {
-    RVAFactory factory;
-    const std::unique_ptr<RVGraph> graph(factory.newGraph());
+    const TestGraph graph;
     for (int i = 0; i < kCycles; ++i) {
-        RVNode* const first = graph->addNode();
-        RVNode* last = first;
-        for (int j = 1; j < 4; ++j) {
-            RVNode* const node = graph->addNode();
-            graph->addEdge(last, node);
-            last = node;
-        }
-        graph->addEdge(last, first);
+        const std::vector<RVNode*> cycle = addChain(graph, 4);
+        graph->addEdge(cycle.back(), cycle.front());
     }
     for (const int undirected : {0, 1}) {
-        rvtest::BreadthFirst search(graph.get());
+        BreadthFirst search(graph);
         search.input.undirected(undirected);
         ASSERT_EQ(search(), RV_NO_ERROR);
         int number = 1;
@@ -407,7 +385,7 @@ TEST(TraversalEngine, StartsAgainAndAgainInLinearTime) {
             for (int j = 0; j < 4; ++j) it++;
         }
     }
-    rvtest::Connected components(graph.get());
+    Connected components(graph);
     ASSERT_EQ(components(), RV_NO_ERROR);
     EXPECT_EQ(components.output.componentNumber(graph->pLastNode()), kCycles);
 }
