@@ -133,6 +133,8 @@ template <>
 constexpr int kCodeOfNumbers<MinimumCut> = RV_NEGATIVE_COST;
 template <>
 constexpr int kCodeOfNumbers<Reachable> = RV_INVALID_RANGE;
+template <>
+constexpr int kCodeOfNumbers<RootCauses> = RV_INVALID_RANGE;
 
 template <class R>
 class AlgorithmContract : public testing::Test {
