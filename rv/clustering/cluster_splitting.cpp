@@ -27,7 +27,7 @@ namespace {
 
 class Splitter {
 public:
-    Splitter(RVClusterSplittingInputData& input, RVClusteringInternalData& data);
+    Splitter(RVClusteringInputData& input, RVClusteringInternalData& data);
 
     void splitByWeight();
     void ensureConstraints();
@@ -61,7 +61,7 @@ private:
     Cluster* clusterOf(RVNode* node);
     void link(RVNode* node, RVNode* original, double x);
 
-    RVClusterSplittingInputData& m_input;
+    RVClusteringInputData& m_input;
     RVClusteringInternalData& m_data;
     RVGraph* m_pGraph;
     double m_exponent;            // p
@@ -77,7 +77,7 @@ double clamp(double value, double least, double most) {
     return value >= least ? std::min(value, most) : least;
 }
 
-Splitter::Splitter(RVClusterSplittingInputData& input, RVClusteringInternalData& data)
+Splitter::Splitter(RVClusteringInputData& input, RVClusteringInternalData& data)
     : m_input(input),
       m_data(data),
       m_pGraph(data.pAssociatedGraph()),
@@ -307,12 +307,11 @@ RVServiceErrorCodeEnum RVClusterSplittingAlgorithm::internalRun() { return run()
 RVAlgorithmData* RVClusterSplittingAlgorithm::newInternalData() { return new RVClusteringInternalData(); }
 
 RVServiceErrorCodeEnum RVClusterSplittingAlgorithm::checkData() {
-    return rv::checkClusteringInput<RVClusterSplittingInputData>(RVInternalAlgorithm::checkData(),
-                                                                 pInputData());
+    return rv::checkClusteringInput<RVClusteringInputData>(RVInternalAlgorithm::checkData(), pInputData());
 }
 
 RVServiceErrorCodeEnum RVClusterSplittingAlgorithm::algorithmBody() {
-    Splitter splitter(*RVClusterSplittingInputData::castDown(pInputData()),
+    Splitter splitter(*RVClusteringInputData::castDown(pInputData()),
                       *static_cast<RVClusteringInternalData*>(pInternalData()));
     splitter.splitByWeight();
     splitter.ensureConstraints();

@@ -63,7 +63,8 @@ void RVClusteringOutputData::addCluster(RVDList* cluster) {
 }
 
 void RVClusteringOutputData::addClusters(RVDList* clusters) {
-    if (clusters != pClusters()) m_clusters->copyAppendList(clusters);
+    if (clusters == pClusters()) return;
+    for (RVDListIter iter(clusters); iter; iter++) addCluster(RVDList::castDown(iter.pObject()));
 }
 
 void RVClusteringOutputData::buildClusterList(RVDList& list) const {

@@ -71,7 +71,8 @@ private:
     std::vector<Component> m_components;
     std::vector<int> m_componentOf;  // by dense index of the node, -1 for a foreign one
     std::vector<Group> m_groups;
-    std::vector<int> m_marks;  // by constraint, the cluster that asked last
+    std::vector<int> m_marks;            // by constraint, the cluster that asked last
+    std::vector<std::size_t> m_holders;  // by constraint, how many clusters it keeps apart
 };
 
 ComponentClusterer::ComponentClusterer(const RVClusteringInputData& input, RVClusteringInternalData& data,
@@ -208,6 +209,10 @@ void ComponentClusterer::noteConstraints() {
         ++number;
     });
     m_marks.assign(static_cast<std::size_t>(number), -1);
+    m_holders.assign(static_cast<std::size_t>(number), 0);
+    for (const Group& group : m_groups) {
+        for (const int constraint : group.constraints) ++m_holders[static_cast<std::size_t>(constraint)];
+    }
 }
 
 bool ComponentClusterer::canMerge(const Group& group, int mark) const {
@@ -234,10 +239,16 @@ std::vector<std::unique_ptr<RVDList>> ComponentClusterer::mergeComponents(int ma
         for (const int constraint : group.constraints) {
             m_marks[static_cast<std::size_t>(constraint)] = lightest.second;
         }
-        const auto other = std::find_if(tree.begin(), tree.end(), [&](const Key& key) {
-            return canMerge(groupAt(key), lightest.second);
-        });
+        const bool isKeptFromAll =
+            std::any_of(group.constraints.begin(), group.constraints.end(), [&](int constraint) {
+                return m_holders[static_cast<std::size_t>(constraint)] == tree.size() + 1;
+            });
+        const auto other =
+            isKeptFromAll ? tree.end() : std::find_if(tree.begin(), tree.end(), [&](const Key& key) {
+                return canMerge(groupAt(key), lightest.second);
+            });
         if (other == tree.end()) {
+            for (const int constraint : group.constraints) --m_holders[static_cast<std::size_t>(constraint)];
             clusters.push_back(createCluster(group));
             continue;
         }
@@ -296,9 +307,9 @@ RVServiceErrorCodeEnum RVDisconnectedClusteringAlgorithm::clusterWhole() {
     RVClusterSplittingAlgorithm splitting;
     const RVServiceErrorCodeEnum code = rv::runPart(splitting, input, output);
     if (code != RV_NO_ERROR) return code;
-    RVDList clusters;
-    output.buildClusterList(clusters);
-    RVClusteringOutputData::castDown(pOutputData())->addClusters(&clusters);
+    auto* answer = RVClusteringOutputData::castDown(pOutputData());
+    for (RVDListIter cluster(output.pClusters()); cluster; cluster++)
+        rv::addCluster(std::make_unique<RVDList>(*RVDList::castDown(cluster.pObject())), *answer);
     return RV_NO_ERROR;
 }
 

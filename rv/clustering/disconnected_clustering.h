@@ -6,8 +6,9 @@
 // with the share of the limits that is left for it and the constraints on several of its nodes. If there are
 // more than maxClusterCount clusters then, the lightest is merged with the lightest other one that no
 // different-cluster constraint keeps apart from it, again and again. A cluster for which there is no other
-// stays as it is, and the number of clusters may remain above the maximum. Same-cluster and complete-cluster
-// constraints play no part.
+// stays as it is, and the number of clusters may remain above the maximum. It may also be below the minimum:
+// what small components cannot give of their share, those before have not made up for. Same-cluster and
+// complete-cluster constraints play no part.
 //
 // The clusters of several components come in this order: those that could be merged with no other, as they
 // were set aside; then the others, lightest first, and where weights are equal in the order in which they
@@ -17,8 +18,8 @@
 // them RV_NO_INPUT_DATA and RV_NO_INPUT_GRAPH, after them RV_NO_OUTPUT_DATA and RV_NO_GRAPH_FACTORY; and
 // the code of the last cluster splitting. Beside cluster splitting O(n + m + c) time for constraints that
 // list c nodes in all, and for merging O(k log k) time for k clusters without different-cluster
-// constraints; with them, all clusters that a cluster is kept apart from may have to be passed by. O(n + m
-// + c) space.
+// constraints; with them, all clusters that a cluster is kept apart from may have to be passed by, unless
+// one constraint keeps it apart from all. O(n + m + c) space.
 //
 //   RVDisconnectedClusteringAlgorithm clustering;
 //   RVClusteringInputData input(graph);

@@ -224,8 +224,8 @@ void RVRatioCutBipartitioningAlgorithm::Arrays::sumPulls(std::vector<double>& pu
         const double second = x[edge.second];
         const int fromFirst = kCountsEqual ? 2 * (first <= second) - 1 : (first < second) - (first > second);
         const int fromSecond = kCountsEqual ? 2 * (second <= first) - 1 : -fromFirst;
-        pulls[edge.first] += edge.cost * fromFirst;
-        pulls[edge.second] += edge.cost * fromSecond;
+        pulls[edge.first] += static_cast<double>(edge.cost) * fromFirst;
+        pulls[edge.second] += static_cast<double>(edge.cost) * fromSecond;
     }
 }
 

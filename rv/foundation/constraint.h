@@ -57,7 +57,7 @@ public:
     const RVNodeDList* pNodeList() const { return m_nodes.get(); }
 
     // Nonzero when every listed node is in the graph and, unless all are to be in the same cluster, none is
-    // listed twice; so always without nodes. A subclass may ask for more.
+    // listed twice; so always without nodes. A subclass may ask for more, but not for less.
     virtual int valid(RVGraph* graph) const;
 
 private:

@@ -63,6 +63,7 @@ TEST(ClusteringData, NumbersItsClusters) {
     output.addCluster(new RVDList(g.nodes("c a")));
     RVDList more;
     more.appendObject(new RVDList(g.nodes("b")));
+    more.appendObject(nullptr);
     output.addClusters(&more);
     output.addCluster(nullptr);
     output.generateClusterNumbers();
