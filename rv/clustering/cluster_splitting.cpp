@@ -19,6 +19,7 @@
 
 #include "rv/clustering/clustering_input.h"
 #include "rv/clustering/ratio_cut_bipartitioning.h"
+#include "rv/foundation/graph_access.h"
 
 RV_OBJECT_IMPL(RVClusterSplittingInputData)
 RV_OBJECT_IMPL(RVClusterSplittingAlgorithm)
@@ -164,7 +165,7 @@ bool Splitter::split(const Cluster& cluster) {
 
 void Splitter::makeHalf(const RVDList& nodes, const RVRatioCutBipartitioningOutputData& cut) {
     Cluster& half = m_halves.emplace_back();
-    half.own.reset(m_pGraph->pFactory()->newGraph());
+    half.own = rv::newGraphLike(m_pGraph);
     half.graph = half.own.get();
     half.serial = ++m_serial;
     std::int64_t weight = 0;

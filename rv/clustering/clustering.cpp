@@ -20,13 +20,14 @@
 #include "rv/clustering/clustering_input.h"
 #include "rv/clustering/disconnected_clustering.h"
 #include "rv/foundation/arithmetic.h"
+#include "rv/foundation/graph_access.h"
 #include "rv/framework/sub_algorithm.h"
 
 RV_OBJECT_IMPL(RVClusteringAlgorithm)
 
 namespace {
 
-std::size_t placeOf(const RVGraphMember* member) { return static_cast<std::size_t>(member->denseIndex()); }
+using rv::placeOf;
 
 class Contraction {
 public:
@@ -81,7 +82,7 @@ Contraction::Contraction(const RVClusteringInputData& input, const RVAlgorithmDa
 template <class F>
 void Contraction::forEachWorkingNode(const RVNodeDList& nodes, F f) const {
     for (RVNode* node : nodes) {
-        if (!rv::isInGraph(node, m_input)) continue;
+        if (!rv::isInGraph(node, m_input.pAssociatedGraph())) continue;
         RVNode* const working = m_data.pCopyNode(node);
         if (!m_isSetAside[placeOf(working)]) f(working);
     }
@@ -238,7 +239,7 @@ RVServiceErrorCodeEnum RVClusteringAlgorithm::algorithmBody() {
     Contraction contraction(*own, *pInternalData());
     m_completeClusters = static_cast<int>(contraction.completeClusters().size());
 
-    std::unique_ptr<RVGraph> made(pInternalData()->pInputGraph()->pFactory()->newGraph());
+    std::unique_ptr<RVGraph> made = rv::newGraphLike(pInternalData()->pInputGraph());
     RVGraph* const contracted = made.get();
     pInternalData()->pSecondaryGraphs()->appendGraph(contracted);
     static_cast<void>(made.release());

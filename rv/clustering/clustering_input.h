@@ -27,10 +27,6 @@ void forEachConstraint(const RVClusteringInputData& input, RVClusteringConstrain
     });
 }
 
-inline bool isInGraph(const RVNode* node, const RVAlgorithmInputData& input) {
-    return node != nullptr && node->pOwnerGraph() == input.pAssociatedGraph();
-}
-
 // Hands a cluster over to an output.
 inline void addCluster(std::unique_ptr<RVDList> cluster, RVClusteringOutputData& output) {
     output.addCluster(cluster.get());

@@ -17,6 +17,7 @@
 
 #include "rv/clustering/cluster_splitting.h"
 #include "rv/clustering/clustering_input.h"
+#include "rv/foundation/graph_access.h"
 #include "rv/framework/sub_algorithm.h"
 #include "rv/traversal/connected_components.h"
 
@@ -24,7 +25,7 @@ RV_OBJECT_IMPL(RVDisconnectedClusteringAlgorithm)
 
 namespace {
 
-std::size_t placeOf(const RVGraphMember* member) { return static_cast<std::size_t>(member->denseIndex()); }
+using rv::placeOf;
 
 // What a constraint asks of one component.
 struct Share {
@@ -103,7 +104,7 @@ void ComponentClusterer::splitConstraints() {
         if (nodes == nullptr) return;
         std::vector<int> touched;
         for (RVNode* node : *nodes) {
-            if (!rv::isInGraph(node, m_input)) continue;
+            if (!rv::isInGraph(node, m_input.pAssociatedGraph())) continue;
             const int component = m_componentOf[placeOf(node)];
             auto& here = listed[static_cast<std::size_t>(component)];
             if (here.empty()) touched.push_back(component);
@@ -139,7 +140,7 @@ RVServiceErrorCodeEnum ComponentClusterer::cluster(const Component& component, i
         addGroup(alone);
         return RV_NO_ERROR;
     }
-    const std::unique_ptr<RVGraph> graph(m_input.pAssociatedGraph()->pFactory()->newGraph());
+    const std::unique_ptr<RVGraph> graph = rv::newGraphLike(m_input.pAssociatedGraph());
     RVClusterSplittingInputData input(graph.get());
     copyComponent(component, *graph, input);
     std::deque<RVClusteringConstraint> constraints;
@@ -202,7 +203,7 @@ void ComponentClusterer::noteConstraints() {
     int number = 0;
     rv::forEachConstraint(m_input, RVDifferentClusterConstraint, [&](const auto&, const RVNodeDList& nodes) {
         for (RVNode* node : nodes) {
-            if (!rv::isInGraph(node, m_input) || groupOf[placeOf(node)] < 0) continue;
+            if (!rv::isInGraph(node, m_input.pAssociatedGraph()) || groupOf[placeOf(node)] < 0) continue;
             auto& constraints = m_groups[static_cast<std::size_t>(groupOf[placeOf(node)])].constraints;
             if (constraints.empty() || constraints.back() != number) constraints.push_back(number);
         }

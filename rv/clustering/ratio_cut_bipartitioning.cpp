@@ -156,9 +156,7 @@ private:
 // The variables, in node order, and the edges between them.
 struct RVRatioCutBipartitioningAlgorithm::Parts {
     explicit Parts(std::size_t n) : variables(n) {}
-    RVRatioCutVariable* of(const RVNode* node) const {
-        return variableOf[static_cast<std::size_t>(node->denseIndex())];
-    }
+    RVRatioCutVariable* of(const RVNode* node) const { return variableOf[rv::placeOf(node)]; }
 
     std::vector<RVRatioCutVariable> variables;
     std::vector<RVRatioCutVariable*> variableOf;  // by dense index of the node
@@ -308,7 +306,7 @@ void RVRatioCutBipartitioningAlgorithm::makeVariables() {
     for (RVNode* node : *graph->pNodeList()) {
         variable->weight(input->getWeight(node));
         variable->x(startPosition(input->getX(node)));
-        parts.variableOf[static_cast<std::size_t>(node->denseIndex())] = &*variable++;
+        parts.variableOf[rv::placeOf(node)] = &*variable++;
     }
 }
 

@@ -28,7 +28,7 @@ public:
         std::vector<int> inEdges(m_states.size());
         std::vector<int> order;
         for (const RVNode* node : *graph->pNodeList()) {
-            inEdges[static_cast<std::size_t>(node->denseIndex())] = node->inDegree();
+            inEdges[placeOf(node)] = node->inDegree();
             if (node->inDegree() == 0) order.push_back(node->denseIndex());
         }
         for (std::size_t i = 0; i < order.size(); ++i) {

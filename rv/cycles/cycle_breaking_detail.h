@@ -17,11 +17,4 @@ struct ReductionState {
     CellHandles degreeTwoCells;  // in that for degree-two node reductions
 };
 
-// Of a piece whose reductions are being undone.
-struct RestorationState {
-    explicit RestorationState(const RVGraph* piece) : paths(piece) {}
-
-    AcyclicPaths<ListNeighbours> paths;
-};
-
 }  // namespace rv

@@ -37,8 +37,11 @@
 class RVTopologicalHeuristicOutputData;
 
 namespace rv {
+template <class Neighbours>
+class AcyclicPaths;
+class ListNeighbours;
+using ListPaths = AcyclicPaths<ListNeighbours>;
 struct ReductionState;
-struct RestorationState;
 }  // namespace rv
 
 // Per node of the working graph and of the pieces.
@@ -225,7 +228,7 @@ private:
     rv::Uncopied<std::unique_ptr<ActionStack>> m_actionStack;
     // Of the piece in hand, while it is reduced and while reductions are undone.
     rv::Uncopied<std::unique_ptr<rv::ReductionState>> m_reduction;
-    rv::Uncopied<std::unique_ptr<rv::RestorationState>> m_restoration;
+    rv::Uncopied<std::unique_ptr<rv::ListPaths>> m_paths;
 };
 
 class RV_EXPORT RVCycleBreakingEdgeDetectionAlgorithm : public RVInternalGraphAlgorithm {

@@ -44,6 +44,12 @@ std::unique_ptr<RVGraphReductionAction> newAction(RVGraphReductionTypeEnum type)
     return action;
 }
 
+// Hands an action over to the stack.
+void push(std::unique_ptr<RVGraphReductionAction> action, RVCycleBreakingEdgeDetectionInternalData& data) {
+    data.pushAction(action.get());
+    static_cast<void>(action.release());
+}
+
 }  // namespace
 
 // Candidates
@@ -181,8 +187,7 @@ void Algorithm::performMultiEdgeReduction(RVEdge* edge) const {
     edges.add(merged);
     data->weight(merged, weight);
     action->pNewEdge(merged);
-    data->pushAction(action.get());
-    static_cast<void>(action.release());
+    push(std::move(action), *data);
 }
 
 void Algorithm::performOppositeEdgeReduction(RVEdge* edge) const {
@@ -208,8 +213,7 @@ void Algorithm::performOppositeEdgeReduction(RVEdge* edge) const {
         data->weight(remainder, surplus < 0 ? -surplus : surplus);
         edges.add(remainder);
     }
-    data->pushAction(action.get());
-    static_cast<void>(action.release());
+    push(std::move(action), *data);
 }
 
 void Algorithm::performDegreeTwoNodeReduction(RVNode* node) const {
@@ -234,8 +238,7 @@ void Algorithm::performDegreeTwoNodeReduction(RVNode* node) const {
     edges.add(bridge);
     data->weight(bridge, weight);
     action->pNewEdge(bridge);
-    data->pushAction(action.get());
-    static_cast<void>(action.release());
+    push(std::move(action), *data);
 }
 
 // Undoing
@@ -243,12 +246,12 @@ void Algorithm::performDegreeTwoNodeReduction(RVNode* node) const {
 void Algorithm::restoreGraph(RVGraph* piece) const {
     RVCycleBreakingEdgeDetectionInternalData* data = pData();
     if (data->actionStackEmpty()) return;
-    data->m_restoration = std::make_unique<rv::RestorationState>(piece);
+    data->m_paths = std::make_unique<rv::ListPaths>(piece);
     while (!data->actionStackEmpty()) {
         const std::unique_ptr<RVGraphReductionAction> action(data->popAction());
         restoreGraph(piece, action.get());
     }
-    data->m_restoration = nullptr;
+    data->m_paths = nullptr;
 }
 
 void Algorithm::restoreGraph(RVGraph* piece, RVGraphReductionAction* action) const {
@@ -288,9 +291,8 @@ void Algorithm::restoreGraphOppositeEdges(RVGraph* piece, RVGraphReductionAction
     RVEdge* heavy = action->pOldEdgeList()->pLastEdge();
     if (data->weight(heavy) < data->weight(light)) std::swap(light, heavy);
     if (action->pNewEdge() != nullptr) piece->discardEdge(action->pNewEdge());
-    const bool pathExists =
-        canSearch(piece, L"Error in path exists alg. Return code = %d\n") &&
-        data->m_restoration.get()->paths.pathExists(light->pSourceNode(), light->pTargetNode());
+    const bool pathExists = canSearch(piece, L"Error in path exists alg. Return code = %d\n") &&
+                            data->m_paths.get()->pathExists(light->pSourceNode(), light->pTargetNode());
     reverse(pathExists ? heavy : light);
     for (RVEdge* edge : {light, heavy}) piece->insertEdge(edge, edge->pSourceNode(), edge->pTargetNode());
 }
@@ -302,7 +304,7 @@ void Algorithm::restoreGraphDegreeTwoNode(RVGraph* piece, RVGraphReductionAction
     if (data->reversed(action->pNewEdge()) != 0) reverse(data->weight(in) < data->weight(out) ? in : out);
     piece->insertNode(action->pOldNode());
     piece->discardEdge(action->pNewEdge());
-    data->m_restoration.get()->paths.noteNode(action->pOldNode());
+    data->m_paths.get()->noteNode(action->pOldNode());
 }
 
 // Whether the piece can be handed to a path test, which needs a factory. Without one there is no path.
@@ -329,7 +331,7 @@ public:
 
     // Whether a path that was noted for the edge still exists.
     bool forbid(const RVEdge* edge) const {
-        const Range& range = m_ranges[static_cast<std::size_t>(edge->denseIndex())];
+        const Range& range = m_ranges[rv::placeOf(edge)];
         if (!range.isNoted) return false;
         for (std::size_t i = range.begin; i < range.end; ++i) {
             if (m_data.reversed(m_edges[i]) == 0) return false;
@@ -345,7 +347,7 @@ public:
         range.end = m_edges.size();
         range.isNoted = range.end <= m_room;
         if (!range.isNoted) m_edges.resize(range.begin);
-        m_ranges[static_cast<std::size_t>(edge->denseIndex())] = range;
+        m_ranges[rv::placeOf(edge)] = range;
     }
 
 private:

@@ -61,7 +61,6 @@ public:
     }
 
 private:
-    static std::size_t placeOf(const RVEdge* edge) { return static_cast<std::size_t>(edge->denseIndex()); }
     static std::uint64_t endsOf(const RVNode* source, const RVNode* target) {
         return static_cast<std::uint64_t>(source->denseIndex()) << 32 |
                static_cast<std::uint32_t>(target->denseIndex());

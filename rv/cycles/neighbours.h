@@ -21,7 +21,7 @@ public:
         for (const RVNode* node : *graph->pNodeList()) noteNode(node);
     }
     // A node has come in.
-    void noteNode(const RVNode* node) { m_nodes[static_cast<std::size_t>(node->denseIndex())] = node; }
+    void noteNode(const RVNode* node) { m_nodes[placeOf(node)] = node; }
 
     class Cursor {
     public:
@@ -57,7 +57,7 @@ public:
         m_places.resize(static_cast<std::size_t>(graph->edgeIndexLimit()));
         m_entries.reserve(2 * static_cast<std::size_t>(graph->numberOfEdges()));
         for (const RVNode* node : *graph->pNodeList()) {
-            Range& range = m_ranges[static_cast<std::size_t>(node->denseIndex())];
+            Range& range = m_ranges[placeOf(node)];
             range.begin = m_entries.size();
             for (RVEdge* edge : *node->pOutEdgeList()) {
                 places(edge).source = m_entries.size();
@@ -121,8 +121,8 @@ private:
 
     const Entry* place(std::size_t i) const { return m_entries.data() + i; }
     const Range& at(int node) const { return m_ranges[static_cast<std::size_t>(node)]; }
-    Range& rangeOf(const RVNode* node) { return m_ranges[static_cast<std::size_t>(node->denseIndex())]; }
-    Places& places(const RVEdge* edge) { return m_places[static_cast<std::size_t>(edge->denseIndex())]; }
+    Range& rangeOf(const RVNode* node) { return m_ranges[placeOf(node)]; }
+    Places& places(const RVEdge* edge) { return m_places[placeOf(edge)]; }
     // Puts the entry at one place into the other one.
     void exchange(std::size_t& place, std::size_t other, std::size_t Places::*end) {
         places(m_entries[other].edge).*end = place;

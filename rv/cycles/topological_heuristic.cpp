@@ -82,8 +82,7 @@ void RVTopologicalHeuristicInternalData::pushChoice(RVNode* node) {
     const auto in = static_cast<std::uint32_t>(indegree(node));
     const auto out = static_cast<std::uint32_t>(outdegree(node));
     std::vector<Choice>& choices = m_choices.get();
-    choices.push_back(
-        {std::uint64_t{in} << 32 | ~out, m_places.get()[static_cast<std::size_t>(node->denseIndex())]});
+    choices.push_back({std::uint64_t{in} << 32 | ~out, m_places.get()[rv::placeOf(node)]});
     std::push_heap(choices.begin(), choices.end(), std::greater<>());
 }
 

@@ -8,6 +8,7 @@
 #include <bit>
 
 #include "rv/foundation/arithmetic.h"
+#include "rv/framework/parallel_edges.h"
 
 namespace rv {
 
@@ -79,15 +80,7 @@ private:
         std::vector<std::uint32_t> begins;
         std::vector<std::uint32_t> edges;
     };
-    struct Parallel {
-        std::uint32_t first;
-        std::uint32_t edge;
-    };
-    static std::size_t placeOf(const RVGraphMember* member) {
-        return static_cast<std::size_t>(member->denseIndex());
-    }
     EdgesBySource edgesBySource() const;
-    std::vector<Parallel> parallelEdges() const;
 
     void readNodes();
     void readEdges();
@@ -99,19 +92,16 @@ private:
 
     const RVMinimumCostFlowInputData& m_input;
     const RVGraph* m_graph;
-    std::vector<RVNode*> m_originals;      // the caller's nodes, which are the first ones
-    std::vector<Limit> m_limits;           // of these
+    std::vector<Limit> m_limits;           // of the caller's nodes, which are the first ones
     std::vector<std::uint32_t> m_numbers;  // of the caller's nodes, by dense index
 };
 
 // Source and sink have neither limit nor cost.
 void CostNetwork::Builder::readNodes() {
     m_numbers.resize(static_cast<std::size_t>(m_graph->nodeIndexLimit()));
-    m_originals.reserve(static_cast<std::size_t>(m_graph->numberOfNodes()));
-    m_limits.reserve(m_originals.capacity());
+    m_limits.reserve(static_cast<std::size_t>(m_graph->numberOfNodes()));
     for (RVNode* node : *m_graph->pNodeList()) {
         m_numbers[placeOf(node)] = nodes++;
-        m_originals.push_back(node);
         m_limits.push_back({m_input.capacity(node), m_input.cost(node)});
     }
     start = m_numbers[placeOf(m_input.pSourceNode())];
@@ -139,48 +129,25 @@ CostNetwork::Builder::EdgesBySource CostNetwork::Builder::edgesBySource() const 
     return result;
 }
 
-// All but the first ones, in the order of these and then of their source's out-edges.
-std::vector<CostNetwork::Builder::Parallel> CostNetwork::Builder::parallelEdges() const {
-    constexpr std::uint32_t kNone = 0xFFFFFFFF;
-    std::vector<Parallel> parallels;
-    std::vector<bool> isParallel(edges.size());
-    std::vector<std::uint32_t> numbers;                // of the edges, by dense index
-    std::vector<std::uint32_t> firstTo(nodes, kNone);  // stale when it comes from a node before
-    const EdgesBySource outEdges = edgesBySource();
-    for (std::uint32_t v = 0; v < nodes; ++v) {
-        bool hasParallels = false;
-        for (std::uint32_t k = outEdges.begins[v]; k < outEdges.begins[v + 1]; ++k) {
-            const std::uint32_t edge = outEdges.edges[k];
-            std::uint32_t& first = firstTo[edges[edge].target];
-            if (first == kNone || edges[first].source != v) {
-                first = edge;
-            } else {
-                hasParallels = isParallel[edge] = true;
-            }
-        }
-        if (!hasParallels) continue;
-        if (numbers.empty()) {
-            numbers.resize(static_cast<std::size_t>(m_graph->edgeIndexLimit()), kNone);
-            for (std::uint32_t i = 0; i < edges.size(); ++i) numbers[placeOf(edges[i].original)] = i;
-        }
-        for (const RVEdge* outEdge : *m_originals[v]->pOutEdgeList()) {
-            const std::uint32_t edge = numbers[placeOf(outEdge)];
-            if (edge != kNone && isParallel[edge]) parallels.push_back({firstTo[edges[edge].target], edge});
-        }
-    }
-    std::stable_sort(parallels.begin(), parallels.end(),
-                     [](const Parallel& a, const Parallel& b) { return a.first < b.first; });
-    return parallels;
-}
-
-// By paths of two edges, so that all have capacities of their own.
+// By paths of two edges, so that all have capacities of their own: all but the first ones of their groups, in
+// the order of these and then of their source's out-edges.
 void CostNetwork::Builder::replaceParallelEdges() {
-    for (const Parallel& parallel : parallelEdges()) {
-        const Edge edge = edges[parallel.edge];
-        edges[parallel.edge].capacity = 0;
-        edges.push_back({edge.source, nodes, edge.capacity, edge.cost, edge.original});
-        edges.push_back({nodes, edge.target, edge.capacity, 0, nullptr});
-        ++nodes;
+    ParallelEdges parallels(m_graph, true);
+    std::vector<std::uint32_t> numbers(static_cast<std::size_t>(m_graph->edgeIndexLimit()));
+    for (std::uint32_t i = 0; i < edges.size(); ++i) numbers[placeOf(edges[i].original)] = i;
+    std::vector<bool> isReplaced(edges.size());
+    for (std::uint32_t i = 0, count = static_cast<std::uint32_t>(edges.size()); i < count; ++i) {
+        if (isReplaced[i]) continue;
+        for (const RVEdge* parallel : parallels.of(edges[i].original)) {
+            const std::uint32_t number = numbers[placeOf(parallel)];
+            if (number == i) continue;
+            const Edge edge = edges[number];
+            isReplaced[number] = true;
+            edges[number].capacity = 0;
+            edges.push_back({edge.source, nodes, edge.capacity, edge.cost, edge.original});
+            edges.push_back({nodes, edge.target, edge.capacity, 0, nullptr});
+            ++nodes;
+        }
     }
 }
 

@@ -47,7 +47,7 @@ RVNode* RVDisjointPathsInternalData::pDisjointPathsCopyNode(RVNode* node, RVNode
 
 namespace {
 
-std::size_t placeOf(const RVGraphMember* member) { return static_cast<std::size_t>(member->denseIndex()); }
+using rv::placeOf;
 
 }  // namespace
 

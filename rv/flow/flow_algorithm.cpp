@@ -199,9 +199,7 @@ void RVFlowAlgorithm::keepReachable(RVGraph* graph) {
     RVNode* source = data->pFlowCopyNode(data->pSourceNode());
     const RVNode* sink = data->pFlowCopyNode(data->pSinkNode());
     std::vector<bool> isKept(static_cast<std::size_t>(graph->nodeIndexLimit()));
-    const auto keeps = [&](const RVNode* node) {
-        return node != nullptr && isKept[static_cast<std::size_t>(node->denseIndex())];
-    };
+    const auto keeps = [&](const RVNode* node) { return node != nullptr && isKept[rv::placeOf(node)]; };
     if (source != nullptr && sink != nullptr) {  // their capacities are not 0
         RVReachableNodesAlgorithm search;
         RVReachableNodesInputData input(graph);
@@ -210,7 +208,7 @@ void RVFlowAlgorithm::keepReachable(RVGraph* graph) {
         rv::noteFailure(*data, rv::runPart(search, input, output), debugMode(),
                         L"Error in Reachable Nodes. Return code = %d\n");
         for (const RVNode* node : *output.pNodeList()) {
-            isKept[static_cast<std::size_t>(node->denseIndex())] = true;
+            isKept[rv::placeOf(node)] = true;
         }
     }
     const bool hasWay = keeps(sink);
@@ -253,7 +251,7 @@ void RVFlowAlgorithm::addBackwardEdges() {
 // Where an edge of the flow graph stands in the arrays; edges of other graphs stand nowhere.
 std::size_t RVFlowAlgorithm::placeOf(const RVEdge* edge) const {
     const bool isOurs = edge != nullptr && edge->pHomeGraph() == pFlowInternalData()->pCopyGraph();
-    return isOurs ? static_cast<std::size_t>(edge->denseIndex()) : kNowhere;
+    return isOurs ? rv::placeOf(edge) : kNowhere;
 }
 
 int RVFlowAlgorithm::forwardEdge(const RVEdge* edge) const {

@@ -65,7 +65,7 @@ public:
         std::vector<int> nodePlaces(static_cast<std::size_t>(graph->nodeIndexLimit()));
         std::vector<int> edgePlaces(static_cast<std::size_t>(graph->edgeIndexLimit()));
         for (RVNode* node : *graph->pNodeList()) {
-            nodePlaces[placeOf(node)] = static_cast<int>(m_nodes.size());
+            nodePlaces[rv::placeOf(node)] = static_cast<int>(m_nodes.size());
             m_nodes.push_back({node, input.capacity(node)});
         }
         m_edges.reserve(static_cast<std::size_t>(graph->numberOfEdges()));
@@ -74,20 +74,20 @@ public:
         for (Node& node : m_nodes) {
             node.firstOut = m_edges.size();
             for (RVEdge* edge : *node.node->pOutEdgeList()) {
-                edgePlaces[placeOf(edge)] = static_cast<int>(m_edges.size());
-                m_edges.push_back({nodePlaces[placeOf(edge->pSourceNode())],
-                                   nodePlaces[placeOf(edge->pTargetNode())], input.capacity(edge)});
+                edgePlaces[rv::placeOf(edge)] = static_cast<int>(m_edges.size());
+                m_edges.push_back({nodePlaces[rv::placeOf(edge->pSourceNode())],
+                                   nodePlaces[rv::placeOf(edge->pTargetNode())], input.capacity(edge)});
                 m_callersEdges.push_back(edge);
             }
         }
         for (Node& node : m_nodes) {
             node.firstIn = m_inEdges.size();
             for (const RVEdge* edge : *node.node->pInEdgeList())
-                m_inEdges.push_back(edgePlaces[placeOf(edge)]);
+                m_inEdges.push_back(edgePlaces[rv::placeOf(edge)]);
         }
         m_nodes.push_back({nullptr, 0, 0, m_edges.size(), m_inEdges.size()});  // the end of the lists
-        m_source = nodePlaces[placeOf(input.pSourceNode())];
-        m_sink = nodePlaces[placeOf(input.pSinkNode())];
+        m_source = nodePlaces[rv::placeOf(input.pSourceNode())];
+        m_sink = nodePlaces[rv::placeOf(input.pSinkNode())];
         m_visits.resize(m_nodes.size());
         m_queue.reserve(2 * m_nodes.size());
     }
@@ -141,9 +141,6 @@ private:
         bool isForward;
     };
 
-    static std::size_t placeOf(const RVGraphMember* member) {
-        return static_cast<std::size_t>(member->denseIndex());
-    }
     template <class T>
     static T& at(std::vector<T>& values, int place) {
         return values[static_cast<std::size_t>(place)];

@@ -23,6 +23,7 @@
 
 #include "rv/flow/cost_network.h"
 #include "rv/foundation/arithmetic.h"
+#include "rv/foundation/graph_access.h"
 #include "rv/framework/check_input.h"
 #include "rv/framework/input_fields.h"
 #include "rv/shortestpaths/dijkstra.h"
@@ -169,8 +170,7 @@ void RVMinimumCostFlowAlgorithm::cleanup() {
 // The flow core would fail on graphs without a factory.
 bool RVMinimumCostFlowAlgorithm::canUseNetwork() const {
     if (typeid(*this) != typeid(RVMinimumCostFlowAlgorithm)) return false;
-    const std::unique_ptr<RVGraph> made(pInputData()->pAssociatedGraph()->pFactory()->newGraph());
-    return made != nullptr && made->pFactory() != nullptr;
+    return rv::newGraphLike(pInputData()->pAssociatedGraph())->pFactory() != nullptr;
 }
 
 // Steps that a network does without

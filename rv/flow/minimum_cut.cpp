@@ -112,14 +112,14 @@ void RVMinimumCutAlgorithm::generateOutputData() {
     std::int64_t total = 0;
     std::vector<bool> isListed(static_cast<std::size_t>(data->pInputGraph()->edgeIndexLimit()));
     const auto append = [&](RVEdge* edge) {
-        isListed[static_cast<std::size_t>(edge->denseIndex())] = true;
+        isListed[rv::placeOf(edge)] = true;
         output->pEdgeList()->appendEdge(edge);
         total += input->cost(edge);
     };
     for (RVEdge* edge : *data->pEdgeList()) append(data->pOriginalEdge(edge));
     for (RVEdge* edge : *pAssociatedGraph()->pEdgeList()) {
         RVEdge* original = data->pOriginalEdge(edge);
-        const bool isNew = !isListed[static_cast<std::size_t>(original->denseIndex())];
+        const bool isNew = !isListed[rv::placeOf(original)];
         if (isNew && input->cost(original) == 0) append(original);
     }
     const RVNode* source = input->pSourceNode();

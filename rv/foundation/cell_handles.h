@@ -52,10 +52,6 @@ public:
     void forget() { --m_length; }
 
 private:
-    static std::size_t placeOf(const RVGraphMember* member) {
-        return static_cast<std::size_t>(member->denseIndex());
-    }
-
     const RVDList* m_list = nullptr;
     std::uint32_t m_releases = 0;
     int m_length = 0;  // of the list, if nobody else has changed it

@@ -704,7 +704,7 @@ void noteOrder(const List& list, int limit, GraphOrders::Order<Member>& order) {
     order.found.reserve(order.hashes.size());
     for (const Member* member : list) {
         order.indices.push_back(member->denseIndex());
-        order.hashes[static_cast<std::size_t>(member->denseIndex())] = member->memberHash();
+        order.hashes[rv::placeOf(member)] = member->memberHash();
     }
 }
 

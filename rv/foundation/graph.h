@@ -194,6 +194,13 @@ private:
     bool m_adopted : 1 = false;  // its memory belongs to another graph
 };
 
+namespace rv {
+// Where a member stands in arrays by dense index.
+inline std::size_t placeOf(const RVGraphMember* member) {
+    return static_cast<std::size_t>(member->denseIndex());
+}
+}  // namespace rv
+
 class RV_EXPORT RVNode : public RVGraphMember {
     RV_OBJECT_NO_COPY(RVNode)
 

@@ -19,7 +19,7 @@ struct GraphOrders {
     template <class Member>
     struct Order {
         bool has(const Member* member) const {
-            const auto place = static_cast<std::size_t>(member->denseIndex());
+            const auto place = placeOf(member);
             return place < hashes.size() && hashes[place] == member->memberHash();
         }
         std::vector<int> indices;

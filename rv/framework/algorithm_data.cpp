@@ -26,9 +26,7 @@ int indexLimit(const RVGraph* graph, std::size_t kind) {
 // Maps the nodes, or the edges, of one graph to objects of another.
 struct Mapping {
     RVGraphMember* get(const RVGraphMember* member) const { return values.get(member->denseIndex()); }
-    RVGraphMember*& at(const RVGraphMember* member) {
-        return values.values()[static_cast<std::size_t>(member->denseIndex())];
-    }
+    RVGraphMember*& at(const RVGraphMember* member) { return values.values()[placeOf(member)]; }
 
     Column<RVGraphMember*> values;
     DataGraph* target = nullptr;  // of the first value; of all of them unless the data says otherwise
@@ -73,7 +71,7 @@ private:
     void forEachRecord(F f);
 
     std::uint32_t& strays(const RVGraphMember* member) {
-        return m_strays[kindOf(member)].values()[static_cast<std::size_t>(member->denseIndex())];
+        return m_strays[kindOf(member)].values()[placeOf(member)];
     }
 
     DataGraphs& m_owner;
@@ -478,8 +476,7 @@ bool DataGraphs::isMutual(const DataGraph& graph, Direction direction, std::size
     const Mapping& mapping = (graph.*direction)[kind];
     const RVGraphMember* const value = mapping.values.values()[place];
     const RVGraphMember* const source = (graphOf(value, mapping).*opposite(direction))[kind].get(value);
-    return source != nullptr && source->pHomeGraph() == graph.m_graph &&
-           static_cast<std::size_t>(source->denseIndex()) == place;
+    return source != nullptr && source->pHomeGraph() == graph.m_graph && placeOf(source) == place;
 }
 
 // Before all objects of a graph get other copies.

@@ -13,6 +13,10 @@ inline RVServiceErrorCodeEnum checkInputGraph(const RVAlgorithmInputData& input)
     return graph->pFactory() == nullptr ? RV_NO_GRAPH_FACTORY : RV_NO_ERROR;
 }
 
+inline bool isInGraph(const RVNode* node, const RVGraph* graph) {
+    return node != nullptr && node->pOwnerGraph() == graph;
+}
+
 // A node that the input must have, in the input's graph.
 inline RVServiceErrorCodeEnum checkNode(const RVNode* node, const RVAlgorithmInputData& input,
                                         RVServiceErrorCodeEnum missing, RVServiceErrorCodeEnum foreign) {

@@ -38,7 +38,7 @@ void RVReachableNodesOutputData::reset() { m_nodes->deleteAllCells(); }
 
 namespace {
 
-std::size_t placeOf(const RVGraphMember* member) { return static_cast<std::size_t>(member->denseIndex()); }
+using rv::placeOf;
 
 }  // namespace
 

@@ -85,7 +85,7 @@ protected:
     }
     void cleanup() override {
         for (RVNode* node : *RVReachableNodesOutputData::castDown(pOutputData())->pNodeList())
-            m_distances[static_cast<std::size_t>(node->denseIndex())] = kInfinite;
+            m_distances[placeOf(node)] = kInfinite;
     }
 
 private:
@@ -100,11 +100,7 @@ namespace {
 using Word = std::uint64_t;
 constexpr std::size_t kGroup = 64;
 
-std::size_t placeOf(const RVGraphMember* member) { return static_cast<std::size_t>(member->denseIndex()); }
-
-bool isInGraph(const RVNode* node, const RVGraph* graph) {
-    return node != nullptr && node->pOwnerGraph() == graph;
-}
+using rv::placeOf;
 
 Word bitOf(std::size_t i) { return Word{1} << i; }
 
@@ -255,7 +251,7 @@ RVNode* Condensation::pNextNeighbour(Visit& visit) const {
 void Condensation::mark(Marks& marks, const RVGraph* graph, std::span<RVNode* const> effects) {
     std::fill(m_words.begin(), m_words.end(), Word{0});
     for (std::size_t i = 0; i < effects.size(); ++i) {
-        if (isInGraph(effects[i], graph)) m_words[m_components[placeOf(effects[i])]] |= bitOf(i);
+        if (rv::isInGraph(effects[i], graph)) m_words[m_components[placeOf(effects[i])]] |= bitOf(i);
     }
     std::size_t node = 0;
     std::size_t target = 0;
@@ -327,7 +323,7 @@ RVServiceErrorCodeEnum RVRootCauseAlgorithm::checkData() {
     const RVNodeDList* effects = input->pEffectNodeList();
     if (effects == nullptr || effects->length() == 0) return RV_NO_EFFECT_NODES;
     for (const RVNode* effect : *effects) {
-        if (!isInGraph(effect, graph)) return RV_EFFECT_NODE_NOT_IN_GRAPH;
+        if (!rv::isInGraph(effect, graph)) return RV_EFFECT_NODE_NOT_IN_GRAPH;
     }
     if (input->range() < -1) return RV_INVALID_RANGE;
     if (!(input->threshold() >= 0.0 && input->threshold() <= 1.0)) return RV_INVALID_THRESHOLD;

@@ -89,7 +89,7 @@ public:
         const RVGraph* graph = input.pAssociatedGraph();
         m_numbers.resize(static_cast<std::size_t>(graph->nodeIndexLimit()));
         for (RVNode* node : *graph->pNodeList()) {
-            m_numbers[static_cast<std::size_t>(node->denseIndex())] = m_nodes.size();
+            m_numbers[rv::placeOf(node)] = m_nodes.size();
             m_nodes.push_back(node);
             m_nodeCosts.push_back(input.cost(node));
         }
@@ -135,9 +135,7 @@ private:
     };
     Row row(std::size_t i) { return {m_costs.data() + i * m_size, m_lastEdges.data() + i * m_size}; }
 
-    std::size_t numberOf(const RVNode* node) const {
-        return m_numbers[static_cast<std::size_t>(node->denseIndex())];
-    }
+    std::size_t numberOf(const RVNode* node) const { return m_numbers[rv::placeOf(node)]; }
 
     // Paths of no edge and of one; false when a self-loop is a negative cycle.
     bool initialize() {

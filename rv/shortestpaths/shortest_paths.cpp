@@ -16,7 +16,7 @@ RV_OBJECT_IMPL(RVShortestPathsAlgorithm)
 
 namespace {
 
-std::size_t placeOf(const RVGraphMember* member) { return static_cast<std::size_t>(member->denseIndex()); }
+using rv::placeOf;
 
 }  // namespace
 

@@ -52,7 +52,7 @@ void RVSingleSourceShortestPathsOutputData::reset() {
 
 namespace {
 
-std::size_t placeOf(const RVGraphMember* member) { return static_cast<std::size_t>(member->denseIndex()); }
+using rv::placeOf;
 
 }  // namespace
 

@@ -223,7 +223,7 @@ void RVSortedPathsOutputData::reset() {
 
 namespace {
 
-std::size_t placeOf(const RVGraphMember* member) { return static_cast<std::size_t>(member->denseIndex()); }
+using rv::placeOf;
 
 // Of nodes that are not reached, and of edges there.
 constexpr std::int64_t kInfiniteDelta = std::numeric_limits<std::int64_t>::max();

@@ -108,7 +108,7 @@ bool RVSortedPathsEnumerator::repeatsNode() {
     bool repeats = false;
     m_beginningRepeats = m_pOutput->pStartNode() == finish;
     const auto visit = [&](const RVNode* node) {
-        const auto place = static_cast<std::size_t>(node->denseIndex());
+        const auto place = rv::placeOf(node);
         if (place >= m_marks.size()) m_marks.resize(std::max(place + 1, 2 * m_marks.size()));
         if (m_marks[place] == mark) repeats = true;
         m_marks[place] = mark;

@@ -15,11 +15,11 @@ template <class F>
 void forEachOtherNode(RVGraph* graph, const RVNodeDList& listed, F f) {
     if (listed.length() == graph->numberOfNodes()) return;
     std::vector<bool> isListed(static_cast<std::size_t>(graph->nodeIndexLimit()));
-    for (const RVNode* node : listed) isListed[static_cast<std::size_t>(node->denseIndex())] = true;
+    for (const RVNode* node : listed) isListed[placeOf(node)] = true;
     for (RVNodeIter it(graph); it;) {
         RVNode* node = it.pNode();
         it++;
-        if (!isListed[static_cast<std::size_t>(node->denseIndex())]) f(node);
+        if (!isListed[placeOf(node)]) f(node);
     }
 }
 

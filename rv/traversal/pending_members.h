@@ -62,14 +62,14 @@ public:
             m_handles.forget();
             --m_count;
         } else if (isPending(member)) {
-            m_pending[static_cast<std::size_t>(member->denseIndex())] = false;
+            m_pending[placeOf(member)] = false;
             --m_count;
         }
     }
 
     // Whether the member is there; a member that others have put into the list may read as not there.
     bool isPending(const Member* member) const {
-        const auto place = static_cast<std::size_t>(member->denseIndex());
+        const auto place = placeOf(member);
         return m_isList ? m_handles.noted(member) != nullptr : place < m_pending.size() && m_pending[place];
     }
 

@@ -83,12 +83,8 @@ protected:
     RVServiceErrorCodeEnum algorithmBody() override;
 
 private:
-    int inDegree(const RVNode* node) const {
-        return m_inDegrees[static_cast<std::size_t>(node->denseIndex())];
-    }
-    int inDegree(const RVNode* node, int value) {
-        return m_inDegrees[static_cast<std::size_t>(node->denseIndex())] = value;
-    }
+    int inDegree(const RVNode* node) const { return m_inDegrees[rv::placeOf(node)]; }
+    int inDegree(const RVNode* node, int value) { return m_inDegrees[rv::placeOf(node)] = value; }
 
     std::vector<int> m_inDegrees;  // in-edges of a node that have not been consumed, by dense index
 };
