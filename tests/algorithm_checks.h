@@ -95,7 +95,7 @@ struct OwnPathGraph : RVSortedPathsOutputData {
 };
 using SortedPathsOnce = Runner<RVSortedPathsAlgorithm, RVSortedPathsInputData, OwnPathGraph>;
 
-// A new algorithm goes here.
+// A new algorithm goes here, and into describe() if its output has other results.
 using Algorithms =
     testing::Types<TopologicalSort, BreadthFirst, DepthFirst, Connected, Blocks, Strong, PathTest,
                    AcyclicTest, TreeTest, Dijkstra, AcyclicPaths, AllPairs, ShortestPaths, UniquePath,
@@ -261,6 +261,115 @@ private:
     }
     std::map<std::pair<RVNode*, RVNode*>, int> m_steps;
 };
+
+// All that an output tells about a graph.
+template <class Output>
+std::string describe(const Output& output, const RVGraph* graph) {
+    std::string all;
+    const auto add = [&](const auto& value) {
+        if constexpr (std::is_convertible_v<decltype(value), std::string>)
+            all += value + "; ";
+        else
+            all += std::to_string(value) + "; ";
+    };
+    const auto addLists = [&](const RVDList* lists, bool ofNodes) {
+        for (RVDListIter it(lists); it; it++) {
+            add(ofNodes ? text(*RVNodeDList::castDown(it.pObject()))
+                        : text(*RVEdgeDList::castDown(it.pObject())));
+        }
+    };
+    if constexpr (requires { output.pNodeList(); }) add(text(*output.pNodeList()));
+    if constexpr (requires { output.pEdgeList(); }) add(text(*output.pEdgeList()));
+    if constexpr (requires { output.pVisitedNodeList(); }) add(text(*output.pVisitedNodeList()));
+    if constexpr (requires { output.pArticulationNodeList(); }) add(text(*output.pArticulationNodeList()));
+    if constexpr (requires { output.pComponentList(); }) addLists(output.pComponentList(), true);
+    if constexpr (requires { output.pEdgeComponentList(); }) addLists(output.pEdgeComponentList(), false);
+    if constexpr (requires { output.acyclic(); }) add(output.acyclic());
+    if constexpr (requires { output.pathExists(); }) add(output.pathExists());
+    if constexpr (requires { output.isTree(); }) add(output.isTree() + 2 * output.isForest());
+    if constexpr (requires { output.totalCost(); }) add(output.totalCost());
+    if constexpr (requires { output.totalFlow(); }) add(output.totalFlow());
+    if constexpr (requires { output.pTreeEdgeList(); }) add(text(*output.pTreeEdgeList()));
+    if constexpr (requires { output.pPathList(); }) addLists(output.pPathList(), false);
+    if constexpr (requires { output.uniquePathExists(); }) add(output.uniquePathExists());
+    if constexpr (requires { output.willCreateCycle(); }) add(output.willCreateCycle());
+    if constexpr (requires(RVEdgeDList list) { output.buildReflexiveEdgeList(list); }) {
+        RVEdgeDList list;
+        output.buildEdgeList(list);
+        add(text(list));
+        output.buildReflexiveEdgeList(list);
+        add(text(list));
+    }
+    if constexpr (requires { output.pCauseNodeList(); }) add(text(*output.pCauseNodeList()));
+    if constexpr (requires { output.pClusters(); }) add(clusterText(output));
+    for (RVNode* node : *graph->pNodeList()) {
+        if constexpr (requires(RVNodeDList & list) { output.buildReachedNodeList(node, list); }) {
+            RVNodeDList reached;
+            output.buildReachedNodeList(node, reached);
+            add(text(reached));
+        }
+        if constexpr (requires { output.dist(node); }) add(output.dist(node));
+        if constexpr (requires { output.computeLengthOfShortestPath(node, node); }) {
+            for (RVNode* from : *graph->pNodeList()) {
+                add(output.computeLengthOfShortestPath(from, node));
+                add(text(output.pLastEdge(from, node)));
+            }
+        }
+        if constexpr (requires { output.orderNumber(node); }) add(output.orderNumber(node));
+        if constexpr (requires { output.completionNumber(node); }) add(output.completionNumber(node));
+        if constexpr (requires { output.componentNumber(node); }) add(output.componentNumber(node));
+        if constexpr (requires { output.pParentNode(node); }) add(text(output.pParentNode(node)));
+        if constexpr (requires { output.getClusterNumber(node); }) add(output.getClusterNumber(node));
+        if constexpr (requires { output.getX(node); }) add(output.getX(node));
+    }
+    for (RVEdge* edge : *graph->pEdgeList()) {
+        if constexpr (requires { output.flow(edge); }) add(output.flow(edge));
+        if constexpr (requires { output.backwardEdge(edge); }) add(output.backwardEdge(edge));
+        if constexpr (requires { output.edgeType(edge); }) add(static_cast<int>(output.edgeType(edge)));
+    }
+    return all;
+}
+
+// Answers every question of an input: nodes by name, the other nodes with the last one, effects with all
+// nodes, numbers from the objects.
+class Question : public RVAlgorithmInputData {
+public:
+    explicit Question(const RVGraph* graph, int flag = 0)
+        : pStart(graph->pFirstNode()),
+          pFinish(graph->pLastNode()),
+          m_pNodes(graph->pNodeList()),
+          m_flag(flag) {}
+    bool hasField(const char*) const override { return true; }
+    bool hasNodeField(const char*) const override { return true; }
+    bool hasEdgeField(const char*) const override { return true; }
+    int intField(const char*, RVGraphObject* object) const override {
+        auto* const edge = object != nullptr && object->isEdge() ? static_cast<RVEdge*>(object) : nullptr;
+        return edge != nullptr && undirected(edge) ? 1 : m_flag;
+    }
+    double doubleField(const char*, RVGraphObject*) const override { return m_flag; }
+    RVObject* pObjectField(const char* name, RVGraphObject*) const override {
+        if (std::string(name) == "effectNodeList") return m_pNodes;
+        const bool isFirst = std::string(name) == "startNode" || std::string(name) == "sourceNode";
+        return isFirst ? pStart : pFinish;
+    }
+    RVNode* pStart;
+    RVNode* pFinish;
+
+private:
+    RVNodeDList* m_pNodes;
+    int m_flag;
+};
+
+// Puts a question to an algorithm, about a graph.
+template <class R>
+void ask(R& run, RVGraph* graph, const Question& question) {
+    run.input.pAssociatedGraph(graph);
+    run.input.copyData(&question);
+    if constexpr (requires { run.algorithm.storeDistances(1); }) run.algorithm.storeDistances(1);
+    if constexpr (requires { run.input.quality(2); }) run.input.quality(2);
+    if constexpr (requires { run.input.pCandidateNodeList(); })
+        *run.input.pCandidateNodeList() = *graph->pNodeList();
+}
 
 // Whether no edge can be followed back to where it starts.
 inline bool isAcyclic(const RVGraph* graph) {
