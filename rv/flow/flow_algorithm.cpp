@@ -248,9 +248,11 @@ void RVFlowAlgorithm::addBackwardEdges() {
     }
 }
 
-// Where an edge of the flow graph stands in the arrays; edges of other graphs stand nowhere.
+// Where an edge of the flow graph stands in the arrays; edges of other graphs stand nowhere, and outside a
+// run there is no flow graph.
 std::size_t RVFlowAlgorithm::placeOf(const RVEdge* edge) const {
-    const bool isOurs = edge != nullptr && edge->pHomeGraph() == pFlowInternalData()->pCopyGraph();
+    const RVFlowInternalData* data = pFlowInternalData();
+    const bool isOurs = edge != nullptr && data != nullptr && edge->pHomeGraph() == data->pCopyGraph();
     return isOurs ? rv::placeOf(edge) : kNowhere;
 }
 

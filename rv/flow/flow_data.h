@@ -58,3 +58,15 @@ private:
     RVNode* m_pSourceNode = nullptr;
     RVNode* m_pSinkNode = nullptr;
 };
+
+namespace rv {
+
+// Takes all flows from an output, whatever its reset has left.
+template <class Output>
+void clearFlows(Output& output) {
+    for (RVEdge* edge : *output.pAssociatedGraph()->pEdgeList()) {
+        if (output.flow(edge) != 0) output.flow(edge, 0);
+    }
+}
+
+}  // namespace rv

@@ -295,6 +295,7 @@ RVServiceErrorCodeEnum RVMaximumFlowAlgorithm::algorithmBody() {
 void RVMaximumFlowAlgorithm::generateOutputData() {
     auto* output = RVMaximumFlowOutputData::castDown(pOutputData());
     output->pAssociatedGraph(pInputData()->pAssociatedGraph());
+    rv::clearFlows(*output);
     m_network->describe(*output);
 }
 

@@ -362,6 +362,7 @@ void RVMinimumCostFlowAlgorithm::generateOutputData() {
     const RVMinimumCostFlowInternalData* data = pMinimumCostFlowInternalData();
     auto* output = RVMinimumCostFlowOutputData::castDown(pOutputData());
     output->pAssociatedGraph(data->pInputGraph());
+    rv::clearFlows(*output);
     output->totalCost(data->totalCost());
     output->totalFlow(data->totalFlow());
     if (hasNetwork()) {

@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <bit>
 #include <cstdint>
+#include <limits>
 #include <span>
 #include <utility>
 #include <vector>
@@ -285,7 +286,7 @@ private:
 // The run
 
 struct RVRootCauseAlgorithm::Run {
-    static constexpr std::int64_t kNothing = -1;
+    static constexpr std::int64_t kNothing = std::numeric_limits<std::int64_t>::min();
 
     // What a node explains of a group of effects.
     struct Share {

@@ -402,4 +402,34 @@ TEST(FlowCore, FailsWithHooksThatMeddle) {
     EXPECT_EQ(hooked(), 999);
 }
 
+// A reset that leaves the flows of the run before.
+template <class Output>
+struct Unreset : Output {
+    void reset() override {}
+};
+
+TEST(FlowCore, LeavesNoEarlierFlowAndAnswersOutsideRuns) {
+    const TestGraph g("s->t");
+    Runner<RVMaximumFlowAlgorithm, RVMaximumFlowInputData, Unreset<RVMaximumFlowOutputData>> most(g);
+    Runner<RVMinimumCostFlowAlgorithm, RVMinimumCostFlowInputData, Unreset<RVMinimumCostFlowOutputData>>
+        cheapest(g);
+    const auto flowOf = [&](auto& run, int capacity) {
+        run.input.pSourceNode(g.node("s"));
+        run.input.pSinkNode(g.node("t"));
+        run.input.capacity(g->pFirstEdge(), capacity);
+        EXPECT_EQ(run(), 0);
+        return run.output.flow(g->pFirstEdge());
+    };
+    for (const int capacity : {3, 0}) {
+        EXPECT_EQ(flowOf(most, capacity), capacity);
+        EXPECT_EQ(flowOf(cheapest, capacity), capacity);
+    }
+    struct Asked : RVMinimumCostFlowAlgorithm {
+        using RVFlowAlgorithm::forwardEdge;
+        using RVFlowAlgorithm::pReverseEdge;
+    } asked;
+    EXPECT_EQ(asked.forwardEdge(g->pFirstEdge()), 1);
+    EXPECT_EQ(asked.pReverseEdge(g->pFirstEdge()), nullptr);
+}
+
 }  // namespace
