@@ -57,6 +57,7 @@ void Slab::freeChunks() {
 
 void Slab::releaseAll() {
     freeChunks();
+    if (m_block != nullptr) unpoison(m_block, static_cast<std::size_t>(m_blockEnd - m_block));
     m_free = nullptr;
     m_bump = m_block;
     m_end = m_blockEnd;

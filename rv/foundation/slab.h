@@ -8,6 +8,10 @@
 
 #include "rv/export.h"
 
+#ifdef RV_POISON_SLABS
+#include <sanitizer/asan_interface.h>
+#endif
+
 namespace rv {
 
 class RV_EXPORT Slab {
@@ -25,6 +29,7 @@ public:
         if (m_free != nullptr) {
             void* slot = m_free;
             std::memcpy(&m_free, static_cast<char*>(slot) + sizeof(void*), sizeof(void*));
+            unpoison(slot, m_slotSize);
             return slot;
         }
         if (m_bump == m_end) grow();
@@ -39,6 +44,9 @@ public:
         std::memcpy(slot, &none, sizeof none);
         std::memcpy(static_cast<char*>(slot) + sizeof none, &m_free, sizeof m_free);
         m_free = slot;
+#ifdef RV_POISON_SLABS
+        ASAN_POISON_MEMORY_REGION(static_cast<char*>(slot) + kLinks, m_slotSize - kLinks);
+#endif
     }
 
     // Releases all slots at once, without looking at them; a given block is used again.
@@ -64,6 +72,15 @@ private:
     };
     static constexpr std::size_t kHeader = 64;
     static char* firstSlot(Chunk* chunk) { return reinterpret_cast<char*>(chunk) + kHeader; }
+
+    // Of a free slot: that it is free, and the next one.
+    static constexpr std::size_t kLinks = 2 * sizeof(void*);
+    // Memory is in use again. Only builds with the address sanitizer have it poisoned when it is not.
+    static void unpoison([[maybe_unused]] void* memory, [[maybe_unused]] std::size_t size) {
+#ifdef RV_POISON_SLABS
+        ASAN_UNPOISON_MEMORY_REGION(memory, size);
+#endif
+    }
 
     template <class F>
     void visitRange(char* slot, char* end, F& f) {
