@@ -3,71 +3,76 @@
 
 usage: filter.py FILE    (from the root of the project)
 
-In headers, `//` comments that stand above or behind a declaration become `///` and `///<`, the comment at the
-head becomes that of the file and of the algorithm in it, and what is indented in a comment becomes code. In
-Markdown, links to what has no page here become plain text, and links into pages links to them.
+In headers, `//` comments that stand above or behind a declaration become `///` and `///<`, that of a getter is
+also the setter's, the one at the head becomes that of the file and of the algorithms in it, and what is indented
+becomes code. In Markdown, links to what has no page become plain text, all others references to pages.
 """
 import os
 import pathlib
 import re
 import sys
 
+ALGORITHMS = pathlib.Path("docs/algorithms")
 
-def comment_lines(lines, indent):
-    """A block of comment lines without their slashes, as a comment of Doxygen."""
+
+def page_label(page):
+    return "index" if page == "README.md" else "md_" + page[: -len(".md")].replace("/", "_")
+
+
+def documentation(block):
+    """A block of comment lines, without their slashes, for Doxygen."""
     result = []
     code = False
-    for line in lines:
-        indented = line.startswith("  ") and (code or not result or result[-1] == "")
-        if indented and not code:
+    for line in block:
+        starts = line.startswith("  ") and (not result or result[-1] == "")
+        if not code and starts:
             result.append("@code{.cpp}")
-        elif code and not line.startswith("  ") and line:
+            code = True
+        elif code and line and not line.startswith("  "):
             result.append("@endcode")
-        code = indented or (code and not line)
-        if not code:  # what is no code is plain text
-            line = re.sub(r"([<>&@#])", r"\\\1", line)
-        result.append(line)
+            code = False
+        result.append(line if code else re.sub(r"([<>&@#])", r"\\\1", line))
     if code:
         result.append("@endcode")
-    return "".join(f"{indent}/// {line}".rstrip() + "\n" for line in result)
+    return [f"/// {line}".rstrip() for line in result]
 
 
 def header(path, text):
-    lines = text.split("\n")
-    page = pathlib.Path("docs/algorithms") / (path.stem + ".md")
-    link = f"See the page @ref md_docs_algorithms_{path.stem}." if page.exists() else ""
+    page = ALGORITHMS / (path.stem + ".md")
+    see = ["///", f"/// See also the page @ref {page_label(str(page))}."] if page.exists() else []
     result = []
-    block = []
+    block = []  # the comment that is being read
+    getter = ("", [])  # the last function with a comment, and that comment
     at_head = True
-    for line in lines:
-        comment = re.match(r"^(\s*)//(?: (.*)|$)", line)
-        if comment and not re.match(r"NOLINT", comment.group(2) or ""):
-            block.append((comment.group(1), comment.group(2) or ""))
+    for line in text.split("\n"):
+        comment = re.match(r"\s*//(?: (.*)|$)", line)
+        if comment and not (comment.group(1) or "").startswith("NOLINT"):
+            block.append(comment.group(1) or "")
             continue
-        documented = bool(block) and line.strip() != ""
-        if at_head and block:
-            head = comment_lines([text for _, text in block], "")
-            result.append(f"/// @file\n{head}")
-            if link:
-                result.append(f"///\n/// {link}\n")
-            at_head = documented = False
-        elif block:
-            result.append(comment_lines([text for _, text in block], block[0][0]))
-            if not line.strip():  # about what follows, not about one declaration
-                result[-1] = result[-1].replace("///", "//")
+        own = documentation(block) if block and (line.strip() or at_head) else []
+        if at_head and own:
+            result += ["/// @file", *own, *see]
+            own = []
         block = []
-        algorithm = re.match(r"class RV_EXPORT (RV\w+) (?:final )?:", line)
-        if algorithm and not documented:
-            if algorithm.group(1).endswith("Algorithm"):
-                result.append(f"/// @copydoc {path}\n")
-            else:
-                result.append(f"/// Its contract is in {path}.\n")
-        line = re.sub(r"([;,}{]\s*)// (?!NOLINT)(.*)", r"\1///< \2", line)
-        result.append(line + "\n")
-    return "".join(result)
+        at_head = False
+
+        type_name = re.match(r"class RV_EXPORT (RV\w+) ", line)
+        function = re.match(r" {4}\w[\w:<>*& ]*?(\w+)\(", line)
+        if type_name and not own:
+            is_algorithm = type_name.group(1).endswith("Algorithm")
+            own = [f"/// @copydoc {path}" if is_algorithm else f"/// Its contract is in {path}."]
+        elif function and not own and function.group(1) == getter[0]:
+            own = getter[1]
+        if function:
+            getter = (function.group(1), own)
+        result += own
+        result.append(re.sub(r"([;,]\s*)// (?!NOLINT)", r"\1///< ", line))
+    return "\n".join(result)
 
 
 def markdown(path, text):
+    listed = set()
+
     def link(match):
         words, target = match.groups()
         if re.match(r"https?:|#", target):
@@ -75,8 +80,11 @@ def markdown(path, text):
         page = os.path.normpath(path.parent / target.partition("#")[0])
         if not page.endswith(".md"):
             return words
-        label = "index" if page == "README.md" else "md_" + page[:-3].replace("/", "_")
-        return f"[{words}](@ref {label})"
+        # The index is above the pages that it lists.
+        if path == ALGORITHMS / "README.md" and page not in listed:
+            listed.add(page)
+            return f'@subpage {page_label(page)} "{words}"'
+        return f"[{words}](@ref {page_label(page)})"
 
     return re.sub(r"(?<!!)\[([^\]]*)\]\(([^)]*)\)", link, text)
 
