@@ -77,6 +77,7 @@ def markdown(path, text):
         words, target = match.groups()
         if re.match(r"https?:|#", target):
             return match.group(0)
+        words = " ".join(words.split())
         page = os.path.normpath(path.parent / target.partition("#")[0])
         if not page.endswith(".md"):
             return words
