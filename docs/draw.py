@@ -100,6 +100,8 @@ for path in map(pathlib.Path, sys.argv[1:]):
     if "ExampleGraph" not in page:
         continue
     try:
+        if f"]({path.stem}.svg)" not in page:
+            raise ValueError("it does not show its picture")
         dot = dot_text(page)
     except (AttributeError, ValueError) as error:
         sys.exit(f"{path}: cannot be drawn: {error}")
