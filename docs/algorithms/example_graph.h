@@ -2,9 +2,9 @@
 //
 //   ExampleGraph graph("a->b:4 b--c d:7,2");
 //
-// makes the nodes a, b, c and d, in the order in which they are first named, and the edges in the order of the
-// text. `a->b` is an edge, `b--c` an edge to be taken as undirected, `d` a node alone; what stands behind a
-// colon are numbers, with commas between. The graph has the text as names and nothing more: a program takes
+// makes the nodes a, b, c and d, in the order in which they are first named, and the edges in the order of
+// the text. `a->b` is an edge, `b--c` an edge to be taken as undirected, `d` a node alone; what stands behind
+// a colon are numbers, with commas between. The graph has the text as names and nothing more: a program takes
 // costs and the like from number(edge) and undirected(edge) and sets them in its input.
 #pragma once
 
