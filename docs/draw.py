@@ -9,7 +9,7 @@ What is drawn is the text of the page's ExampleGraph. A comment in the page says
 
 `colours` gives each line of the expected output that begins with one of the words a colour of its own, and
 what is named in the line takes it; `numbers` writes on a node its place in such a line, or the value of
-`node=value`; `layout` is for Graphviz.
+`node=value`, and before the label of an edge the value of `edge=value`; `layout` is for Graphviz.
 
 A picture carries the text that it was drawn from, and is drawn again when that has changed.
 """
@@ -55,7 +55,7 @@ def dot_text(page):
     say = directives(page)
     colours = {}  # of a node or edge, the last line that names it
     for place, words in enumerate(output_lines(page, say.get("colours", ""))):
-        colours.update((word, place % len(FILLS)) for word in words)
+        colours.update((word.partition("=")[0], place % len(FILLS)) for word in words)
     numbers = {}
     for words in output_lines(page, say.get("numbers", "")):
         for place, word in enumerate(words, 1):
@@ -72,7 +72,8 @@ def dot_text(page):
         if not arrow:
             nodes[ends] = label
             continue
-        shown = {"label": quoted(label)} if label else {}
+        written = "/".join(part for part in (numbers.get(ends, ""), label) if part)
+        shown = {"label": quoted(written)} if written else {}
         if arrow.group() == "--":
             shown["dir"] = "none"
         # Colours follow the whole token where edges are parallel, else what the pages print.

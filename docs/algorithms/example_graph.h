@@ -32,7 +32,7 @@ inline std::string text(const RVGraphMember* member) {
 template <class List, class = decltype(std::declval<const List&>().begin())>
 std::string text(const List& list) {
     std::string all;
-    for (const RVGraphMember* member : list) all += (all.empty() ? "" : " ") + text(member);
+    for (const RVGraphMember* member : list) all.append(all.empty() ? "" : " ").append(text(member));
     return all;
 }
 

@@ -37,7 +37,7 @@ public:
     RVEdgeDList* pEdgeList() const { return m_edges.get(); }
     // Empties the list, then fills it with the path.
     void buildEdgeList(RVEdgeDList& list) const;
-    // 0 before a run, and after one that ended with a code; 2147483647 when there is no path.
+    // 0 before a run, and after one that found a negative cycle; 2147483647 when there is no path.
     int totalCost() const { return m_totalCost; }
     int totalCost(int cost) { return m_totalCost = cost; }
     int pathExists() const { return m_pathExists; }
