@@ -2,11 +2,11 @@
 // and again, where that costs least.
 //
 // Works on the caller's graph, any graph; directions play no part. From all nodes in one cluster on, a
-// cluster is cut by ratio cut as long as the clusters' weights come closer to a target thereby. With T the
-// weight of all n nodes and k = sqrt(n) / clusterSizeFactor, brought within the limits of the number of
-// clusters, the target is L = 2 T / n + T / k, and a cluster of weight w is off by ((L - w)^2)^p with p =
-// 0.75 * balanceFactor, between 0.001 and 10. A clusterSizeFactor below 0.01 counts as 0.01. No cluster is
-// cut for its weight once there are maxClusterCount of them.
+// cluster that is far off a target is cut by ratio cut if the clusters' weights come closer to it thereby.
+// With T the weight of all n nodes and k = sqrt(n) / clusterSizeFactor, brought within the limits of the
+// number of clusters, the target is L = 2 T / n + T / k. A cluster of weight w is off by ((L - w)^2)^p with
+// p = 0.75 * balanceFactor, between 0.001 and 10, and far off by more than L. A clusterSizeFactor below 0.01
+// counts as 0.01. No cluster is cut for its weight once there are maxClusterCount of them.
 //
 // Then clusters with two nodes of one different-cluster constraint are cut until there are none, whatever
 // maxClusterCount says, and the clusters with the most nodes until there are minClusterCount of them, or all

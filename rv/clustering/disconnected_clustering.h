@@ -3,12 +3,12 @@
 //
 // Works on the caller's graph, any graph; directions play no part. A connected graph is clustered by cluster
 // splitting (see there) as a whole, and with the same result. Otherwise each component is, lightest first,
-// with the share of the limits that is left for it and the constraints on several of its nodes. If there are
-// more than maxClusterCount clusters then, the lightest is merged with the lightest other one that no
-// different-cluster constraint keeps apart from it, again and again. A cluster for which there is no other
-// stays as it is, and the number of clusters may remain above the maximum. It may also be below the minimum:
-// what small components cannot give of their share, those before have not made up for. Same-cluster and
-// complete-cluster constraints play no part.
+// with a share of what is still missing to the minimum, the maximum less one for each component to come, and
+// the constraints on several of its nodes. If there are more than maxClusterCount clusters then, the lightest
+// is merged with the lightest other one that no different-cluster constraint keeps apart from it, again and
+// again. A cluster for which there is no other stays as it is, and the number of clusters may remain above
+// the maximum. It may also be below the minimum: what small components cannot give of their share, those
+// before have not made up for. Same-cluster and complete-cluster constraints play no part.
 //
 // The clusters of several components come in this order: those that could be merged with no other, as they
 // were set aside; then the others, lightest first, and where weights are equal in the order in which they

@@ -9,8 +9,8 @@
 //
 // Nodes get positions on a line. A gradient method lowers the sum of the edges' lengths, weighted by their
 // costs, while the weighted spread of the positions stays the same; each time all splits between neighbours
-// on the line are tried. The method ends when the ratio has not changed for some time, at most 300 iterations
-// (900 at quality 2), and in any case after 20 times as many. The start is random with a fixed seed, or
+// on the line are tried. The method ends when the ratio has not changed for some time, at most 150 iterations
+// (450 at quality 2), and in any case after 40 times as many. The start is random with a fixed seed, or
 // given. Clusters list their nodes in graph order.
 //
 // Codes of run: RV_INVALID_QUALITY, RV_NEGATIVE_WEIGHT, RV_NEGATIVE_COST; before them RV_NO_INPUT_DATA and
