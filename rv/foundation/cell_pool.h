@@ -10,7 +10,7 @@
 
 namespace rv {
 
-class RV_EXPORT CellPool {
+class CellPool {
 public:
     // Makes a pool and its first cells in one piece of memory.
     static CellPool* create(std::size_t cellSize);

@@ -96,7 +96,7 @@ public:
 
 // The records that data objects keep on one graph object, linked through the records themselves; those of
 // the data that came to the graph last stand in front. Filled through RVAlgorithmData only.
-class RV_EXPORT RVAlgorithmExtensionList {
+class RVAlgorithmExtensionList {
 public:
     RVAlgorithmExtensionList() = default;
     RVAlgorithmExtensionList(const RVAlgorithmExtensionList&) = delete;

@@ -6,15 +6,13 @@
 #include <cstdint>
 #include <cstring>
 
-#include "rv/export.h"
-
 #ifdef RV_POISON_SLABS
 #include <sanitizer/asan_interface.h>
 #endif
 
 namespace rv {
 
-class RV_EXPORT Slab {
+class Slab {
 public:
     // Slots of slotSize bytes, at least 16 and a multiple of 8. A first block may be given; it stays the
     // giver's.

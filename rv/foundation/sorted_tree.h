@@ -18,7 +18,7 @@ namespace rv {
 class CellIndex;
 }
 
-class RV_EXPORT RVBinTreeCell : public RVDListCell {
+class RVBinTreeCell : public RVDListCell {
 public:
     RVBinTreeCell* pNextCell() const { return static_cast<RVBinTreeCell*>(RVDListCell::pNextCell()); }
     RVBinTreeCell* pPrevCell() const { return static_cast<RVBinTreeCell*>(RVDListCell::pPrevCell()); }

@@ -1,5 +1,9 @@
 // A program of somebody else's: it has the installed library and nothing of this tree.
 
+#if defined(RV_STATIC_DEFINE) != defined(CONSUMER_STATIC)
+#error "the package does not say whether its library is static"
+#endif
+
 #include <cstdio>
 
 #include "rv/analysis.h"
