@@ -26,7 +26,7 @@ constraint that tells whether it holds. Columns have tabs between them.
 
   --includes DIR  the graph of the C and C++ files in DIR and the includes between them; FILE, if it is given,
                   adds to it
-  --least N       no less than N modules; default 1
+  --least N       no less than N modules, unless there are fewer nodes; default 1
   --most N        no more than N modules, unless a constraint needs more
   --quality N     how hard to try: 0, 1 (default) or 2
   --dot FILE      also writes the graph for Graphviz, each module in its own colour

@@ -34,6 +34,7 @@ std::optional<std::string> readText(const std::string& file) {
     errno = error;
     if (error != 0) return std::nullopt;
     text.resize(length);
+    if (text.starts_with("\xEF\xBB\xBF")) text.erase(0, 3);  // the mark of UTF-8
     return text;
 }
 
