@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 #include <map>
 #include <random>
 #include <set>
@@ -369,6 +370,24 @@ void ask(R& run, RVGraph* graph, const Question& question) {
     if constexpr (requires { run.input.quality(2); }) run.input.quality(2);
     if constexpr (requires { run.input.pCandidateNodeList(); })
         *run.input.pCandidateNodeList() = *graph->pNodeList();
+}
+
+template <class R>
+void useOriginalGraph(R& run, int flag) {
+    if constexpr (requires { run.algorithm.useOriginalGraph(flag); }) run.algorithm.useOriginalGraph(flag);
+}
+
+// Binds the nodes c, d and f of a clustering by a constraint of each kind.
+template <class R>
+void constrain(R& run, const TestGraph& g, std::array<RVClusteringConstraint, 3>& constraints) {
+    if constexpr (requires { run.input.addConstraint(&constraints[0]); }) {
+        for (std::size_t i = 0; i < constraints.size(); ++i) {
+            constraints[i].type(static_cast<RVClusteringConstraintTypeEnum>(i));
+            for (const char* name : {i == 2 ? "d" : "c", "f"}) constraints[i].addNode(g.node(name));
+            run.input.addConstraint(&constraints[i]);
+        }
+        run.input.minClusterCount(3);
+    }
 }
 
 // Whether no edge can be followed back to where it starts.
