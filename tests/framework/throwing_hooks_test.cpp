@@ -221,6 +221,9 @@ TYPED_TEST(ThrowingHooks, LeaveTheCallersGraphAndTheAlgorithmAsTheyWere) {
                 } catch (const Thrown&) {
                 }
                 pointsLeft = -1;
+                if constexpr (std::is_base_of_v<RVInternalGraphAlgorithm, decltype(run.algorithm)>) {
+                    ASSERT_EQ(run.algorithm.pInternalData(), nullptr);
+                }
                 ASSERT_EQ(orders(g), ordersBefore);
                 ASSERT_EQ(this->answer(run, g, flag, original), expected);
             }
