@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdio>
 #include <map>
 #include <random>
 #include <set>
@@ -263,6 +264,13 @@ private:
     std::map<std::pair<RVNode*, RVNode*>, int> m_steps;
 };
 
+// With all its digits.
+inline std::string exactText(double value) {
+    char digits[32];
+    std::snprintf(digits, sizeof digits, "%.17g", value);
+    return digits;
+}
+
 // All that an output tells about a graph.
 template <class Output>
 std::string describe(const Output& output, const RVGraph* graph) {
@@ -270,6 +278,8 @@ std::string describe(const Output& output, const RVGraph* graph) {
     const auto add = [&](const auto& value) {
         if constexpr (std::is_convertible_v<decltype(value), std::string>)
             all += value + "; ";
+        else if constexpr (std::is_floating_point_v<std::decay_t<decltype(value)>>)
+            all += exactText(value) + "; ";
         else
             all += std::to_string(value) + "; ";
     };

@@ -1,6 +1,7 @@
 // What holds for all algorithms.
 
 #include <gtest/gtest.h>
+#include <malloc.h>
 
 #include <algorithm>
 #include <array>
@@ -181,6 +182,24 @@ TYPED_TEST(AlgorithmContract, AnswersMissingAndForeignDataWithCodes) {
     EXPECT_EQ(orphan.node("a")->pFactory(), nullptr);
     EXPECT_EQ(TypeParam(orphan)(), RV_NO_GRAPH_FACTORY);
 }
+
+#ifndef RV_SANITIZED
+// Not by one block in each run: that would be 32 bytes. What malloc keeps at hand differs by less.
+TYPED_TEST(AlgorithmContract, DoesNotGrow) {
+    const TestGraph g("a->b b->a b--c c->c a->b c->e d");
+    for (const int original : {0, 1}) {
+        TypeParam run;
+        ask(run, g, Question(g, 1));
+        useOriginalGraph(run, original);
+        std::size_t before = 0;
+        for (int i = 0; i < 1000; ++i) {
+            ASSERT_EQ(run(), RV_NO_ERROR);
+            if (i == 99) before = mallinfo2().uordblks;
+        }
+        EXPECT_LT(mallinfo2().uordblks, before + std::size_t{900 * 32});
+    }
+}
+#endif
 
 // Graph, input, output and algorithm are destroyed in every order, after a run each with and without a copy.
 TYPED_TEST(AlgorithmContract, LetsEverythingGoInAnyOrder) {
