@@ -4,7 +4,8 @@
 //
 //   build/debug/tests/determinism > tests/determinism/expected.txt
 //
-// With an argument objects lie elsewhere: each block of memory is one of several, picked at random.
+// With an argument objects lie elsewhere: each block of memory is one of several, picked at random. The
+// sanitizers have memory of their own.
 
 #include <algorithm>
 #include <array>
@@ -23,7 +24,7 @@ namespace {
 bool isShuffled = false;
 
 // One of several blocks; the others are free again.
-void* block(std::size_t alignment, std::size_t size) {
+[[maybe_unused]] void* block(std::size_t alignment, std::size_t size) {
     static std::minstd_rand random;
     std::array<void*, 8> blocks = {};
     const std::size_t number = isShuffled ? blocks.size() : 1;
@@ -37,10 +38,13 @@ void* block(std::size_t alignment, std::size_t size) {
 
 }  // namespace
 
+#ifndef RV_SANITIZED
 [[gnu::noinline]] void* operator new(std::size_t size) { return block(alignof(std::max_align_t), size); }
+[[gnu::noinline]] void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
+    return block(alignof(std::max_align_t), size);
+}
 [[gnu::noinline]] void operator delete(void* memory) noexcept { std::free(memory); }
 [[gnu::noinline]] void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
-#ifndef RV_SANITIZED
 // Where slabs come from.
 extern "C" void* aligned_alloc(std::size_t alignment, std::size_t size) noexcept {
     return block(alignment, size);
