@@ -4,11 +4,12 @@
 #include <system_error>
 
 bool Arguments::next() {
-    if (++m_position >= m_count) return false;
-    m_text = m_arguments[m_position];
-    if (m_onlyOperands || m_text != "--") return true;
-    m_onlyOperands = true;
-    return next();
+    while (++m_position < m_count) {
+        m_text = m_arguments[m_position];
+        if (m_onlyOperands || m_text != "--") return true;
+        m_onlyOperands = true;
+    }
+    return false;
 }
 
 std::optional<std::string> Arguments::value() {

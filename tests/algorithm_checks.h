@@ -4,6 +4,8 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
+#include <cstdio>
 #include <map>
 #include <random>
 #include <set>
@@ -262,6 +264,13 @@ private:
     std::map<std::pair<RVNode*, RVNode*>, int> m_steps;
 };
 
+// With all its digits.
+inline std::string exactText(double value) {
+    char digits[32];
+    std::snprintf(digits, sizeof digits, "%.17g", value);
+    return digits;
+}
+
 // All that an output tells about a graph.
 template <class Output>
 std::string describe(const Output& output, const RVGraph* graph) {
@@ -269,6 +278,8 @@ std::string describe(const Output& output, const RVGraph* graph) {
     const auto add = [&](const auto& value) {
         if constexpr (std::is_convertible_v<decltype(value), std::string>)
             all += value + "; ";
+        else if constexpr (std::is_floating_point_v<std::decay_t<decltype(value)>>)
+            all += exactText(value) + "; ";
         else
             all += std::to_string(value) + "; ";
     };
@@ -369,6 +380,24 @@ void ask(R& run, RVGraph* graph, const Question& question) {
     if constexpr (requires { run.input.quality(2); }) run.input.quality(2);
     if constexpr (requires { run.input.pCandidateNodeList(); })
         *run.input.pCandidateNodeList() = *graph->pNodeList();
+}
+
+template <class R>
+void useOriginalGraph(R& run, int flag) {
+    if constexpr (requires { run.algorithm.useOriginalGraph(flag); }) run.algorithm.useOriginalGraph(flag);
+}
+
+// Binds the nodes c, d and f of a clustering by a constraint of each kind.
+template <class R>
+void constrain(R& run, const TestGraph& g, std::array<RVClusteringConstraint, 3>& constraints) {
+    if constexpr (requires { run.input.addConstraint(&constraints[0]); }) {
+        for (std::size_t i = 0; i < constraints.size(); ++i) {
+            constraints[i].type(static_cast<RVClusteringConstraintTypeEnum>(i));
+            for (const char* name : {i == 2 ? "d" : "c", "f"}) constraints[i].addNode(g.node(name));
+            run.input.addConstraint(&constraints[i]);
+        }
+        run.input.minClusterCount(3);
+    }
 }
 
 // Whether no edge can be followed back to where it starts.

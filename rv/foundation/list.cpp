@@ -141,6 +141,7 @@ void RVDList::deleteAllCellsAndObjects() {
     for (RVDListCell* cell = objects.m_pFirst; cell != nullptr; cell = cell->m_pNext) delete cell->m_pObject;
 }
 
+// NOLINTNEXTLINE(misc-no-recursion): once, for a list that is its own source
 void RVDList::copyAllCells(const RVDList* source) {
     if (source == nullptr) return;
     if (source == this) {

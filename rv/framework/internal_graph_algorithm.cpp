@@ -68,9 +68,22 @@ RVInternalGraphAlgorithm::RVInternalGraphAlgorithm() = default;
 
 RV_OBJECT_IMPL(RVInternalGraphAlgorithm)
 
-RVServiceErrorCodeEnum RVInternalGraphAlgorithm::run() { return RVAlgorithm::run(); }
+RVServiceErrorCodeEnum RVInternalGraphAlgorithm::run() { return runToItsEnd(); }
 
-RVServiceErrorCodeEnum RVInternalGraphAlgorithm::internalRun() { return RVAlgorithm::run(); }
+RVServiceErrorCodeEnum RVInternalGraphAlgorithm::internalRun() { return runToItsEnd(); }
+
+// An override of cleanup that has thrown may have done so before it called its base.
+RVServiceErrorCodeEnum RVInternalGraphAlgorithm::runToItsEnd() {
+    try {
+        return RVAlgorithm::run();
+    } catch (...) {
+        try {
+            if (pInternalData() != nullptr) RVInternalGraphAlgorithm::cleanup();
+        } catch (...) {  // NOLINT(bugprone-empty-catch)
+        }
+        throw;
+    }
+}
 
 RVServiceErrorCodeEnum RVInternalGraphAlgorithm::checkData() { return checkInputGraph(); }
 

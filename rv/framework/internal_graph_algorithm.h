@@ -122,6 +122,7 @@ protected:
     virtual void restoreWorkingGraph();
 
 private:
+    RVServiceErrorCodeEnum runToItsEnd();
     void restoreAfterFailure();
     void restoreOrders();
 

@@ -69,6 +69,7 @@ RVServiceErrorCodeEnum RVReachableNodesAlgorithm::checkData() {
 
 void RVReachableNodesAlgorithm::initialize() {
     RVBaseGraphAlgorithm::initialize();
+    forget();  // an override of cleanup may have thrown
     m_hasCosts = false;
     cover();
 }
@@ -154,6 +155,10 @@ void RVReachableNodesAlgorithm::updateDistance(RVNode* node, int distance) {
 
 void RVReachableNodesAlgorithm::cleanup() {
     RVBaseGraphAlgorithm::cleanup();
+    forget();
+}
+
+void RVReachableNodesAlgorithm::forget() {
     m_candidates.deleteAllCells();
     const auto release = [](auto&... values) {
         (std::remove_reference_t<decltype(values)>().swap(values), ...);

@@ -113,6 +113,7 @@ private:
     friend class rv::RepeatedSearch;
 
     void cover();
+    void forget();
     void traverseIncidentEdges(RVNode* node);
     void updateDistance(RVNode* node, int distance);
     bool isUndirected(const RVEdge* edge) const;

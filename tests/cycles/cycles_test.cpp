@@ -11,7 +11,6 @@
 #include <vector>
 
 #include "tests/algorithm_checks.h"
-#include "tests/small_stack.h"
 #include "tests/test_graph.h"
 
 namespace {
@@ -284,68 +283,6 @@ TEST(CycleBreaking, BreaksAllCycles) {
     EXPECT_LE(found[2], found[1]);
     EXPECT_LE(found[1], least * 11 / 10);
     EXPECT_LE(found[0], least * 5 / 4);
-}
-
-// Runs stand `levels` + 1 deep inside one another: two nodes and four edges per level beside a core that
-// nothing simplifies. Bridging the trigger of a level makes an edge opposite to the one from the hub to the
-// gate; both cancel, which leaves the gate without a way out. The next run drops the edge from the next
-// trigger to that gate, so that this trigger can be bridged.
-std::unique_ptr<RVGraph> nestedGraph(RVAFactory& factory, int levels) {
-    std::unique_ptr<RVGraph> graph(factory.newGraph());
-    RVNode* core[5];
-    for (RVNode*& node : core) node = graph->addNode();
-    for (int i = 0; i < 5; ++i) {
-        graph->addEdge(core[i], core[(i + 1) % 5]);
-        graph->addEdge(core[i], core[(i + 2) % 5]);
-    }
-    RVNode* gateBefore = nullptr;
-    for (int i = 0; i < levels; ++i) {
-        RVNode* const gate = graph->addNode();
-        RVNode* const trigger = graph->addNode();
-        graph->addEdge(gate, trigger);
-        graph->addEdge(trigger, core[0]);
-        graph->addEdge(core[0], gate);
-        if (gateBefore != nullptr) graph->addEdge(trigger, gateBefore);
-        gateBefore = gate;
-    }
-    graph->addEdge(core[1], gateBefore);
-    return graph;
-}
-
-// A ring, which is bridged node by node; many pairs, which are as many components; and runs deep inside one
-// another.
-TEST(CycleBreaking, NeedsLittleStack) {
-#if defined NDEBUG && !defined RV_SANITIZED
-    constexpr int kMany = 1000000;
-    constexpr int kLevels = 1000;
-#else
-    constexpr int kMany = 20000;
-    constexpr int kLevels = 200;
-#endif
-    const auto addRing = [](RVGraph* graph, int length) {
-        const std::vector<RVNode*> nodes = addChain(graph, length);
-        graph->addEdge(nodes.back(), nodes.front());
-    };
-    const TestGraph ring;
-    addRing(ring, kMany);
-    const TestGraph pairs;
-    for (int i = 0; i < kMany / 10; ++i) addRing(pairs, 2);
-    RVAFactory factory;
-    const std::unique_ptr<RVGraph> nested = nestedGraph(factory, kLevels);
-    const struct {
-        RVGraph* graph;
-        int broken;
-    } cases[] = {{ring, 1}, {pairs, kMany / 10}, {nested.get(), kLevels + 3}};
-    for (const auto& c : cases) {
-        withSmallStack([&] {
-            CycleBreaking run(c.graph);
-            run.input.quality(2);
-            EXPECT_EQ(run(), RV_NO_ERROR);
-            RVEdgeDList broken;
-            run.output.buildEdgeList(broken);
-            EXPECT_EQ(broken.length(), c.broken);
-        });
-    }
 }
 
 TEST(CycleBreaking, FailsWithItsParts) {

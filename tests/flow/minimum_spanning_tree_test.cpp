@@ -107,18 +107,4 @@ TEST(MinimumSpanningTree, AgreesWithAllSetsOfEdges) {
     EXPECT_GT(trees, 60);
 }
 
-// Equal costs, and a hub with parallel edges to every node.
-TEST(MinimumSpanningTree, TakesLargeGraphs) {
-    constexpr int kNodes = 200000;
-    const TestGraph graph;
-    const std::vector<RVNode*> nodes = addChain(graph, kNodes);
-    for (RVNode* node : nodes) {
-        graph->addEdge(nodes.front(), node);
-        graph->addEdge(node, nodes.front());
-    }
-    SpanningTree test(graph);
-    EXPECT_EQ(test(), 0);
-    EXPECT_EQ(test.output.pTreeEdgeList()->length(), kNodes - 1);
-}
-
 }  // namespace

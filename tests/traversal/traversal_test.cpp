@@ -13,7 +13,6 @@
 #include <vector>
 
 #include "tests/algorithm_checks.h"
-#include "tests/small_stack.h"
 #include "tests/test_graph.h"
 
 namespace {
@@ -319,75 +318,6 @@ TEST(TraversalEngine, BearsHooksThatChangeItsLists) {
             EXPECT_EQ(snapshot(g), before) << "seed " << seed << ", meddler " << &meddler - meddlers;
         }
     }
-}
-
-#ifdef NDEBUG
-constexpr int kMany = 1000000;
-constexpr int kCycles = 250000;
-#else
-constexpr int kMany = 30000;
-constexpr int kCycles = 20000;
-#endif
-
-template <class Run, class Check>
-void runWithSmallStack(RVGraph* graph, const Check& check) {
-    withSmallStack([&] {
-        Run run(graph);
-        EXPECT_EQ(run(), RV_NO_ERROR);
-        check(run.output);
-    });
-}
-
-TEST(TraversalEngine, NeedsNoStackForDeepGraphs) {
-    for (const std::string kind : {"chain", "cycle", "comb"}) {
-        SCOPED_TRACE(kind);
-        const TestGraph graph;
-        RVNode* last = kind == "comb" ? graph->addNode() : addChain(graph, kMany).back();
-        // A comb is a chain of half as many nodes, each with a tooth that it leads to.
-        while (graph->numberOfNodes() < kMany) {
-            RVNode* const next = graph->addNode();
-            graph->addEdge(last, next);
-            if (graph->numberOfNodes() % 2 == 1) last = next;
-        }
-        const bool isCycle = kind == "cycle";
-        if (isCycle) graph->addEdge(last, graph->pFirstNode());
-        runWithSmallStack<BreadthFirst>(graph, [&](const auto& output) {
-            EXPECT_EQ(output.pNodeList()->length(), kMany);
-            EXPECT_EQ(output.pNodeList()->pLastNode(), graph->pLastNode());
-        });
-        runWithSmallStack<DepthFirst>(graph, [&](const auto& output) {
-            EXPECT_EQ(output.completionNumber(graph->pFirstNode()), kMany);
-        });
-        runWithSmallStack<Blocks>(graph, [&](const auto& output) {
-            EXPECT_EQ(output.pComponentList()->length(), isCycle ? 1 : kMany - 1);
-        });
-        runWithSmallStack<Strong>(graph, [&](const auto& output) {
-            EXPECT_EQ(output.pComponentList()->length(), isCycle ? 1 : kMany);
-        });
-    }
-}
-
-// As many starts as cycles, and no node at which a search for the smallest in-degree could stop early:
-// looking at all unvisited nodes for each of them would run out of time.
-TEST(TraversalEngine, StartsAgainAndAgainInLinearTime) {
-    const TestGraph graph;
-    for (int i = 0; i < kCycles; ++i) {
-        const std::vector<RVNode*> cycle = addChain(graph, 4);
-        graph->addEdge(cycle.back(), cycle.front());
-    }
-    for (const int undirected : {0, 1}) {
-        BreadthFirst search(graph);
-        search.input.undirected(undirected);
-        ASSERT_EQ(search(), RV_NO_ERROR);
-        int number = 1;
-        for (RVNodeIter it(graph.get()); it; number += 4) {
-            ASSERT_EQ(search.output.orderNumber(it.pNode()), number);
-            for (int j = 0; j < 4; ++j) it++;
-        }
-    }
-    Connected components(graph);
-    ASSERT_EQ(components(), RV_NO_ERROR);
-    EXPECT_EQ(components.output.componentNumber(graph->pLastNode()), kCycles);
 }
 
 }  // namespace
