@@ -14,7 +14,7 @@ FlowProblem::FlowProblem(std::string textName, std::string_view text)
         if (!reason.empty()) report(std::to_string(number) + ": " + reason + "; skipped");
         return true;
     });
-    if (m_numberOfArcs != m_announcedArcs) {
+    if (m_kind != None && m_numberOfArcs != m_announcedArcs) {
         report(" line p announces " + std::to_string(m_announcedArcs) + " arcs, there are " +
                std::to_string(m_numberOfArcs));
     }

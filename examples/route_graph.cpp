@@ -28,7 +28,8 @@ std::wstring widened(std::string_view name) {
 
 RouteGraph::RouteGraph(std::string textName, std::string_view text)
     : m_graph(m_factory.newGraph()), m_costs(m_graph.get()) {
-    const auto read = isDimacs(text) ? &RouteGraph::readDimacsLine : &RouteGraph::readLine;
+    const bool dimacs = isDimacs(text);
+    const auto read = dimacs ? &RouteGraph::readDimacsLine : &RouteGraph::readLine;
     forEachLine(text, [&](const Words& words, int number) {
         const std::string reason = (this->*read)(words);
         if (!reason.empty()) {
@@ -36,7 +37,9 @@ RouteGraph::RouteGraph(std::string textName, std::string_view text)
         }
         return true;
     });
-    if (m_numberOfArcs != m_announcedArcs) {
+    if (dimacs && m_announcedNodes == -1) {
+        report("no line p sp in " + textName);
+    } else if (m_numberOfArcs != m_announcedArcs) {
         report(textName + ": line p announces " + std::to_string(m_announcedArcs) + " arcs, there are " +
                std::to_string(m_numberOfArcs));
     }
@@ -98,6 +101,7 @@ std::string RouteGraph::readProblem(const Words& words) {
 
 std::string RouteGraph::readArc(const Words& words) {
     ++m_numberOfArcs;
+    if (m_announcedNodes == -1) return "no line p before it";
     if (words.size() != 4) return "not `a FROM TO COST`";
     int numbers[3] = {};
     for (std::size_t i = 0; i < 3; ++i) {

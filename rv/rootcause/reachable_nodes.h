@@ -11,7 +11,7 @@
 // Codes of run: RV_NO_ERROR, RV_NO_INPUT_GRAPH, RV_NO_GRAPH_FACTORY, then RV_NO_START_NODE,
 // RV_START_NODE_NOT_IN_GRAPH, RV_INVALID_RANGE for a range below 0 that is not -1, RV_NEGATIVE_COST for any
 // negative cost of an edge or node of the graph, whatever the range, and the framework's.
-// Method: Dijkstra 1959. O((n + m) log n) time, O(m) without a range; O(n + m) space.
+// Method: Dijkstra 1959. O((n + m) log n) time, O(n + m) without a range; O(n + m) space.
 //
 //   RVReachableNodesAlgorithm search;
 //   RVReachableNodesInputData input(graph);
