@@ -18,7 +18,6 @@
 
 #include <benchmark/benchmark.h>
 
-#include <algorithm>
 #include <cstdlib>
 #include <cstring>
 #include <string>

@@ -1,7 +1,6 @@
 #include "package_cycles.h"
 
 #include <functional>
-#include <string_view>
 #include <vector>
 
 #include "run_algorithm.h"

@@ -24,7 +24,6 @@
 #pragma once
 
 #include <memory>
-#include <vector>
 
 #include "rv/foundation/owned_lists.h"
 #include "rv/framework/internal_graph_algorithm.h"

@@ -14,8 +14,6 @@
 // been taken out of its list ends.
 #pragma once
 
-#include <cassert>
-#include <cstddef>
 #include <cstdint>
 #include <new>
 

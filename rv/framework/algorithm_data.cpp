@@ -8,7 +8,6 @@
 #include <utility>
 
 #include "rv/foundation/graph_access.h"
-#include "rv/foundation/graph_iterators.h"
 #include "rv/foundation/slab.h"
 
 namespace rv {

@@ -22,7 +22,6 @@
 #include <new>
 #include <type_traits>
 #include <typeinfo>
-#include <vector>
 
 #include "rv/foundation/graph.h"
 

@@ -3,7 +3,6 @@
 #include <utility>
 
 #include "rv/foundation/arithmetic.h"
-#include "rv/foundation/graph_iterators.h"
 #include "rv/framework/check_input.h"
 #include "rv/framework/sub_algorithm.h"
 #include "rv/shortestpaths/all_pairs_shortest_paths.h"

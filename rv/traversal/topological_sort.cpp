@@ -3,8 +3,6 @@
 
 #include "rv/traversal/topological_sort.h"
 
-#include "rv/foundation/graph_iterators.h"
-
 RV_OBJECT_IMPL(RVTopologicalSortInputData)
 RV_OBJECT_IMPL(RVTopologicalSortOutputData)
 RV_OBJECT_IMPL(RVNodeExtensionTopologicalSort)

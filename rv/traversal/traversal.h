@@ -14,7 +14,6 @@
 // O(n + m) time and space beside the hooks.
 #pragma once
 
-#include <memory>
 #include <vector>
 
 #include "rv/framework/internal_graph_algorithm.h"

@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <map>
 #include <string>
-#include <vector>
 
 #include "tests/algorithm_checks.h"
 #include "tests/shortestpaths/path_checks.h"

@@ -6,11 +6,9 @@
 
 #include <algorithm>
 #include <functional>
-#include <memory>
 #include <random>
 #include <stdexcept>
 #include <string>
-#include <vector>
 
 #include "tests/algorithm_checks.h"
 #include "tests/test_graph.h"
