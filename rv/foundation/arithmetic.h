@@ -45,8 +45,4 @@ constexpr int wrappingSum(Terms... terms) {
     return static_cast<int>((std::uint32_t{0} + ... + static_cast<std::uint32_t>(terms)));
 }
 
-constexpr int wrappingDifference(int a, int b) {
-    return static_cast<int>(static_cast<std::uint32_t>(a) - static_cast<std::uint32_t>(b));
-}
-
 }  // namespace rv
