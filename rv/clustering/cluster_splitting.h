@@ -15,10 +15,10 @@
 //
 // Every node is in exactly one cluster, no cluster is empty. An empty graph has no clusters.
 //
-// Codes of run: RV_INVALID_CONSTRAINT, RV_INVALID_QUALITY, RV_NEGATIVE_WEIGHT, RV_NEGATIVE_COST; before
-// them RV_NO_INPUT_DATA and RV_NO_INPUT_GRAPH, after them RV_NO_OUTPUT_DATA and RV_NO_GRAPH_FACTORY. A cut
-// takes the time of a ratio cut of the cluster alone; a sweep over the constraints is linear in the length
-// of those that are not fulfilled yet. O(n + m) space.
+// Codes of run: RV_NO_ERROR, RV_NO_INPUT_DATA, RV_NO_INPUT_GRAPH, then RV_INVALID_CONSTRAINT,
+// RV_INVALID_QUALITY, RV_NEGATIVE_WEIGHT, RV_NEGATIVE_COST, then RV_NO_OUTPUT_DATA and RV_NO_GRAPH_FACTORY.
+// A cut takes the time of a ratio cut of the cluster alone; a sweep over the constraints is linear in the
+// length of those that are not fulfilled yet. O(n + m) space.
 //
 //   RVClusterSplittingAlgorithm splitting;
 //   RVClusterSplittingInputData input(graph);

@@ -18,12 +18,12 @@
 // numbered (getClusterNumber). Within a cluster, nodes that were tied together stand side by side in graph
 // order, those of a complete-cluster constraint in its order.
 //
-// Codes of run: RV_INVALID_CONSTRAINT when `valid` of a constraint is 0 for the graph,
-// RV_INVALID_CLUSTER_COUNT for a minimum above the maximum, RV_INVALID_QUALITY, RV_NEGATIVE_WEIGHT,
-// RV_NEGATIVE_COST; before them RV_NO_INPUT_DATA and RV_NO_INPUT_GRAPH, after them RV_NO_OUTPUT_DATA and
-// RV_NO_GRAPH_FACTORY; and the code of the disconnected clustering. When that fails there are no clusters,
-// and no constraint is fulfilled. O(n + m + c) time and space beside the disconnected clustering, for
-// constraints that list c nodes in all.
+// Codes of run: RV_NO_ERROR, RV_NO_INPUT_DATA, RV_NO_INPUT_GRAPH, then RV_INVALID_CONSTRAINT when `valid` of
+// a constraint is 0 for the graph, RV_INVALID_CLUSTER_COUNT for a minimum above the maximum,
+// RV_INVALID_QUALITY, RV_NEGATIVE_WEIGHT, RV_NEGATIVE_COST, then RV_NO_OUTPUT_DATA and RV_NO_GRAPH_FACTORY;
+// and the code of the disconnected clustering. When that fails there are no clusters, and no constraint is
+// fulfilled.
+// O(n + m + c) time and space beside the disconnected clustering, for constraints that list c nodes in all.
 //
 //   RVClusteringAlgorithm clustering;
 //   RVClusteringInputData input(graph);

@@ -14,12 +14,13 @@
 // were set aside; then the others, lightest first, and where weights are equal in the order in which they
 // were made. Every node is in exactly one cluster, no cluster is empty. An empty graph has no clusters.
 //
-// Codes of run: RV_INVALID_CONSTRAINT, RV_INVALID_QUALITY, RV_NEGATIVE_WEIGHT, RV_NEGATIVE_COST; before
-// them RV_NO_INPUT_DATA and RV_NO_INPUT_GRAPH, after them RV_NO_OUTPUT_DATA and RV_NO_GRAPH_FACTORY; and
-// the code of the last cluster splitting. Beside cluster splitting O(n + m + c) time for constraints that
-// list c nodes in all, and for merging O(k log k) time for k clusters without different-cluster
-// constraints; with them, all clusters that a cluster is kept apart from may have to be passed by, unless
-// one constraint keeps it apart from all. O(n + m + c) space.
+// Codes of run: RV_NO_ERROR, RV_NO_INPUT_DATA, RV_NO_INPUT_GRAPH, then RV_INVALID_CONSTRAINT,
+// RV_INVALID_QUALITY, RV_NEGATIVE_WEIGHT, RV_NEGATIVE_COST, then RV_NO_OUTPUT_DATA and RV_NO_GRAPH_FACTORY;
+// and the code of the last cluster splitting.
+// Beside cluster splitting O(n + m + c) time for constraints that list c nodes in all, and for merging
+// O(k log k) time for k clusters without different-cluster constraints; with them, all clusters that a
+// cluster is kept apart from may have to be passed by, unless one constraint keeps it apart from all.
+// O(n + m + c) space.
 //
 //   RVDisconnectedClusteringAlgorithm clustering;
 //   RVClusteringInputData input(graph);

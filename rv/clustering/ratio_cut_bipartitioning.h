@@ -13,9 +13,9 @@
 // (450 at quality 2), and in any case after 40 times as many. The start is random with a fixed seed, or
 // given. Clusters list their nodes in graph order.
 //
-// Codes of run: RV_INVALID_QUALITY, RV_NEGATIVE_WEIGHT, RV_NEGATIVE_COST; before them RV_NO_INPUT_DATA and
-// RV_NO_INPUT_GRAPH, after them RV_NO_OUTPUT_DATA and RV_NO_GRAPH_FACTORY. An iteration takes O(n + m)
-// time, O(m + n log n) where many positions are almost the same. O(n + m) space.
+// Codes of run: RV_NO_ERROR, RV_NO_INPUT_DATA, RV_NO_INPUT_GRAPH, then RV_INVALID_QUALITY,
+// RV_NEGATIVE_WEIGHT, RV_NEGATIVE_COST, then RV_NO_OUTPUT_DATA and RV_NO_GRAPH_FACTORY.
+// An iteration takes O(n + m) time, O(m + n log n) where many positions are almost the same. O(n + m) space.
 //
 //   RVRatioCutBipartitioningAlgorithm bipartitioning;
 //   RVRatioCutBipartitioningInputData input(graph);

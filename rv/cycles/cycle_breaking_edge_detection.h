@@ -10,8 +10,8 @@
 //   2  the same; then no backward edge of a component could be turned back without closing a cycle
 // The smallest set is not always found; to find it is NP-hard.
 //
-// Codes of run: RV_NO_ERROR, RV_NO_INPUT_GRAPH, RV_NO_GRAPH_FACTORY, RV_ALGORITHM_FAILURE when a part of the
-// algorithm failed, and the framework's.
+// Codes of run: RV_NO_ERROR, RV_NO_INPUT_GRAPH, RV_NO_GRAPH_FACTORY, RV_ALGORITHM_FAILURE when a part fails,
+// and the framework's.
 //
 // Time and space: O(n + m log m) for quality 0. Reducing a component and undoing it is O(n + m) beside one
 // path test per pair of opposite edges, and at quality 2 one per backward edge and pass; a path test is

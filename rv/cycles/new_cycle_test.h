@@ -5,7 +5,7 @@
 //
 // Codes of run: RV_NO_ERROR, RV_NO_INPUT_GRAPH, RV_NO_GRAPH_FACTORY, then RV_NO_SOURCE_NODE,
 // RV_SOURCE_NODE_NOT_IN_GRAPH, RV_NO_TARGET_NODE, RV_TARGET_NODE_NOT_IN_GRAPH, RV_ALGORITHM_FAILURE when the
-// search for the path failed, and the framework's.
+// search for the path fails, and the framework's.
 // Method: breadth-first search from the target that stops at the source. O(n + m) time and space.
 //
 //   RVNewCycleTestAlgorithm test;

@@ -21,10 +21,10 @@
 // Codes of run: RV_NO_ERROR, RV_NO_INPUT_GRAPH, RV_NO_GRAPH_FACTORY, then RV_NO_START_NODE,
 // RV_START_NODE_NOT_IN_GRAPH, RV_NO_FINISH_NODE, RV_FINISH_NODE_NOT_IN_GRAPH; RV_NEGATIVE_CYCLE when a
 // negative cycle lies on the way from start to finish, with pathExists 0; and the framework's. A finish node
-// that cannot be reached is no failure: pathExists 0, no path graph. Method: Eppstein 1998, with persistent
-// heaps. O((n + m) log n) time and space, with negative costs and cycles what single-source shortest paths
-// take. The path graph has at most m + n (log2 n + 2) nodes, each with at most three heap edges and one cross
-// edge.
+// that cannot be reached is no failure: pathExists 0, no path graph.
+// Method: Eppstein 1998, with persistent heaps. O((n + m) log n) time and space, with negative costs and
+// cycles what single-source shortest paths take. The path graph has at most m + n (log2 n + 2) nodes, each
+// with at most three heap edges and one cross edge.
 //
 //   RVSortedPathsAlgorithm paths;
 //   RVSortedPathsInputData input(graph);

@@ -6,8 +6,9 @@
 //
 // Codes of run: RV_NO_ERROR, RV_NO_INPUT_GRAPH, RV_NO_GRAPH_FACTORY, then RV_NO_START_NODE,
 // RV_START_NODE_NOT_IN_GRAPH, RV_NO_FINISH_NODE, RV_FINISH_NODE_NOT_IN_GRAPH, RV_ALGORITHM_FAILURE when a
-// part fails, and the framework's. Method: a path of fewest edges, then a path that has as few of its edges
-// as can be: if it has fewer, the first is not unique. O((n + m) log n) time, O(n + m) space.
+// part fails, and the framework's.
+// Method: a path of fewest edges, then a path that has as few of its edges as can be: if it has fewer, the
+// first is not unique. O((n + m) log n) time, O(n + m) space.
 //
 //   RVUniquePathTestAlgorithm test;
 //   RVUniquePathTestInputData input(graph);

@@ -2,8 +2,8 @@
 // two nodes that point in opposite directions.
 //
 // Codes of run: RV_NO_ERROR, RV_NO_INPUT_GRAPH, RV_NO_GRAPH_FACTORY, RV_ALGORITHM_FAILURE when the
-// topological sort that it runs fails, and the framework's. Debug mode then prints the sort's code. O(n + m)
-// time and space.
+// topological sort that it runs fails, and the framework's. Debug mode then prints the sort's code.
+// O(n + m) time and space.
 //
 //   RVAcyclicTestAlgorithm test;
 //   RVAcyclicTestInputData input(graph);

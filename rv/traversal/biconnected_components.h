@@ -8,8 +8,8 @@
 // Articulation nodes come in the order in which they are found to be ones: a node with a parent when its
 // first block closes, the root of a search tree when its second one does.
 //
-// No recursion. Codes of run: RV_NO_ERROR, RV_NO_INPUT_GRAPH, RV_NO_GRAPH_FACTORY, and the framework's.
-// Method: Hopcroft and Tarjan 1973. O(n + m) time and space.
+// Codes of run: RV_NO_ERROR, RV_NO_INPUT_GRAPH, RV_NO_GRAPH_FACTORY, and the framework's.
+// Method: Hopcroft and Tarjan 1973, without recursion. O(n + m) time and space.
 //
 //   RVBiconnectedComponentsAlgorithm blocks;
 //   RVBiconnectedComponentsInputData input(graph);

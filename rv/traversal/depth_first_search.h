@@ -10,9 +10,9 @@
 // undirected edge, forward edges count as back edges. Edges that were not followed have no kind; parallels
 // of followed edges have one that fits their ends.
 //
-// No recursion. Codes of run: RV_NO_ERROR, RV_NO_INPUT_GRAPH, RV_NO_GRAPH_FACTORY,
-// RV_START_NODE_NOT_IN_GRAPH for a start node that is not in the input's graph, and the framework's.
-// Method: Tarjan 1972. O(n + m) time and space.
+// Codes of run: RV_NO_ERROR, RV_NO_INPUT_GRAPH, RV_NO_GRAPH_FACTORY, RV_START_NODE_NOT_IN_GRAPH for a start
+// node that is not in the input's graph, and the framework's.
+// Method: Tarjan 1972, without recursion. O(n + m) time and space.
 //
 //   RVDepthFirstSearchAlgorithm search;
 //   RVDepthFirstSearchInputData input(graph);

@@ -5,8 +5,8 @@
 // it can be reached. Its nodes stand in the reverse of their discovery order, and its edges node after node
 // in that order, each node's out-edges followed by its self-loops; parallel edges follow the first of them.
 //
-// No recursion. Codes of run: RV_NO_ERROR, RV_NO_INPUT_GRAPH, RV_NO_GRAPH_FACTORY, and the framework's.
-// Method: Gabow 2000. O(n + m) time and space.
+// Codes of run: RV_NO_ERROR, RV_NO_INPUT_GRAPH, RV_NO_GRAPH_FACTORY, and the framework's.
+// Method: Gabow 2000, without recursion. O(n + m) time and space.
 //
 //   RVStronglyConnectedComponentsAlgorithm components;
 //   RVStronglyConnectedComponentsInputData input(graph);

@@ -5,7 +5,7 @@
 // a graph with either is neither. The empty graph is a tree but no forest.
 //
 // Codes of run: RV_NO_ERROR, RV_NO_INPUT_GRAPH, RV_NO_GRAPH_FACTORY, RV_ALGORITHM_FAILURE when the component
-// search that it runs fails, and the framework's. Debug mode then prints the code. Every run starts afresh.
+// search that it runs fails, and the framework's. Debug mode then prints the code.
 // O(n) time and space where there are fewer edges than nodes, otherwise O(1).
 //
 //   RVTreeTestAlgorithm test;
