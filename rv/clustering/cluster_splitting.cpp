@@ -169,8 +169,8 @@ void Splitter::makeHalf(const RVDList& nodes, const RVRatioCutBipartitioningOutp
     half.graph = half.own.get();
     half.serial = ++m_serial;
     std::int64_t weight = 0;
-    for (RVDListIter iter(&nodes); iter; iter++) {
-        auto* node = static_cast<RVNode*>(iter.pObject());
+    for (RVDListIter it(&nodes); it; it++) {
+        auto* node = static_cast<RVNode*>(it.pObject());
         RVNode* const original = m_data.getLocalOriginalNode(node);
         RVNode* const copy = half.graph->addNode(0);
         link(copy, original, cut.getX(node));

@@ -172,8 +172,8 @@ void Contraction::addConstraints(const std::vector<RVNode*>& groups, RVClusterin
 
 std::unique_ptr<RVDList> Contraction::expand(const RVDList& cluster) const {
     auto nodes = std::make_unique<RVDList>();
-    for (RVDListIter iter(&cluster); iter; iter++) {
-        for (RVNode* node : m_members[placeOf(static_cast<RVNode*>(iter.pObject()))]) {
+    for (RVDListIter it(&cluster); it; it++) {
+        for (RVNode* node : m_members[placeOf(static_cast<RVNode*>(it.pObject()))]) {
             nodes->appendObject(m_data.pOriginalNode(node));
         }
     }
@@ -185,8 +185,8 @@ class FulfilmentTest {
 public:
     FulfilmentTest(RVGraph* graph, const RVClusteringOutputData& output) : m_pGraph(graph), m_output(output) {
         m_sizes.push_back(0);  // of no cluster
-        for (RVDListIter iter(output.pClusters()); iter; iter++) {
-            m_sizes.push_back(RVDList::castDown(iter.pObject())->length());
+        for (RVDListIter it(output.pClusters()); it; it++) {
+            m_sizes.push_back(RVDList::castDown(it.pObject())->length());
         }
         m_seenBy.resize(m_sizes.size());
     }
@@ -260,8 +260,8 @@ RVServiceErrorCodeEnum RVClusteringAlgorithm::algorithmBody() {
         return code;
     }
 
-    for (RVDListIter iter(clusters.pClusters()); iter; iter++) {
-        rv::addCluster(contraction.expand(*RVDList::castDown(iter.pObject())), *output);
+    for (RVDListIter it(clusters.pClusters()); it; it++) {
+        rv::addCluster(contraction.expand(*RVDList::castDown(it.pObject())), *output);
     }
     for (const std::vector<RVNode*>& complete : contraction.completeClusters()) {
         auto cluster = std::make_unique<RVDList>();

@@ -64,14 +64,14 @@ void RVClusteringOutputData::addCluster(RVDList* cluster) {
 
 void RVClusteringOutputData::addClusters(RVDList* clusters) {
     if (clusters == pClusters()) return;
-    for (RVDListIter iter(clusters); iter; iter++) addCluster(RVDList::castDown(iter.pObject()));
+    for (RVDListIter it(clusters); it; it++) addCluster(RVDList::castDown(it.pObject()));
 }
 
 void RVClusteringOutputData::buildClusterList(RVDList& list) const {
     if (&list == pClusters()) return;
     list.deleteAllCells();
-    for (RVDListIter iter(pClusters()); iter; iter++) {
-        auto copy = std::make_unique<RVDList>(*RVDList::castDown(iter.pObject()));
+    for (RVDListIter it(pClusters()); it; it++) {
+        auto copy = std::make_unique<RVDList>(*RVDList::castDown(it.pObject()));
         list.appendObject(copy.get());
         static_cast<void>(copy.release());
     }
@@ -81,8 +81,8 @@ void RVClusteringOutputData::generateClusterNumbers() {
     int number = 0;
     for (RVDListIter cluster(pClusters()); cluster; cluster++) {
         ++number;
-        for (RVDListIter iter(RVDList::castDown(cluster.pObject())); iter; iter++) {
-            m_numbers->putInt(static_cast<RVNode*>(iter.pObject()), number);
+        for (RVDListIter it(RVDList::castDown(cluster.pObject())); it; it++) {
+            m_numbers->putInt(static_cast<RVNode*>(it.pObject()), number);
         }
     }
 }

@@ -13,8 +13,8 @@ namespace rv {
 // Calls f(constraint) for the constraints of an input.
 template <class F>
 void forEachConstraint(const RVClusteringInputData& input, F f) {
-    for (RVDListIter iter(input.getConstraintList()); iter; iter++) {
-        if (auto* constraint = RVClusteringConstraint::castDown(iter.pObject())) f(*constraint);
+    for (RVDListIter it(input.getConstraintList()); it; it++) {
+        if (auto* constraint = RVClusteringConstraint::castDown(it.pObject())) f(*constraint);
     }
 }
 

@@ -157,9 +157,9 @@ RVServiceErrorCodeEnum ComponentClusterer::cluster(const Component& component, i
     RVClusteringOutputData output;
     RVClusterSplittingAlgorithm splitting;
     const RVServiceErrorCodeEnum code = rv::runPart(splitting, input, output);
-    for (RVDListIter iter(output.pClusters()); iter; iter++) {
+    for (RVDListIter it(output.pClusters()); it; it++) {
         RVDList nodes;
-        for (RVDListIter node(RVDList::castDown(iter.pObject())); node; node++) {
+        for (RVDListIter node(RVDList::castDown(it.pObject())); node; node++) {
             nodes.appendObject(m_data.getLocalOriginalNode(static_cast<RVNode*>(node.pObject())));
         }
         addGroup(nodes);
@@ -186,8 +186,8 @@ void ComponentClusterer::copyComponent(const Component& component, RVGraph& grap
 void ComponentClusterer::addGroup(const RVDList& nodes) {
     Group& group = m_groups.emplace_back();
     std::int64_t weight = 0;
-    for (RVDListIter iter(&nodes); iter; iter++) {
-        auto* node = static_cast<RVNode*>(iter.pObject());
+    for (RVDListIter it(&nodes); it; it++) {
+        auto* node = static_cast<RVNode*>(it.pObject());
         group.nodes.push_back(node);
         weight += m_input.getWeight(node);
     }

@@ -202,8 +202,8 @@ RVRatioCutBipartitioningAlgorithm::Arrays::Arrays(const std::vector<RVRatioCutVa
         x.push_back(variable.x());
         weight.push_back(variable.weight());
         order.push_back(static_cast<std::uint32_t>(order.size()));
-        for (RVDListIter iter(variable.pEdgeList()); iter; iter++) {
-            const auto* edge = RVRatioCutEdge::castDown(iter.pObject());
+        for (RVDListIter it(variable.pEdgeList()); it; it++) {
+            const auto* edge = RVRatioCutEdge::castDown(it.pObject());
             if (edge->pOther() < &variable) continue;
             edges.push_back({order.back(), static_cast<std::uint32_t>(edge->pOther() - all.data()),
                              static_cast<std::int32_t>(edge->cost())});
