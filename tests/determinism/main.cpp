@@ -117,7 +117,6 @@ void print(R*) {
         const MarkedGraph marked(tokens, seed);
         const TestGraph& g = seed % 4 == 0 ? plain : marked;
         anyScattered = anyScattered || isScattered(g);
-        std::array<RVClusteringConstraint, 3> constraints;
         ask(run, g, ManyNumbers(g, static_cast<int>(seed % 2)));
         useOriginalGraph(run, static_cast<int>(seed / 2 % 2));
         const int code = run();
