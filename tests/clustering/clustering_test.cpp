@@ -16,14 +16,7 @@
 
 namespace {
 
-using rvtest::Clustering;
-using rvtest::clusterText;
-using rvtest::Disconnected;
-using rvtest::number;
-using rvtest::randomText;
-using rvtest::Splitting;
-using rvtest::TestGraph;
-using rvtest::text;
+using namespace rvtest;
 
 // Constraints as text: `a=b` ties nodes together, `a!b` keeps them apart, `a+b` is a complete cluster; `=`,
 // `!` and `+` alone list no nodes.
@@ -72,7 +65,7 @@ void check(const Case& c) {
     const TestGraph g(c.graph);
     Run run(g);
     const Constraints constraints(g, c.constraints, run.input);
-    rvtest::takeWeights(run.input, g);
+    takeWeights(run.input, g);
     run.input.minClusterCount(c.least);
     run.input.maxClusterCount(c.most);
     EXPECT_EQ(run(), RV_NO_ERROR);
@@ -244,7 +237,7 @@ TEST(Clustering, ChecksItsDataInOrder) {
         const TestGraph g(c.graph);
         const auto codeOf = [&](auto run) {
             const Constraints constraints(g, c.constraints, run.input);
-            rvtest::takeWeights(run.input, g);
+            takeWeights(run.input, g);
             run.input.minClusterCount(c.least);
             run.input.maxClusterCount(2);
             run.input.setQuality(c.quality);
@@ -264,7 +257,7 @@ TEST(Clustering, ChecksItsDataInOrder) {
 
 // The parts cannot work on graphs without a factory.
 TEST(Clustering, PassesOnTheCodeOfAPart) {
-    rvtest::FactorylessFactory factory;
+    FactorylessFactory factory;
     RVGraph graph(&factory);
     RVNode* nodes[] = {graph.addNode(), graph.addNode()};
     Clustering run(&graph);
@@ -282,7 +275,7 @@ TEST(Clustering, BearsLargeWeights) {
     const TestGraph g(
         "a:2147483647 b:2147483647 c:2147483647 a->b:2147483647 b->c:2147483647 d:1 a->c:2147483647");
     Clustering run(g);
-    rvtest::takeWeights(run.input, g);
+    takeWeights(run.input, g);
     const Constraints constraints(g, "a=b a!c", run.input);
     run.input.minClusterCount(-2147483647 - 1);
     EXPECT_EQ(run(), RV_NO_ERROR);
@@ -318,7 +311,7 @@ TEST(Clustering, KeepsItsPromises) {
         for (const TestGraph* graph : {&other, &g}) {
             Clustering run(*graph);
             const Constraints constraints(*graph, wanted, run.input);
-            rvtest::takeWeights(run.input, *graph);
+            takeWeights(run.input, *graph);
             run.input.minClusterCount(least);
             run.input.maxClusterCount(most);
             run.input.clusterSizeFactor(0.5);

@@ -16,12 +16,7 @@
 
 namespace {
 
-using rvtest::clusterText;
-using rvtest::number;
-using rvtest::randomText;
-using rvtest::RatioCut;
-using rvtest::TestGraph;
-using rvtest::text;
+using namespace rvtest;
 
 TEST(ClusteringData, HasItsDefaultsAndLimits) {
     const TestGraph g("a->b");
@@ -142,7 +137,7 @@ TEST(ClusteringConstraint, IsValidForNodesOfTheGraph) {
 }
 
 int run(RatioCut& test, RVGraph* graph) {
-    rvtest::takeWeights(test.input, graph);
+    takeWeights(test.input, graph);
     return test(graph);
 }
 

@@ -15,8 +15,7 @@
 
 namespace {
 
-using rvtest::TestGraph;
-using rvtest::text;
+using namespace rvtest;
 
 // Has a field of every kind, and notes what is stored in it.
 class TourInput : public RVAnalysisInputData {
@@ -206,7 +205,7 @@ protected:
         m_graph.node("c"), m_graph.edge("a->b"), m_graph.edge("b->b")};
     Input m_input{m_graph};
 };
-TYPED_TEST_SUITE(InputClass, rvtest::InputClasses, rvtest::ClassNames);
+TYPED_TEST_SUITE(InputClass, InputClasses, ClassNames);
 
 TYPED_TEST(InputClass, TakesWhatIsAnnouncedAndNothingElse) {
     TypeParam& input = this->m_input;

@@ -13,8 +13,7 @@
 
 namespace {
 
-using rvtest::TestGraph;
-using rvtest::text;
+using namespace rvtest;
 
 // Counts the records that are alive.
 struct Counted {

@@ -14,13 +14,7 @@
 
 namespace {
 
-using rvtest::MarkedGraph;
-using rvtest::number;
-using rvtest::randomText;
-using rvtest::RootCauses;
-using rvtest::TestGraph;
-using rvtest::text;
-using rvtest::Ways;
+using namespace rvtest;
 
 constexpr int kLargest = std::numeric_limits<int>::max();
 
@@ -31,7 +25,7 @@ void takeNumbers(RVRootCauseInputData& input, const RVGraph* graph) {
         input.cost(node, number(node, 1, 0));
     }
     for (RVEdge* edge : *graph->pEdgeList()) input.cost(edge, number(edge, 0, 1));
-    rvtest::takeDrawnDirections(input, graph);
+    takeDrawnDirections(input, graph);
 }
 
 int run(RootCauses& test, RVGraph* graph, RVNodeDList* effects, int range, double threshold) {
