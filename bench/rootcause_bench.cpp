@@ -117,8 +117,7 @@ void searchEach(benchmark::State& state, const EdgeArray& array, bool isNear) {
         for (const std::size_t i : effectsOf(array.nodes)) {
             input.pStartNode(rv.nodes[i]);
             if (search.run() != RV_NO_ERROR) std::abort();
-            for (RVNode* node : *output.pNodeList())
-                gathered.add(static_cast<std::size_t>(node->denseIndex()), effect);
+            for (RVNode* node : *output.pNodeList()) gathered.add(rv::placeOf(node), effect);
             ++effect;
         }
         return gathered.pairs(thresholdOf(isNear));

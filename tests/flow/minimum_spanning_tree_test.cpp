@@ -57,8 +57,8 @@ class Parts {
 public:
     explicit Parts(std::size_t count) : m_parents(count) { std::iota(m_parents.begin(), m_parents.end(), 0); }
     bool join(const RVEdge* edge) {
-        const std::size_t a = root(static_cast<std::size_t>(edge->pSourceNode()->denseIndex()));
-        const std::size_t b = root(static_cast<std::size_t>(edge->pTargetNode()->denseIndex()));
+        const std::size_t a = root(rv::placeOf(edge->pSourceNode()));
+        const std::size_t b = root(rv::placeOf(edge->pTargetNode()));
         m_parents[a] = b;
         return a != b;
     }

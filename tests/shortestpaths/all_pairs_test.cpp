@@ -30,7 +30,7 @@ public:
     Reference(const RVGraph* graph, bool undirected) {
         m_places.resize(static_cast<std::size_t>(graph->nodeIndexLimit()));
         for (RVNode* node : *graph->pNodeList()) {
-            m_places[static_cast<std::size_t>(node->denseIndex())] = m_nodes.size();
+            m_places[rv::placeOf(node)] = m_nodes.size();
             m_nodes.push_back(node);
             m_costs.push_back(number(node, 0, 0));
         }
@@ -81,9 +81,7 @@ private:
         for (const int term : terms) sum += static_cast<std::uint32_t>(term);
         return static_cast<int>(sum);
     }
-    std::size_t place(const RVNode* node) const {
-        return m_places[static_cast<std::size_t>(node->denseIndex())];
-    }
+    std::size_t place(const RVNode* node) const { return m_places[rv::placeOf(node)]; }
 
     std::vector<std::size_t> m_places;  // by dense index
     std::vector<int> m_costs;
