@@ -119,7 +119,7 @@ TYPED_TEST(AlgorithmContract, AnswersAlwaysTheSameAndChangesNothing) {
             EXPECT_EQ(copied(), RV_NO_ERROR);
             EXPECT_EQ(describe(copied.output, g), expected);
             const auto output = std::make_unique<decltype(copied.output)>(copied.output);
-            static_cast<RVAlgorithmOutputData&>(copied.output).reset();
+            copied.output.reset();
             EXPECT_EQ(describe(*output, g), expected);
             decltype(copied.output) empty;
             empty.pAssociatedGraph(g);
@@ -225,7 +225,7 @@ TYPED_TEST(AlgorithmContract, LetsEverythingGoInAnyOrder) {
                 }
                 if (g == nullptr && output != nullptr) {
                     EXPECT_EQ(output->pAssociatedGraph(), nullptr);
-                    static_cast<RVAlgorithmOutputData&>(*output).reset();
+                    output->reset();
                 }
             }
         }

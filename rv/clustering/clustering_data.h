@@ -115,7 +115,6 @@ public:
     // The number of a node's cluster; 0 for a node without one.
     int getClusterNumber(RVNode* node) const { return m_numbers->getInt(node, 0); }
 
-protected:
     void reset() override;
 
 private:

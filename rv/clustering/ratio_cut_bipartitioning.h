@@ -63,8 +63,9 @@ public:
     double getX(RVNode* node) const { return constRecord<RVNodeExtensionRatioCut>(node).x(); }
     double setX(RVNode* node, double x);
 
-protected:
     void reset() override;
+
+protected:
     RVNodeAlgorithmExtension* newNodeAlgorithmExtension(RVNode* node) override;
 
 private:

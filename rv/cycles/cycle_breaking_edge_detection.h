@@ -146,8 +146,9 @@ public:
     }
     int backwardEdge(RVEdge* edge, int flag);
 
-protected:
     void reset() override;
+
+protected:
     RVEdgeAlgorithmExtension* newEdgeAlgorithmExtension(RVEdge* edge) override;
 
 private:

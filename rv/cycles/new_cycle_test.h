@@ -52,7 +52,6 @@ public:
     int willCreateCycle() const { return m_willCreateCycle; }
     int willCreateCycle(int flag) { return m_willCreateCycle = flag; }
 
-protected:
     void reset() override;
 
 private:

@@ -112,8 +112,9 @@ public:
     int acyclic() const { return m_acyclic; }
     int acyclic(int flag) { return m_acyclic = flag; }
 
-protected:
     void reset() override;
+
+protected:
     RVNodeAlgorithmExtension* newNodeAlgorithmExtension(RVNode* node) override;
 
 private:

@@ -110,6 +110,7 @@ void RVInternalGraphAlgorithm::initialize() {
 
 // Also called when a hook has thrown: the working graph is destroyed only if it is not the caller's.
 void RVInternalGraphAlgorithm::cleanup() {
+    clearInputGraph();
     restoreAfterFailure();
     if (RVAlgorithmData* data = pInternalData()) {
         RVGraph* const input = data->pInputGraph();

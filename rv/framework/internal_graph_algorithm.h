@@ -120,6 +120,9 @@ protected:
     // Undoes privatePreprocessGraph where its counterpart, as overridden, has thrown before doing so. Here:
     // what privatePostprocessGraph does. A class with a normalisation of its own overrides this too.
     virtual void restoreWorkingGraph();
+    // Takes away what a run has added to the caller's graph, at the beginning of cleanup, also where an
+    // override of that has thrown before it called its base. Here nothing.
+    virtual void clearInputGraph() {}
 
 private:
     RVServiceErrorCodeEnum runToItsEnd();

@@ -210,13 +210,12 @@ void RVTraversalAlgorithm::removeReverseEdges() {
 }
 
 // Reverse edges that were added to the caller's graph would otherwise stay with it, detached, for ever.
-void RVTraversalAlgorithm::cleanup() {
+void RVTraversalAlgorithm::clearInputGraph() {
     if (pInternalData() != nullptr && pAssociatedGraph() == pInternalData()->pInputGraph()) {
         removeReverseEdges();  // unless an override kept privatePostprocessGraph from being called
         for (RVEdge* edge : m_reverseEdges.get()) edge->pHomeGraph()->discardEdge(edge);
     }
     m_reverseEdges.get().clear();
-    RVInternalGraphAlgorithm::cleanup();
 }
 
 RVServiceErrorCodeEnum RVTraversalAlgorithm::algorithmBody() {

@@ -213,9 +213,9 @@ protected:
     void initialize() override;
     RVServiceErrorCodeEnum algorithmBody() override;
     void generateOutputData() override;
-    void cleanup() override;
     void parseInputData() override;
     RVAlgorithmData* newInternalData() override;
+    void clearInputGraph() override;
     void privatePreprocessGraph() override;
     void privatePostprocessGraph() override;
 
@@ -249,7 +249,7 @@ private:
     void addReverseEdges();
     void removeReverseEdges();
 
-    // The detached reverse edges of a run on the caller's graph, which cleanup destroys.
+    // The detached reverse edges of a run on the caller's graph, which do not outlive it.
     rv::Uncopied<std::vector<RVEdge*>> m_reverseEdges;
     rv::Uncopied<bool> m_hasReverseEdges = false;
 };

@@ -75,7 +75,7 @@ TEST(ClusteringData, NumbersItsClusters) {
     EXPECT_EQ(copies.length(), 2);
     EXPECT_EQ(static_cast<RVDList*>(copies.pFirstObject())->pFirstObject(), g.node("c"));
     EXPECT_EQ(kept.value(), 5);
-    static_cast<RVAlgorithmOutputData&>(output).reset();
+    output.reset();
     EXPECT_EQ(clusterText(output) + std::to_string(output.getClusterNumber(g.node("a"))), "0");
     copies.deleteAllCellsAndObjects();
 }

@@ -119,6 +119,8 @@ void print(R*) {
         anyScattered = anyScattered || isScattered(g);
         ask(run, g, ManyNumbers(g, static_cast<int>(seed % 2)));
         useOriginalGraph(run, static_cast<int>(seed / 2 % 2));
+        std::array<RVClusteringConstraint, 3> constraints;
+        if (isLarge) constrain(run, g, constraints);
         const int code = run();
         const std::string answer = describe(run.output, g) + paths(run);
         std::cout << seed << ": " << code << "; ";

@@ -202,7 +202,8 @@ TYPED_TEST(ThrowingHooks, LeaveTheCallersGraphAndTheAlgorithmAsTheyWere) {
         const std::string before = snapshot(g);
         TypeParam plain;
         const std::string expected = this->answer(plain, g, flag, original);
-        static_cast<RVAlgorithmOutputData&>(plain.output).reset();
+        const int edges = g->edgeIndexLimit();
+        plain.output.reset();
         plain.input.deleteDataReferences(g);
         bool isDone = false;
         for (int points = 0; !isDone; ++points) {
@@ -224,6 +225,7 @@ TYPED_TEST(ThrowingHooks, LeaveTheCallersGraphAndTheAlgorithmAsTheyWere) {
                     ASSERT_EQ(run.algorithm.pInternalData(), nullptr);
                 }
                 ASSERT_EQ(orders(g), ordersBefore);
+                ASSERT_EQ(g->edgeIndexLimit(), edges);
                 ASSERT_EQ(this->answer(run, g, flag, original), expected);
             }
             ASSERT_EQ(snapshot(g), before);
