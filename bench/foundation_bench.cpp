@@ -225,8 +225,7 @@ void changeSourceRv(benchmark::State& state, int n) {
         for (RVEdgeIter edge(random.graph.get()); edge; edge++) {
             RVNode* source = edge.pEdge()->pSourceNode();
             edge.pEdge()->changeSourceNode(
-                random
-                    .nodes[static_cast<std::size_t>(order[static_cast<std::size_t>(source->denseIndex())])]);
+                random.nodes[static_cast<std::size_t>(order[rv::placeOf(source)])]);
         }
     });
 }

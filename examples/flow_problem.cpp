@@ -68,7 +68,7 @@ std::string FlowProblem::readNode(const Words& words) {
     if (words.size() != 3) return m_kind == Maximum ? "neither `n ID s` nor `n ID t`" : "not `n ID SUPPLY`";
     int number = 0;
     if (std::string reason = readNodeNumber(words[1], number); !reason.empty()) return reason;
-    const auto place = static_cast<std::size_t>(takeNode(number)->denseIndex());
+    const auto place = rv::placeOf(takeNode(number));
     if (m_hasLine.size() <= place) m_hasLine.resize(place + 1);
     if (m_hasLine[place]) return "a second line for node " + std::string(words[1]);
     std::string reason = m_kind == Maximum ? readEnd(number, words[2]) : readSupply(number, words[2]);
@@ -112,7 +112,7 @@ RVNode* FlowProblem::takeNode(int number) {
     RVNode*& node = m_nodes[number];
     if (node == nullptr) {
         node = m_graph->addNode();
-        const auto place = static_cast<std::size_t>(node->denseIndex());
+        const auto place = rv::placeOf(node);
         if (m_numbers.size() <= place) m_numbers.resize(place + 1);
         m_numbers[place] = number;
     }

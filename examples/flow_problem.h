@@ -31,7 +31,7 @@ public:
     RVMinimumCostFlowInputData& question() { return m_question; }
     const RVMinimumCostFlowInputData& question() const { return m_question; }
 
-    int number(const RVNode* node) const { return m_numbers[static_cast<std::size_t>(node->denseIndex())]; }
+    int number(const RVNode* node) const { return m_numbers[rv::placeOf(node)]; }
 
 private:
     // Each takes one line, and gives the reason when it is malformed, else an empty text.

@@ -34,9 +34,7 @@ public:
     RVGraph* pGraph() const { return m_graph.get(); }
     // Weights, costs and constraints.
     RVClusteringInputData& question() { return m_question; }
-    const std::string& name(const RVNode* node) const {
-        return m_names[static_cast<std::size_t>(node->denseIndex())];
-    }
+    const std::string& name(const RVNode* node) const { return m_names[rv::placeOf(node)]; }
     // The constraints as their lines had them.
     std::string text(const RVClusteringConstraint& constraint) const;
 

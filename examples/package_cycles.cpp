@@ -73,9 +73,7 @@ int writePicture(const PackageGraph& packages, int quality, const std::string& f
     if (code != RV_NO_ERROR) return failWithCode("the breaking of cycles", code);
     enum Mark : char { Kept, Broken, Drawn };
     std::vector<Mark> marks(static_cast<std::size_t>(packages.pGraph()->edgeIndexLimit()), Kept);
-    const auto mark = [&](const RVEdge* edge) -> Mark& {
-        return marks[static_cast<std::size_t>(edge->denseIndex())];
-    };
+    const auto mark = [&](const RVEdge* edge) -> Mark& { return marks[rv::placeOf(edge)]; };
     for (const RVEdge* edge : dependencies) mark(edge) = Broken;
 
     std::string text = "// An arrow leads from a package to one that needs it. Those to break are red.\n";

@@ -10,7 +10,7 @@ PackageGraph::PackageGraph(const PackageSource& source, DependencyKind kind) : m
         if (!isNew) continue;
         entry->second = nodes.back();
         m_names.resize(static_cast<std::size_t>(m_graph->nodeIndexLimit()));
-        m_names[static_cast<std::size_t>(nodes.back()->denseIndex())] = package.name;
+        m_names[rv::placeOf(nodes.back())] = package.name;
         for (const Alternatives& provided : package.provides) {
             m_providers.try_emplace(provided.front(), nodes.back());
         }
@@ -37,10 +37,10 @@ void PackageGraph::addDependencies(RVNode* node, const std::vector<Alternatives>
             needed = pNode(*name);
         }
         if (needed == nullptr) {
-            ++m_unmet[static_cast<std::size_t>(node->denseIndex())];
+            ++m_unmet[rv::placeOf(node)];
             continue;
         }
-        const RVNode*& lastUser = m_lastUser[static_cast<std::size_t>(needed->denseIndex())];
+        const RVNode*& lastUser = m_lastUser[rv::placeOf(needed)];
         if (needed != node && lastUser != node) m_graph->addEdge(needed, node);
         lastUser = node;
     }
@@ -48,8 +48,7 @@ void PackageGraph::addDependencies(RVNode* node, const std::vector<Alternatives>
 
 int PackageGraph::numberOfUnmet() const {
     int sum = 0;
-    for (const RVNode* node : *m_graph->pNodeList())
-        sum += m_unmet[static_cast<std::size_t>(node->denseIndex())];
+    for (const RVNode* node : *m_graph->pNodeList()) sum += m_unmet[rv::placeOf(node)];
     return sum;
 }
 
@@ -57,7 +56,7 @@ void PackageGraph::keepClosure(RVNode* package) {
     std::vector<bool> isKept(static_cast<std::size_t>(m_graph->nodeIndexLimit()));
     RVNodeDList kept;
     const auto keep = [&](RVNode* node) {
-        const auto index = static_cast<std::size_t>(node->denseIndex());
+        const auto index = rv::placeOf(node);
         if (!isKept[index]) kept.appendNode(node);
         isKept[index] = true;
     };
@@ -65,14 +64,12 @@ void PackageGraph::keepClosure(RVNode* package) {
     for (const RVNode* node : kept) {
         for (const RVEdge* edge : *node->pInEdgeList()) keep(edge->pSourceNode());
     }
-    const auto isGone = [&](const auto& entry) {
-        return !isKept[static_cast<std::size_t>(entry.second->denseIndex())];
-    };
+    const auto isGone = [&](const auto& entry) { return !isKept[rv::placeOf(entry.second)]; };
     std::erase_if(m_nodes, isGone);
     std::erase_if(m_providers, isGone);
     for (RVNodeIter iter(m_graph.get()); iter;) {
         RVNode* node = iter.pNode();
         iter++;
-        if (!isKept[static_cast<std::size_t>(node->denseIndex())]) m_graph->discardNode(node);
+        if (!isKept[rv::placeOf(node)]) m_graph->discardNode(node);
     }
 }

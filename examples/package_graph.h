@@ -25,9 +25,7 @@ public:
 
     // The package of a name, virtual or not; none when there is no such package.
     RVNode* pNode(std::string_view name) const;
-    std::string_view name(const RVNode* node) const {
-        return m_names[static_cast<std::size_t>(node->denseIndex())];
-    }
+    std::string_view name(const RVNode* node) const { return m_names[rv::placeOf(node)]; }
 
     // Dependencies of the graph's packages without an alternative that exists; they have no edge.
     int numberOfUnmet() const;

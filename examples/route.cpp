@@ -213,7 +213,7 @@ public:
     explicit WayGraph(const RouteGraph& graph) : m_graph(m_factory.newGraph()), m_input(m_graph.get()) {
         m_nodes.resize(static_cast<std::size_t>(graph.pGraph()->nodeIndexLimit()));
         for (RVNode* node : *graph.pGraph()->pNodeList()) {
-            RVNode*& copy = m_nodes[static_cast<std::size_t>(node->denseIndex())];
+            RVNode*& copy = m_nodes[rv::placeOf(node)];
             copy = m_graph->addNode();
             copy->pUserField(node);
             m_input.cost(copy, graph.costs().cost(node));
@@ -235,7 +235,7 @@ public:
     }
 
 private:
-    RVNode* copyOf(const RVNode* node) const { return m_nodes[static_cast<std::size_t>(node->denseIndex())]; }
+    RVNode* copyOf(const RVNode* node) const { return m_nodes[rv::placeOf(node)]; }
     void addWay(const RVNode* source, const RVNode* target, int cost) {
         m_input.cost(m_graph->addEdge(copyOf(source), copyOf(target)), cost);
     }
@@ -286,9 +286,7 @@ int printPaths(const RouteGraph& graph, const RVNode* start, const RVNode* finis
 std::vector<std::int64_t> distancesOf(const RVNodeDList& nodes, const RouteGraph& graph, bool reversed) {
     constexpr std::int64_t kUnknown = -1;
     std::vector<std::int64_t> distances(static_cast<std::size_t>(graph.pGraph()->nodeIndexLimit()), kUnknown);
-    const auto distance = [&](const RVNode* node) -> std::int64_t& {
-        return distances[static_cast<std::size_t>(node->denseIndex())];
-    };
+    const auto distance = [&](const RVNode* node) -> std::int64_t& { return distances[rv::placeOf(node)]; };
     RVNode* start = nodes.pFirstNode();
     distance(start) = 0;
     for (RVNode* node : nodes) {
@@ -319,7 +317,7 @@ int printRange(const RouteGraph& graph, RVNode* start, int range, bool reversed)
     const std::vector<std::int64_t> distances = distancesOf(*output.pNodeList(), graph, reversed);
     std::string text;
     for (const RVNode* node : *output.pNodeList()) {
-        text.append(std::to_string(distances[static_cast<std::size_t>(node->denseIndex())])).append(1, '\t');
+        text.append(std::to_string(distances[rv::placeOf(node)])).append(1, '\t');
         text.append(graph.name(node)).append(1, '\n');
     }
     return print(text);

@@ -59,7 +59,7 @@ std::string RouteGraph::readNode(const Words& words) {
         if (std::string reason = readInteger(words[2], cost); !reason.empty()) return reason;
     }
     RVNode* node = takeNode(words[1]);
-    const auto place = static_cast<std::size_t>(node->denseIndex());
+    const auto place = rv::placeOf(node);
     if (m_hasLine.size() <= place) m_hasLine.resize(place + 1);
     if (m_hasLine[place]) return "a second line for node " + std::string(words[1]);
     m_hasLine[place] = true;

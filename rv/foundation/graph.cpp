@@ -346,6 +346,12 @@ RVNode* RVGraph::insertNode(RVNode* node) {
 // Of the edges that the node hosted while it was detached, those whose other end is attached come back;
 // the others go over to that end. An edge whose other end is in another graph by now is removed.
 void RVGraph::reviveEdges(RVNode* node) {
+    const auto handOver = [this](RVEdge* edge, RVNode* other) {
+        edge->leaveLists();
+        edge->m_removed = other->m_attached;
+        noteForeignEdge(edge, other);
+        edge->enterLists(other);
+    };
     for (RVDListCell *next = nullptr, *cell = node->m_outEdges.m_pFirst; cell != nullptr; cell = next) {
         next = cell->m_pNext;
         auto* edge = static_cast<RVEdge*>(cell->m_pObject);
@@ -361,10 +367,7 @@ void RVGraph::reviveEdges(RVNode* node) {
             m_edges.linkLast(&edge->m_graphCell);
             edge->m_attached = true;
         } else {
-            edge->leaveLists();
-            edge->m_removed = other->m_attached;
-            noteForeignEdge(edge, other);
-            edge->enterLists(other);
+            handOver(edge, other);
         }
     }
     for (RVDListCell *next = nullptr, *cell = node->m_inEdges.m_pFirst; cell != nullptr; cell = next) {
@@ -379,10 +382,7 @@ void RVGraph::reviveEdges(RVNode* node) {
             m_edges.linkLast(&edge->m_graphCell);
             edge->m_attached = true;
         } else {
-            edge->leaveLists();
-            edge->m_removed = other->m_attached;
-            noteForeignEdge(edge, other);
-            edge->enterLists(other);
+            handOver(edge, other);
         }
     }
 }
