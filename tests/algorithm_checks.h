@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdint>
 #include <cstdio>
 #include <map>
 #include <random>
@@ -263,6 +264,28 @@ private:
     }
     std::map<std::pair<RVNode*, RVNode*>, int> m_steps;
 };
+
+// How far nodes are from a node, or backward from them to it: every edge is relaxed as often as there are
+// nodes. The cost of a step is that of an edge and of the node from which it is taken.
+template <class Cost>
+std::map<RVNode*, std::int64_t> relaxedDistances(const RVGraph* graph, RVNode* start, Ways ways,
+                                                 bool isBackward, Cost cost) {
+    std::map<RVNode*, std::int64_t> distances{{start, 0}};
+    for (int round = 0; round < graph->numberOfNodes(); ++round) {
+        for (RVEdge* edge : *graph->pEdgeList()) {
+            for (RVNode* end : {edge->pSourceNode(), edge->pTargetNode()}) {
+                RVNode* from = end;
+                RVNode* to = follow(edge, from, ways);
+                if (isBackward) std::swap(from, to);
+                if (from == nullptr || to == nullptr || distances.count(from) == 0) continue;
+                const std::int64_t through = distances[from] + cost(edge, from);
+                const auto known = distances.emplace(to, through).first;
+                known->second = std::min(known->second, through);
+            }
+        }
+    }
+    return distances;
+}
 
 // With all its digits.
 inline std::string exactText(double value) {

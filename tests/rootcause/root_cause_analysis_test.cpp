@@ -63,29 +63,15 @@ TEST(RootCauses, ExplainEffects) {
         double threshold;
         const char* causes;
     } cases[] = {
-        {"all that reach the effect", "a->b b->c c->d", "c", -1, 1, "a(c) b(c) c(c)"},
-        {"what explains everything", "a->x a->y b->x", "x y", -1, 1, "a(x y)"},
         {"what explains half of it", "a->x a->y b->x", "x y", -1, 0.5, "x(x) y(y) b(x) a(x y)"},
-        {"what explains anything", "a->x a->y b->x c", "y x", -1, 0, "x(x) y(y) b(x) a(y x)"},
-        {"just less than the threshold", "x:1 y:9 a->x", "x y", -1, 0.11, "y(y)"},
         {"just the threshold", "x:1 y:3 a->x", "x y", -1, 0.25, "x(x) a(x) y(y)"},
-        {"equal weights in graph order", "c b a a->x b->y c->x", "x y", -1, 0, "c(x) b(y) a(x) x(x) y(y)"},
-        {"repeated effects", "a->x b->y", "x y x", -1, 0.5, "a(x x) x(x x)"},
-        {"no weight", "x:0 y:0 a->x", "x y", -1, 1, "x(x) y(y) a(x)"},
-        {"no weight beside others", "x:0 y:1 a->x b->y", "x y", -1, 1, "y(y) b(y)"},
-        {"no weight, but an effect", "x:0 y:1 a->x b->y c", "x y", -1, 0, "x(x) a(x) y(y) b(y)"},
         {"weights of other nodes", "a:-7 a->x", "x", -1, 1, "a(x) x(x)"},
         {"large weights", "x:2147483647 y:2147483647 z:1 a->x b->x b->y c->b c->z", "x y z", -1, 1,
          "c(x y z)"},
-        {"the effect alone", "a->b:1 b->x:0", "x", 0, 1, "b(x) x(x)"},
-        {"costs that nobody gave", "a->b b->x", "x", 1, 1, "b(x) x(x)"},
         {"costs of nodes in between", "c->b a:1,9 a->b b:1,5 b->x x:1,9", "x", 7, 1, "c(x) b(x) a(x) x(x)"},
         {"just too far", "c->b a:1,9 a->b b:1,5 b->x x:1,9", "x", 6, 1, "b(x) x(x)"},
         {"costs without a range", "a:1,9 a->b:9 b->x:2147483647", "x", -1, 1, "a(x) b(x) x(x)"},
         {"as far as can be counted", "a->x:2147483646 b->x:2147483647", "x", kLargest, 1, "a(x) x(x)"},
-        {"an undirected edge", "a--b b->x x->c", "a x", -1, 0.5, "x(x) a(a x) b(a x)"},
-        {"an undirected edge within a range", "a--b b->x x->c", "a x", 1, 0.5, "a(a) x(x) b(a x)"},
-        {"loops, parallels and cycles", "x->x a->x a->x x->a a->b", "x", 3, 1, "x(x) a(x)"},
     };
     RootCauses test;
     for (const auto& c : cases) {
@@ -96,17 +82,6 @@ TEST(RootCauses, ExplainEffects) {
         EXPECT_EQ(answer(test.output), c.causes);
         EXPECT_EQ(text(effects), c.effects);
     }
-}
-
-TEST(RootCauses, FollowEdgesBothWaysInAnUndirectedGraph) {
-    const TestGraph g("x->a a->b c");
-    RVNodeDList effects = g.nodes("x");
-    RootCauses test;
-    test.input.undirected(1);
-    EXPECT_EQ(run(test, g, &effects, -1, 1), RV_NO_ERROR);
-    EXPECT_EQ(answer(test.output), "x(x) a(x) b(x)");
-    EXPECT_EQ(run(test, g, &effects, 1, 1), RV_NO_ERROR);
-    EXPECT_EQ(answer(test.output), "x(x) a(x)");
 }
 
 TEST(RootCauses, ChecksItsDataInOrder) {
@@ -140,30 +115,6 @@ TEST(RootCauses, ChecksItsDataInOrder) {
     }
 }
 
-// Of more effects than are searched for at once, and many more on a path.
-TEST(RootCauses, TakeAnyNumberOfEffects) {
-    constexpr int kLength = 400;
-    std::string tokens = "n0";
-    for (int i = 1; i < kLength; ++i) tokens += " n" + std::to_string(i - 1) + "->n" + std::to_string(i);
-    const TestGraph g(tokens);
-    RootCauses test;
-    for (const int range : {-1, 1}) {
-        ASSERT_EQ(run(test, g, g->pNodeList(), range, 0), RV_NO_ERROR);
-        int place = 0;
-        for (RVNode* cause : *test.output.pCauseNodeList()) {
-            // Without a range the last node explains least. Within one they all explain two but for that one.
-            int from = range == -1 || place == 0 ? kLength - 1 - place : place - 1;
-            ASSERT_EQ(text(cause), "n" + std::to_string(from));
-            RVNodeDList reached;
-            test.output.buildReachedNodeList(cause, reached);
-            ASSERT_EQ(reached.length(), range == -1 ? place + 1 : place == 0 ? 1 : 2);
-            for (RVNode* effect : reached) ASSERT_EQ(text(effect), "n" + std::to_string(from++));
-            ++place;
-        }
-        EXPECT_EQ(place, kLength);
-    }
-}
-
 // The definition, word by word.
 std::string definition(const RVGraph* graph, const RVNodeDList& effects, int range, double threshold,
                        bool undirected) {
@@ -171,21 +122,13 @@ std::string definition(const RVGraph* graph, const RVNodeDList& effects, int ran
     std::int64_t total = 0;
     for (RVNode* effect : effects) {
         total += number(effect, 0, 1);
-        std::map<RVNode*, std::int64_t> distance{{effect, 0}};
-        for (int round = 0; round < graph->numberOfNodes(); ++round) {
-            for (RVEdge* edge : *graph->pEdgeList()) {
-                for (RVNode* from : {edge->pSourceNode(), edge->pTargetNode()}) {
-                    RVNode* const to = follow(edge, from, undirected ? Ways::both : Ways::drawn);
-                    if (to == nullptr || distance.count(to) == 0) continue;
-                    std::int64_t through = distance[to] + number(edge, 0, 1);
-                    if (to != effect) through += number(to, 1, 0);
-                    if (range != -1 && (through > range || through == kLargest)) continue;
-                    const auto known = distance.emplace(from, through).first;
-                    known->second = std::min(known->second, through);
-                }
-            }
-        }
-        for (const auto& [node, length] : distance) explained[node].push_back(effect);
+        const auto distances =
+            relaxedDistances(graph, effect, undirected ? Ways::both : Ways::drawn, true,
+                             [&](const RVEdge* edge, const RVNode* from) {
+                                 return number(edge, 0, 1) + (from == effect ? 0 : number(from, 1, 0));
+                             });
+        for (const auto& [node, distance] : distances)
+            if (range == -1 || distance <= range) explained[node].push_back(effect);
     }
     std::vector<std::pair<std::int64_t, std::string>> causes;
     for (RVNode* node : *graph->pNodeList()) {
@@ -204,6 +147,19 @@ std::string definition(const RVGraph* graph, const RVNodeDList& effects, int ran
     std::string all;
     for (const auto& cause : causes) all += (all.empty() ? "" : " ") + cause.second;
     return all;
+}
+
+// Of more effects than are searched for at once, and none of which all causes explain.
+TEST(RootCauses, TakeAnyNumberOfEffects) {
+    const TestGraph g;
+    addChain(g, 70);
+    for (RVNode* node : *g->pNodeList())
+        node->pNameString((L"n" + std::to_wstring(node->denseIndex())).c_str());
+    RootCauses test;
+    for (const int range : {-1, 1}) {
+        ASSERT_EQ(run(test, g, g->pNodeList(), range, 0), RV_NO_ERROR);
+        EXPECT_EQ(answer(test.output), definition(g, *g->pNodeList(), range, 0, false));
+    }
 }
 
 TEST(RootCauses, AgreeWithTheirDefinition) {
