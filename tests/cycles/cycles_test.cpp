@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <iostream>
 #include <map>
 #include <memory>
 #include <set>
@@ -37,34 +36,6 @@ TEST(NewCycleTest, AgreesWithAllDistances) {
 }
 
 // Heuristic
-
-TEST(TopologicalHeuristic, NumbersNodesByItsRules) {
-    const struct {
-        const char* what;
-        const char* graph;
-        const char* order;
-        int acyclic;
-    } cases[] = {
-        {"sources first in, first out", "a b c a->c b->c", "a b c", 1},
-        {"a cycle begins at its first node", "a->b b->c c->a", "a b c", 0},
-        {"most out-edges among equal in-degrees", "a->b b->c c->a c->b b->d", "c a b d", 0},
-        {"fewest in-edges before most out-edges", "a->b b->a c->a a->c b->c a->d d->b", "d b a c", 0},
-        {"a loop makes no source", "a->a a->b b->c", "a b c", 0},
-        {"but counts as one in-edge", "a->a a->b b->c c->b b->d c->d b->b", "a c b d", 0},
-        {"parallel edges count once", "a->b b->a b->a c->b c->a a->c", "c a b", 0},
-        {"nodes without edges come last", "x y->z u z->y", "y z x u", 0},
-        {"nothing", "", "", 1},
-    };
-    Heuristic run;
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.what);
-        const TestGraph g(c.graph);
-        for (RVEdge* edge : *g->pEdgeList()) run.input.weight(edge, 1 + edge->denseIndex() * 100);
-        EXPECT_EQ(run(g), RV_NO_ERROR);
-        EXPECT_EQ(text(*run.output.pNodeList()), c.order);
-        EXPECT_EQ(run.output.acyclic(), c.acyclic);
-    }
-}
 
 // The rule as it is stated, with a scan over all nodes for each number.
 std::vector<RVNode*> numberByScanning(const RVGraph* graph) {
@@ -114,9 +85,10 @@ std::vector<RVNode*> numberByScanning(const RVGraph* graph) {
 TEST(TopologicalHeuristic, AgreesWithScanning) {
     Heuristic run;
     for (unsigned seed = 0; seed < 400; ++seed) {
-        const std::string tokens = randomText(seed, {.nodes = 12, .edges = 40});
+        const std::string tokens = seed == 0 ? "" : randomText(seed, {.nodes = 12, .edges = 40});
         SCOPED_TRACE("seed " + std::to_string(seed) + ": " + tokens);
         const MarkedGraph g(tokens, seed);
+        for (RVEdge* edge : *g->pEdgeList()) run.input.weight(edge, 1 + edge->denseIndex() * 100);
         run.algorithm.useOriginalGraph(static_cast<int>(seed % 2));
         ASSERT_EQ(run(g), RV_NO_ERROR);
         int number = 0;
@@ -183,10 +155,8 @@ TEST(CycleBreaking, ReducesSolvesAndUndoes) {
 
 TEST(CycleBreaking, KeepsItsQualityInRange) {
     RVCycleBreakingEdgeDetectionInputData input;
-    const int answers[][3] = {{-1, -1, 1}, {5, 5, 2}, {-1, -1, 2}, {0, 0, 0}, {1, 1, 1}, {2, 2, 2}};
-    EXPECT_EQ(input.quality(), 1);
-    for (const auto& [set, given, kept] : answers) {
-        EXPECT_EQ(input.quality(set), given);
+    for (const auto& [quality, kept] : {std::pair(-1, 1), {5, 2}, {-1, 2}, {0, 0}}) {
+        EXPECT_EQ(input.quality(quality), quality);
         EXPECT_EQ(input.quality(), kept);
     }
 }
@@ -197,28 +167,22 @@ std::set<RVEdge*> asSet(const RVEdgeDList& list) {
     return edges;
 }
 
-// What edges are left between different nodes when some are reversed, or when they are left out.
-bool staysAcyclic(const RVGraph* graph, const std::set<RVEdge*>& broken, bool reversed) {
-    std::map<RVNode*, std::vector<RVNode*>> next;
-    std::map<RVNode*, int> in;
+// Whether no cycle but loops is left when some edges are reversed, and so neither when they are left out.
+bool isBroken(const RVGraph* graph, const std::set<RVEdge*>& reversed) {
+    std::vector<std::pair<RVNode*, RVNode*>> arcs;
     for (RVEdge* edge : *graph->pEdgeList()) {
-        RVNode* source = edge->pSourceNode();
-        RVNode* target = edge->pTargetNode();
-        if (source == target || (!reversed && broken.count(edge) != 0)) continue;
-        if (broken.count(edge) != 0) std::swap(source, target);
-        next[source].push_back(target);
-        ++in[target];
+        RVNode* const source = edge->pSourceNode();
+        RVNode* const target = edge->pTargetNode();
+        if (source == target) continue;
+        arcs.push_back(reversed.count(edge) == 0 ? std::pair(source, target) : std::pair(target, source));
     }
-    std::vector<RVNode*> order;
-    for (RVNode* node : *graph->pNodeList()) {
-        if (in[node] == 0) order.push_back(node);
+    // Those that do not come from the target of another one are on no cycle.
+    for (bool isChanged = true; isChanged;) {
+        std::set<RVNode*> targets;
+        for (const auto& arc : arcs) targets.insert(arc.second);
+        isChanged = std::erase_if(arcs, [&](const auto& arc) { return targets.count(arc.first) == 0; }) != 0;
     }
-    for (std::size_t i = 0; i < order.size(); ++i) {
-        for (RVNode* target : next[order[i]]) {
-            if (--in[target] == 0) order.push_back(target);
-        }
-    }
-    return static_cast<int>(order.size()) == graph->numberOfNodes();
+    return arcs.empty();
 }
 
 std::size_t leastFeedbackSet(const RVGraph* graph) {
@@ -230,7 +194,7 @@ std::size_t leastFeedbackSet(const RVGraph* graph) {
         for (std::size_t i = 0; i < edges.size(); ++i) {
             if ((subset >> i & 1U) != 0) broken.insert(edges[i]);
         }
-        if (broken.size() < least && staysAcyclic(graph, broken, true)) least = broken.size();
+        if (broken.size() < least && isBroken(graph, broken)) least = broken.size();
     }
     return least;
 }
@@ -255,31 +219,24 @@ TEST(CycleBreaking, BreaksAllCycles) {
             const std::set<RVEdge*> broken = asSet(list);
             if (isSmall) found[quality] += broken.size();
             ASSERT_EQ(static_cast<int>(broken.size()), list.length());
-            ASSERT_TRUE(staysAcyclic(g, broken, true) && staysAcyclic(g, broken, false)) << text(list);
+            ASSERT_TRUE(isBroken(g, broken)) << text(list);
 
-            RVEdgeDList loops;
-            for (RVNode* node : *g->pNodeList()) {
-                for (RVEdge* edge : *node->pOutEdgeList()) {
-                    EXPECT_EQ(run.output.backwardEdge(edge), broken.count(edge) != 0 ? 1 : 0);
-                }
-            }
-            run.output.buildReflexiveEdgeList(loops);
-            std::set<RVEdge*> expected;
+            std::set<RVEdge*> loops;
             for (RVEdge* edge : *g->pEdgeList()) {
-                if (edge->pSourceNode() == edge->pTargetNode()) expected.insert(edge);
+                EXPECT_EQ(run.output.backwardEdge(edge), broken.count(edge) != 0 ? 1 : 0);
+                if (edge->pSourceNode() == edge->pTargetNode()) loops.insert(edge);
             }
-            EXPECT_EQ(asSet(loops), expected);
+            run.output.buildReflexiveEdgeList(list);
+            EXPECT_EQ(asSet(list), loops);
 
-            for (RVEdge* edge : list) {
+            for (RVEdge* edge : broken) {
                 if (quality < 2) break;
                 std::set<RVEdge*> fewer = broken;
                 fewer.erase(edge);
-                EXPECT_FALSE(staysAcyclic(g, fewer, true)) << text(edge) << " could go back";
+                EXPECT_FALSE(isBroken(g, fewer)) << text(edge) << " could go back";
             }
         }
     }
-    std::cout << "edges broken at quality 0, 1, 2: " << found[0] << ", " << found[1] << ", " << found[2]
-              << "; least: " << least << '\n';
     EXPECT_LE(found[2], found[1]);
     EXPECT_LE(found[1], least * 11 / 10);
     EXPECT_LE(found[0], least * 5 / 4);
@@ -312,8 +269,6 @@ TEST(CycleBreaking, FailsWithItsParts) {
 TEST(GraphReductionAction, OwnsItsListOnly) {
     const TestGraph g("a->b");
     auto action = std::make_unique<RVGraphReductionAction>();
-    EXPECT_EQ(action->reductionType(), RVNoReduction);
-    EXPECT_EQ(action->pOldEdgeList()->length(), 0);
     const std::unique_ptr<RVEdgeDList> first(action->pOldEdgeList());
     auto* second = new RVEdgeDList();
     EXPECT_EQ(action->pOldEdgeList(second), second);
