@@ -122,12 +122,9 @@ TEST(ClusterSplitting, CutsTheFirstOfTheLargest) {
 // give, but for those whose cut would not better the weights.
 TEST(ClusterSplitting, BringsWeightsToTheTarget) {
     std::string tokens;
-    for (int i = 0; i < 15; ++i) {
-        for (int j = 0; j < 15; ++j) {
-            const std::string here = "n" + std::to_string(i) + "_" + std::to_string(j);
-            tokens += here + "->n" + std::to_string((i + 1) % 15) + "_" + std::to_string(j) + " " + here +
-                      "->n" + std::to_string(i) + "_" + std::to_string((j + 1) % 15) + " ";
-        }
+    for (int i = 0; i < 225; ++i) {
+        for (const int next : {i / 15 * 15 + (i + 1) % 15, (i + 15) % 225})
+            tokens += "n" + std::to_string(i) + "->n" + std::to_string(next) + " ";
     }
     const TestGraph g(tokens);
     double lastOff = 1e30;

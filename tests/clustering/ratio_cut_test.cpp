@@ -18,7 +18,8 @@ namespace {
 using namespace rvtest;
 
 TEST(ClusteringData, KeepsLimitsAndConstraints) {
-    RVClusteringInputData input;
+    const TestGraph g("a");
+    RVClusteringInputData input(g);
     for (const int count : {0, -5}) EXPECT_EQ(input.maxClusterCount(count) + input.maxClusterCount(), 2);
     input.getWeights(nullptr);
     RVClusteringConstraint constraint(3, L"apart");
@@ -42,10 +43,9 @@ TEST(ClusteringData, NumbersItsClusters) {
     output.addCluster(nullptr);
     output.generateClusterNumbers();
     EXPECT_EQ(clusterText(output), "[c a][b]");
-    for (RVNode* node : *g->pNodeList()) {
-        EXPECT_EQ(output.getClusterNumber(node),
-                  (std::map<std::string, int>{{"a", 1}, {"b", 2}, {"c", 1}})[text(node)]);
-    }
+    std::string numbers;
+    for (RVNode* node : *g->pNodeList()) numbers += std::to_string(output.getClusterNumber(node));
+    EXPECT_EQ(numbers, "1210");
     EXPECT_EQ(output.getClusterNumber(nullptr), 0);
 
     RVInt kept(5);

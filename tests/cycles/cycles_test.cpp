@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <map>
 #include <memory>
 #include <set>
 #include <string>
@@ -39,44 +38,41 @@ TEST(NewCycleTest, AgreesWithAllDistances) {
 
 // The rule as it is stated, with a scan over all nodes for each number.
 std::vector<RVNode*> numberByScanning(const RVGraph* graph) {
-    std::map<RVNode*, std::vector<RVEdge*>> out;
-    std::map<RVNode*, int> in;
-    std::map<RVNode*, int> outLeft;
-    std::set<RVEdge*> kept;
     std::set<std::pair<RVNode*, RVNode*>> seen;
+    std::set<RVEdge*> edges;  // between nodes without a number, one of parallel ones
     for (RVEdge* edge : *graph->pEdgeList()) {
-        if (seen.emplace(edge->pSourceNode(), edge->pTargetNode()).second) kept.insert(edge);
+        if (seen.emplace(edge->pSourceNode(), edge->pTargetNode()).second) edges.insert(edge);
     }
+    // In-edges and, counted downward, out-edges.
+    const auto degrees = [&](const RVNode* node) {
+        std::pair<int, int> counts;
+        for (const RVEdge* edge : edges) {
+            if (edge->pTargetNode() == node) ++counts.first;
+            if (edge->pSourceNode() == node) --counts.second;
+        }
+        return counts;
+    };
     std::vector<RVNode*> sources;
     std::vector<RVNode*> candidates;
     std::vector<RVNode*> isolated;
-    for (RVEdge* edge : kept) ++in[edge->pTargetNode()], ++outLeft[edge->pSourceNode()];
-    for (RVNode* node : *graph->pNodeList()) {
-        for (RVEdge* edge : *node->pOutEdgeList()) {
-            if (kept.count(edge) != 0) out[node].push_back(edge);
-        }
-        (node->degree() == 0 ? isolated : in[node] == 0 ? sources : candidates).push_back(node);
-    }
+    for (RVNode* node : *graph->pNodeList())
+        (node->degree() == 0 ? isolated : degrees(node).first == 0 ? sources : candidates).push_back(node);
     std::vector<RVNode*> order;
     while (!sources.empty() || !candidates.empty()) {
-        std::vector<RVNode*>& from = sources.empty() ? candidates : sources;
-        auto best = from.begin();
-        for (auto each = best; sources.empty() && each != from.end(); ++each) {
-            if (std::pair(in[*each], -outLeft[*each]) < std::pair(in[*best], -outLeft[*best])) best = each;
+        if (sources.empty()) {
+            const auto best = std::min_element(candidates.begin(), candidates.end(),
+                                               [&](auto* a, auto* b) { return degrees(a) < degrees(b); });
+            sources.push_back(*best);
+            candidates.erase(best);
         }
-        RVNode* const node = *best;
-        from.erase(best);
-        order.push_back(node);
-        for (RVEdge* edge : out[node]) {
-            RVNode* const target = edge->pTargetNode();
-            const auto waiting = std::find(candidates.begin(), candidates.end(), target);
-            if (--in[target] != 0 || waiting == candidates.end()) continue;
-            candidates.erase(waiting);
-            sources.push_back(target);
-        }
-        for (RVEdge* edge : kept) {
-            if (edge->pTargetNode() == node) --outLeft[edge->pSourceNode()];
-        }
+        RVNode* const node = order.emplace_back(sources.front());
+        sources.erase(sources.begin());
+        std::vector<RVNode*> targets;
+        for (RVEdge* edge : *node->pOutEdgeList())
+            if (edges.erase(edge) != 0) targets.push_back(edge->pTargetNode());
+        std::erase_if(edges, [&](const RVEdge* edge) { return edge->pTargetNode() == node; });
+        for (RVNode* target : targets)
+            if (degrees(target).first == 0 && std::erase(candidates, target) != 0) sources.push_back(target);
     }
     order.insert(order.end(), isolated.begin(), isolated.end());
     return order;
