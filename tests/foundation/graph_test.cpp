@@ -12,6 +12,8 @@
 #include <set>
 #include <sstream>
 #include <string>
+#include <tuple>
+#include <utility>
 #include <vector>
 
 #include "rv/foundation/graph_iterators.h"
@@ -39,20 +41,15 @@ Ids ids(const List& list) {
 // Counts the edges that it knows, since an edge that is gone takes its record along.
 class EdgeCounter : public RVAlgorithmData {
 public:
-    int edges = 0;
+    long edges() const { return m_token.use_count() - 1; }
 
-protected:
+private:
     struct Record : RVEdgeAlgorithmExtension {
-        Record(RVEdge* edge, EdgeCounter* counter)
-            : RVEdgeAlgorithmExtension(edge, counter), count(&counter->edges) {
-            ++*count;
-        }
-        ~Record() override { --*count; }
-        int* count;
+        explicit Record(std::shared_ptr<int> t) : token(std::move(t)) {}
+        std::shared_ptr<int> token;
     };
-    RVEdgeAlgorithmExtension* newEdgeAlgorithmExtension(RVEdge* edge) override {
-        return new Record(edge, this);
-    }
+    RVEdgeAlgorithmExtension* newEdgeAlgorithmExtension(RVEdge*) override { return new Record(m_token); }
+    std::shared_ptr<int> m_token = std::make_shared<int>();
 };
 
 // Three graphs beside a model of what they should be after surgery of all kinds. An edge is attached; or it
@@ -110,22 +107,11 @@ public:
             m_edges[e] = {edge, g, n, n2, Waiting};
             enter(e);
         } else if (action == "newGraph" && m_random() % 3 == 0) {
-            m_real[g].reset();
-            destroyed([&](int id) { return m_nodes[id].home == g; },
-                      [&](int id) { return m_edges[id].home == g; });
+            destroyGraph(g);
             m_real[g].emplace();  // where the old one was
-        } else if (action == "discard" && m_random() % 2 == 0) {
-            graph.discardNode(nodeIsHere ? nullptr : node);
-            check();
-            if (n == kNone) return;
-            destroy(node, &RVGraph::discardNode);
-            destroyed([&](int id) { return id == n; }, [](int) { return false; });
         } else if (action == "discard") {
-            graph.discardEdge(edgeIsHere ? nullptr : edge);
-            check();
-            if (e == kNone) return;
-            destroy(edge, &RVGraph::discardEdge);
-            destroyed([](int) { return false; }, [&](int id) { return id == e; });
+            m_random() % 2 == 0 ? discard(graph, node, &RVGraph::discardNode)
+                                : discard(graph, edge, &RVGraph::discardEdge);
         } else if (edge != nullptr && (action == "changeSource" || action == "changeTarget")) {
             const bool source = action == "changeSource";
             source ? edge->changeSourceNode(node) : edge->changeTargetNode(node);
@@ -142,8 +128,7 @@ public:
     }
 
     void check() {
-        std::set<std::pair<std::size_t, int>> nodeIndices;
-        std::set<std::pair<std::size_t, int>> edgeIndices;
+        m_indices.clear();
         for (std::size_t g = 0; g < m_graphs; ++g) {
             if (!m_real[g]) continue;
             const RVGraph& graph = *m_real[g];
@@ -157,28 +142,20 @@ public:
             EXPECT_EQ(ids(*node.real->pInEdgeList()), node.into);
             EXPECT_EQ(node.real->degree(), static_cast<int>(node.out.size() + node.into.size()));
             checkMember(*node.real, id, node.home, node.in);
-            EXPECT_LT(node.real->denseIndex(), m_real[node.home]->nodeIndexLimit());
-            EXPECT_TRUE(nodeIndices.emplace(node.home, node.real->denseIndex()).second);
         }
-        EXPECT_EQ(m_counter.edges, static_cast<int>(m_edges.size()));
+        EXPECT_EQ(m_counter.edges(), static_cast<long>(m_edges.size()));
         for (const auto& [id, edge] : m_edges) {
             SCOPED_TRACE(testing::Message() << "edge " << id);
             EXPECT_EQ(edge.real->pSourceNode(), edge.source == kNone ? nullptr : m_nodes[edge.source].real);
             EXPECT_EQ(edge.real->pTargetNode(), edge.target == kNone ? nullptr : m_nodes[edge.target].real);
             checkMember(*edge.real, id, edge.home, edge.state == Attached);
             EXPECT_EQ(m_data.directed(edge.real), id) << "the record stays with the edge";
-            EXPECT_LT(edge.real->denseIndex(), m_real[edge.home]->edgeIndexLimit());
-            EXPECT_TRUE(edgeIndices.emplace(edge.home, edge.real->denseIndex()).second);
         }
     }
 
     // Destroys the graphs one after the other.
     void finish() {
-        for (std::size_t g = m_graphs; g-- > 0; check()) {
-            m_real[g].reset();
-            destroyed([&](int id) { return m_nodes[id].home == g; },
-                      [&](int id) { return m_edges[id].home == g; });
-        }
+        for (std::size_t g = m_graphs; g-- > 0; check()) destroyGraph(g);
     }
 
     std::ostringstream log;
@@ -208,8 +185,11 @@ private:
     }
 
     void checkMember(const RVGraphMember& member, int id, std::size_t home, bool in) {
-        EXPECT_EQ(member.pHomeGraph(), &*m_real[home]);
-        EXPECT_EQ(member.pOwnerGraph(), in ? &*m_real[home] : nullptr);
+        RVGraph& graph = *m_real[home];
+        EXPECT_EQ(member.pHomeGraph(), &graph);
+        EXPECT_EQ(member.pOwnerGraph(), in ? &graph : nullptr);
+        EXPECT_LT(member.denseIndex(), member.isNode() ? graph.nodeIndexLimit() : graph.edgeIndexLimit());
+        EXPECT_TRUE(m_indices.emplace(home, member.isNode(), member.denseIndex()).second);
         EXPECT_EQ(member.pNameString(), std::to_wstring(id));
         EXPECT_EQ(idOf(&member), id);
         EXPECT_EQ(member.pIUserField(), id % 2 == 0 ? &m_data : nullptr);
@@ -336,31 +316,38 @@ private:
         }
     }
 
-    // All ways to destroy a member are one.
+    // A graph destroys its own members only. All ways to do so are one.
     template <class Member>
-    void destroy(Member* member, void (RVGraph::*discard)(Member*)) {
+    void discard(RVGraph& graph, Member* member, void (RVGraph::*byGraph)(Member*)) {
+        (graph.*byGraph)(member != nullptr && member->pHomeGraph() == &graph ? nullptr : member);
+        check();
+        if (member == nullptr) return;
         RVObject* const object = member;
         const auto way = m_random() % 3;
         if (way == 0) delete object;
         if (way == 1) object->vRelease();
-        if (way == 2) (member->pHomeGraph()->*discard)(member);
+        if (way == 2) (member->pHomeGraph()->*byGraph)(member);
+        destroyed([&](const auto& each) { return each.real == object; });
+    }
+    void destroyGraph(std::size_t g) {
+        m_real[g].reset();
+        destroyed([&](const auto& each) { return each.home == g; });
     }
     // Edges that lose an end are destroyed with it, but for those that were removed.
-    template <class OfNodes, class OfEdges>
-    void destroyed(OfNodes nodeIsDestroyed, OfEdges edgeIsDestroyed) {
+    template <class IsDestroyed>
+    void destroyed(IsDestroyed isDestroyed) {
         std::erase_if(m_edges, [&](const auto& entry) {
             Edge& edge = m_edges[entry.first];
-            const bool sourceIs = edge.source != kNone && nodeIsDestroyed(edge.source);
-            const bool targetIs = edge.target != kNone && nodeIsDestroyed(edge.target);
-            const bool gone =
-                edgeIsDestroyed(entry.first) || (edge.state != Removed && (sourceIs || targetIs));
+            const bool sourceIs = edge.source != kNone && isDestroyed(m_nodes[edge.source]);
+            const bool targetIs = edge.target != kNone && isDestroyed(m_nodes[edge.target]);
+            const bool gone = isDestroyed(edge) || (edge.state != Removed && (sourceIs || targetIs));
             if (gone) leave(entry.first);
             if (sourceIs) edge.source = kNone;
             if (targetIs) edge.target = kNone;
             return gone;
         });
         std::erase_if(m_nodes, [&](const auto& entry) {
-            const bool gone = nodeIsDestroyed(entry.first);
+            const bool gone = isDestroyed(entry.second);
             if (gone) std::erase(m_orders[entry.second.home].nodes, entry.first);
             return gone;
         });
@@ -374,6 +361,7 @@ private:
     std::array<Orders, 3> m_orders;
     std::map<int, Node> m_nodes;
     std::map<int, Edge> m_edges;
+    std::set<std::tuple<std::size_t, bool, int>> m_indices;
     std::deque<int> m_ids;
 };
 
