@@ -29,8 +29,6 @@ public:
     int range(int value) { return store("range", value); }
     int closed() const { return read("closed"); }
     int closed(int value) { return store("closed", value); }
-    int seed() const { return read("seed"); }
-    int seed(int value) { return store("seed", value); }
     double limit() const { return read("limit") / 100.0; }
     double limit(double value) { return store("limit", static_cast<int>(value * 100)) / 100.0; }
     RVNode* pStart() const { return m_pStart; }
@@ -41,8 +39,6 @@ public:
     int cost(RVEdge* edge, int value) { return store("cost of " + text(edge), value); }
     int open(RVEdge* edge) const { return read("open of " + text(edge)); }
     int open(RVEdge* edge, int value) { return store("open of " + text(edge), value); }
-    int rank(RVNode* node) const { return read("rank of " + text(node)); }
-    int rank(RVNode* node, int value) { return store("rank of " + text(node), value); }
 
     // All that was stored since the last question.
     std::string notes() { return std::exchange(m_notes, ""); }
@@ -56,11 +52,9 @@ protected:
             edgeInt<D, &D::cost, &D::cost>("cost"),
             graphObject<D, RVNode, &D::pStart, &D::pStart>("start"),
             graphInt<D, &D::range, &D::range>("range"),
-            nodeInt<D, &D::cost, &D::cost>("cost"),
-            graphDouble<D, &D::limit, &D::limit>("limit"),
+            nodeInt<D, &D::cost, &D::cost>("cost").announcedBy(RVInputField::graph | RVInputField::node),
+            graphDouble<D, &D::limit, &D::limit>("limit").announcedBy(RVInputField::none),
             edgeFlag<D, &D::open, &D::open>("open"),
-            graphInt<D, &D::seed, &D::seed>("seed").announcedBy(RVInputField::none),
-            nodeInt<D, &D::rank, &D::rank>("rank").announcedBy(RVInputField::graph | RVInputField::node),
         };
         return fields;
     }
@@ -132,16 +126,13 @@ TEST(InputFields, AreReadByNameAndObject) {
     } cases[] = {
         {"range", "g: 5 5 5 5 5"},
         {"closed", "g: 1 1 1 1 1"},
-        {"limit", "g: 0/0.25 0/0.25 0/0.25 0/0.25 0/0.25"},
+        {"limit", ": 0/0.25 0/0.25 0/0.25 0/0.25 0/0.25"},
         {"start", "g: 0/b 0/b 0/b 0/b 0/b"},
-        {"cost", "ne: 0 0 6 7 6"},
+        {"cost", "gne: 0 0 6 7 6"},
         {"open", "e: 0 0 0 0 8"},
-        {"seed", ": 5 5 5 5 5"},
-        {"rank", "gn: 0 0 6 7 0"},
         {"Range", ": 0 0 0 0 0"},
         {"rang", ": 0 0 0 0 0"},
         {"range ", ": 0 0 0 0 0"},
-        {"", ": 0 0 0 0 0"},
         {nullptr, ": 0 0 0 0 0"},
     };
     for (const auto& c : cases)
@@ -159,11 +150,10 @@ TEST(InputFields, AreTakenFromOtherInputs) {
     } cases[] = {
         {"everything", "graph.* node.* edge.*", 5,
          "closed=1; cost of a->b=6; cost of b->a=7; start of b=1; range=5; cost of a=6; cost of b=7; "
-         "limit=25; "
-         "open of a->b=1; open of b->a=1; seed=5; rank of a=6; rank of b=7; "},
+         "limit=25; open of a->b=1; open of b->a=1; "},
         {"zero flags", "graph.closed edge.open", 0, "closed=0; open of a->b=1; open of b->a=1; "},
         {"flags below zero", "graph.closed edge.open", -1, "closed=1; open of a->b=0; open of b->a=1; "},
-        {"other scopes", "node.range edge.range graph.open node.open graph.rank", 5, ""},
+        {"other scopes", "node.range edge.range graph.open node.open graph.cost", 5, ""},
         {"one of two scopes", "node.cost", 5, "cost of a=6; cost of b=7; "},
         {"foreign names", "graph.Range node.costs edge.costs graph.", 5, ""},
     };
@@ -177,7 +167,7 @@ TEST(InputFields, AreTakenFromOtherInputs) {
     TourInput graphless;
     const Teller everything("graph.* node.* edge.*");
     graphless.copyData(&everything);
-    EXPECT_EQ(graphless.notes(), "closed=1; start of none=0; range=5; limit=25; seed=5; ");
+    EXPECT_EQ(graphless.notes(), "closed=1; start of none=0; range=5; limit=25; ");
 }
 
 // Holds for every input class and its own table.
