@@ -108,17 +108,11 @@ protected:
 template <class A>
 class FlowHooks : public GraphHooks<A> {
 protected:
-    int pathExists(RVAnalysisOutputData* output) const override {
-        return point(), pointAfter(A::pathExists(output));
-    }
     void buildEdgeList(RVAnalysisOutputData* output, RVEdgeDList& list) const override {
         point(), A::buildEdgeList(output, list), point();
     }
     void pStartNode(RVAnalysisInputData* input, RVNode* node) const override {
         point(), A::pStartNode(input, node), point();
-    }
-    void pFinishNode(RVAnalysisInputData* input, RVNode* node) const override {
-        point(), A::pFinishNode(input, node), point();
     }
     int hasToBeSplit(RVNode* node) override { return point(), pointAfter(A::hasToBeSplit(node)); }
     RVAlgorithm* newPathExistsTestAlgorithm() const override {
@@ -144,6 +138,7 @@ protected:
         point(), A::copyEdgeData(from, to, first), point();
     }
 };
+
 // Without standard records, each is asked for.
 template <class A>
 class Records : public A {
