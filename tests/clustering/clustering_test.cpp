@@ -178,11 +178,12 @@ TEST(DisconnectedClustering, MergesFromTheLightest) {
 
 TEST(DisconnectedClustering, ClustersConnectedGraphsAsSplittingDoes) {
     for (unsigned seed = 0; seed < 60; ++seed) {
-        const Shape shape = {.nodes = 2, .least = 0, .most = 5, .nodeNumbers = true};
-        const TestGraph g("hub->a:3 hub->b:2 " + randomText(seed, shape));
+        const Shape shape = {.nodes = 6, .least = 0, .most = 5, .nodeNumbers = true};
+        const TestGraph g("hub->a:3 hub->b:2 hub->c hub->d hub->e hub->f " + randomText(seed, shape));
         const auto clusters = [&](auto run) {
             takeWeights(run.input, g);
             run.input.minClusterCount(static_cast<int>(seed % 4));
+            run.input.clusterSizeFactor(0.1);
             EXPECT_EQ(run(g), RV_NO_ERROR);
             return clusterText(run.output);
         };
