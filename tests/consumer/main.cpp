@@ -5,40 +5,29 @@
 #endif
 
 #include <cstdio>
+#include <memory>
 
 #include "rv/analysis.h"
 
 int main() {
     RVAFactory factory;
-    RVGraph* g = factory.newGraph();
-    RVNode* first = g->addNode(0);
-    RVNode* second = g->addNode(0);
-    RVNode* third = g->addNode(0);
-    g->addEdge(second, third, 0);
-    g->addEdge(first, second, 0);
+    const std::unique_ptr<RVGraph> g(factory.newGraph());
+    RVNode* const nodes[] = {g->addNode(0), g->addNode(0), g->addNode(0)};
+    g->addEdge(nodes[1], nodes[2], 0);
+    g->addEdge(nodes[0], nodes[1], 0);
 
-    int failures = 0;
-    {
-        RVTopologicalSortInputData in(g);
-        RVTopologicalSortOutputData out;
-        RVTopologicalSortAlgorithm alg;
-        alg.pInputData(&in);
-        alg.pOutputData(&out);
-        const int code = alg.run();
-        if (code != 0) {
-            std::printf("run() gave %d, not 0\n", code);
-            ++failures;
-        }
-        int expected = 0;
-        for (RVNode* node : {first, second, third}) {
-            ++expected;
-            if (out.orderNumber(node) != expected) {
-                std::printf("node %d has number %d\n", expected, out.orderNumber(node));
-                ++failures;
-            }
-        }
+    RVTopologicalSortInputData in(g.get());
+    RVTopologicalSortOutputData out;
+    RVTopologicalSortAlgorithm alg;
+    alg.pInputData(&in);
+    alg.pOutputData(&out);
+    const int code = alg.run();
+    std::printf("run() gave %d\n", code);
+    bool isSorted = code == 0;
+    int expected = 0;
+    for (RVNode* node : nodes) {
+        std::printf("node %d has number %d\n", ++expected, out.orderNumber(node));
+        isSorted = isSorted && out.orderNumber(node) == expected;
     }
-    delete g;
-    if (failures == 0) std::puts("sorted: first, second, third");
-    return failures == 0 ? 0 : 1;
+    return isSorted ? 0 : 1;
 }
