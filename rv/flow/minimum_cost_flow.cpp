@@ -173,22 +173,8 @@ bool RVMinimumCostFlowAlgorithm::canUseNetwork() const {
     return rv::newGraphLike(pInputData()->pAssociatedGraph())->pFactory() != nullptr;
 }
 
-// Steps that a network does without
-
-void RVMinimumCostFlowAlgorithm::createGraphCopy() {
-    if (!hasNetwork()) RVFlowAlgorithm::createGraphCopy();
-}
-
-void RVMinimumCostFlowAlgorithm::preprocess() {
-    if (!hasNetwork()) RVFlowAlgorithm::preprocess();
-}
-
-void RVMinimumCostFlowAlgorithm::postprocess() {
-    if (!hasNetwork()) RVFlowAlgorithm::postprocess();
-}
-
 void RVMinimumCostFlowAlgorithm::parseInputData() {
-    if (hasNetwork()) return;
+    if (worksInArrays()) return;
     const auto* input = RVMinimumCostFlowInputData::castDown(pInputData());
     RVMinimumCostFlowInternalData* data = pMinimumCostFlowInternalData();
     data->pSourceNode(data->pCopyNode(input->pSourceNode()));
@@ -210,7 +196,7 @@ void RVMinimumCostFlowAlgorithm::parseInputData() {
 }
 
 RVServiceErrorCodeEnum RVMinimumCostFlowAlgorithm::algorithmBody() {
-    if (!hasNetwork()) return RVFlowAlgorithm::algorithmBody();
+    if (!worksInArrays()) return RVFlowAlgorithm::algorithmBody();
     rv::CostNetwork& network = *m_network.get();
     RVMinimumCostFlowInternalData* data = pMinimumCostFlowInternalData();
     while (finished() == 0 && network.findPath()) {
@@ -365,7 +351,7 @@ void RVMinimumCostFlowAlgorithm::generateOutputData() {
     rv::clearFlows(*output);
     output->totalCost(data->totalCost());
     output->totalFlow(data->totalFlow());
-    if (hasNetwork()) {
+    if (worksInArrays()) {
         m_network.get()->describe(*output);
     } else {
         for (RVEdge* edge : *pAssociatedGraph()->pEdgeList()) {

@@ -210,9 +210,7 @@ protected:
     void generateOutputData() override;
     void cleanup() override;
     void parseInputData() override;
-    void preprocess() override;
-    void postprocess() override;
-    void createGraphCopy() override;
+    bool worksInArrays() const override { return m_network.get() != nullptr; }
     RVAlgorithmData* newInternalData() override;
     // Gives the caller's edge the flow of the path that stood for it, and destroys that path.
     void actOnInsertMultiEdge(RVEdge* edge) override;
@@ -238,7 +236,6 @@ protected:
 private:
     // Whether no subclass can see how the flow is found.
     bool canUseNetwork() const;
-    bool hasNetwork() const { return m_network.get() != nullptr; }
     int desiredFlow() const;
     int withinDesiredFlow(int amount) const;
     void raisePotentials(const RVDijkstraOutputData& output);

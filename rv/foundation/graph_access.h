@@ -45,6 +45,9 @@ public:
     static void copyGraph(const RVGraph* source, RVGraph* target, std::vector<RVGraphMember*>& nodeCopies,
                           std::vector<RVGraphMember*>& edgeCopies);
 
+    // Whether every in- and out-list is known to stand in the order of the edge list.
+    static bool areListsInGraphOrder(const RVGraph* graph) { return graph->m_listsInGraphOrder; }
+
     static GraphOrders noteOrders(const RVGraph* graph);
     // Puts what is attached back into the noted orders; objects that were not noted go behind all others.
     // Allocates nothing.

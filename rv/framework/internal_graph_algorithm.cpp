@@ -105,7 +105,7 @@ void RVInternalGraphAlgorithm::initialize() {
     RVGraph* graph = pInputData()->pAssociatedGraph();
     pInternalData()->pAssociatedGraph(graph);
     pInternalData()->pInputGraph(graph);
-    if (canUseOriginalGraph() == 0) createGraphCopy();
+    if (canUseOriginalGraph() == 0 && !worksInArrays()) createGraphCopy();
 }
 
 // Also called when a hook has thrown: the working graph is destroyed only if it is not the caller's.
@@ -123,9 +123,12 @@ void RVInternalGraphAlgorithm::cleanup() {
     RVInternalAlgorithm::cleanup();
 }
 
-void RVInternalGraphAlgorithm::preprocess() { preprocessGraph(); }
+void RVInternalGraphAlgorithm::preprocess() {
+    if (!worksInArrays()) preprocessGraph();
+}
 
 void RVInternalGraphAlgorithm::postprocess() {
+    if (worksInArrays()) return;
     try {
         postprocessGraph();
     } catch (...) {

@@ -123,6 +123,9 @@ protected:
     // Takes away what a run has added to the caller's graph, at the beginning of cleanup, also where an
     // override of that has thrown before it called its base. Here nothing.
     virtual void clearInputGraph() {}
+    // Whether this run finds its answer in arrays made of the caller's graph, which a class may do where no
+    // subclass can see the difference. Such a run makes no copy and normalises nothing. Here never.
+    virtual bool worksInArrays() const { return false; }
 
 private:
     RVServiceErrorCodeEnum runToItsEnd();

@@ -9,7 +9,8 @@
 // first block closes, the root of a search tree when its second one does.
 //
 // Codes of run: RV_NO_ERROR, RV_NO_INPUT_GRAPH, RV_NO_GRAPH_FACTORY, and the framework's.
-// Method: Hopcroft and Tarjan 1973, without recursion. O(n + m) time and space.
+// Method: Hopcroft and Tarjan 1973, without recursion, in arrays made of the caller's graph; in an object of
+// a subclass on the hooks of the depth-first search. O(n + m) time and space.
 //
 //   RVBiconnectedComponentsAlgorithm blocks;
 //   RVBiconnectedComponentsInputData input(graph);
@@ -121,6 +122,8 @@ public:
     int directed() const override;
 
 protected:
+    bool worksInArrays() const override;
+    RVServiceErrorCodeEnum algorithmBody() override;
     void generateOutputData() override;
     void parseInputData() override;
     RVAlgorithmData* newInternalData() override;

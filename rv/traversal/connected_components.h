@@ -5,7 +5,9 @@
 // of a component stand in graph order. An empty graph has no components.
 //
 // Codes of run: RV_NO_ERROR, RV_NO_INPUT_GRAPH, RV_NO_GRAPH_FACTORY, and the framework's.
-// Method: breadth-first search on the undirected graph. O(n + m) time and space.
+// Method: disjoint sets (Galler and Fischer 1964, Tarjan 1975) of the caller's nodes; in an object of a
+// subclass breadth-first search on the undirected graph, with its hooks. O(n + m) space; time likewise, in
+// the sets but for a factor that is below 5.
 //
 //   RVConnectedComponentsAlgorithm components;
 //   RVConnectedComponentsInputData input(graph);
@@ -63,9 +65,14 @@ public:
     int directed() const override;
 
 protected:
+    bool worksInArrays() const override;
+    RVServiceErrorCodeEnum algorithmBody() override;
     void generateOutputData() override;
     void parseInputData() override;
     RVNode* findStartNode() override;
     RVEdge* findStartEdge() override;
     void visitNodeAfterTraverse(RVNode* node, RVEdge* edge) override;
+
+private:
+    void listComponents();
 };
