@@ -24,7 +24,6 @@
 
 RV_OBJECT_IMPL(RVRatioCutBipartitioningInputData)
 RV_OBJECT_IMPL(RVRatioCutBipartitioningOutputData)
-RV_OBJECT_IMPL(RVRatioCutBipartitioningAlgorithm)
 RV_OBJECT_IMPL(RVRatioCutVariable)
 RV_OBJECT_IMPL(RVRatioCutEdge)
 RV_OBJECT_IMPL(RVRatioCutVariableSort)
@@ -190,6 +189,8 @@ struct RVRatioCutBipartitioningAlgorithm::Arrays {
     std::vector<double> growth;  // of the cut, when a variable joins the first cluster
     PositionSorter sorter;
 };
+
+RV_OBJECT_IMPL(RVRatioCutBipartitioningAlgorithm)  // which destroys them
 
 RVRatioCutBipartitioningAlgorithm::Arrays::Arrays(const std::vector<RVRatioCutVariable>& all)
     : gradient(all.size()),
