@@ -40,6 +40,12 @@ struct Runner {
     Algorithm algorithm;
 };
 
+// The same with an object of a subclass, which runs on the hooks where the class itself works in arrays.
+template <class Algorithm>
+struct Subclass : Algorithm {};
+template <class Run>
+using OnHooks = Runner<Subclass<decltype(Run::algorithm)>, decltype(Run::input), decltype(Run::output)>;
+
 using TopologicalSort =
     Runner<RVTopologicalSortAlgorithm, RVTopologicalSortInputData, RVTopologicalSortOutputData>;
 using BreadthFirst =

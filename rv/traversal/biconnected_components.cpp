@@ -10,14 +10,10 @@
 #include "rv/traversal/biconnected_components.h"
 
 #include <algorithm>
-#include <cstddef>
-#include <cstdint>
-#include <numeric>
 #include <typeinfo>
 #include <vector>
 
-#include "rv/foundation/graph_access.h"
-#include "rv/framework/parallel_edges.h"
+#include "rv/traversal/depth_first_walk.h"
 
 RV_OBJECT_IMPL(RVNodeExtensionBiconnectedComponents)
 RV_OBJECT_IMPL(RVBiconnectedComponentsInternalData)
@@ -110,178 +106,49 @@ void RVBiconnectedComponentsAlgorithm::closeBlock(RVNode* node, RVNode* joint) {
 
 namespace {
 
-// The search in arrays. Nodes are numbered as they stand in the graph.
-class BlockSearch {
+class BlockSearch : public rv::DepthFirstWalk<BlockSearch> {
 public:
-    BlockSearch(const RVGraph* graph, RVBiconnectedComponentsOutputData& output) : m_output(output) {
-        for (RVNode* node : *graph->pNodeList()) m_nodes.push_back(node);
-        readNeighbours(graph);
-    }
+    BlockSearch(const rv::SearchGraph& graph, RVBiconnectedComponentsOutputData& output)
+        : DepthFirstWalk(graph), m_output(output), m_low(graph.size()), m_isArticulationNode(graph.size()) {}
 
-    void run() {
-        for (const Index start : startNodes()) {
-            if (m_states[start].number == 0) search(start);
-        }
-        for (Index node = 0; node < m_nodes.size(); ++node) {
-            if (degree(node) == 0) m_output.addComponent()->appendNode(m_nodes[node]);
-        }
+    void reach(Index node) {
+        m_low[node] = number(node);
+        m_unfinished.push_back(node);
+    }
+    void traverse(Index, const rv::SearchGraph::OutEdge&) {}
+    void meet(Index node, Index target) { m_low[node] = std::min(m_low[node], number(target)); }
+    void complete(Index node) {
+        if (graph().isIsolated(node)) m_output.addComponent()->appendNode(graph().pNode(node));
+        const Index joint = parent(node);
+        if (joint == kNone) return;
+        if (m_low[node] == number(joint)) closeBlock(node, joint);
+        m_low[joint] = std::min(m_low[joint], m_low[node]);
     }
 
 private:
-    using Index = std::uint32_t;
-    static constexpr Index kNone = 0xFFFFFFFF;
-    struct Ends {
-        Index source;
-        Index target;
-    };
-    struct State {
-        Index number = 0;  // 0 until the node is reached
-        Index low = 0;
-        Index parent = kNone;
-        Index next = 0;  // place in m_neighbours
-        bool isArticulationNode = false;
-    };
-
-    Index degree(Index node) const { return m_begins[node + 1] - m_begins[node]; }
-
-    void readNeighbours(const RVGraph* graph);
-    std::vector<Index> startNodes() const;
-    void search(Index start);
-    void reach(Index node, Index parent);
-    void complete(Index node);
     void closeBlock(Index node, Index joint);
 
     RVBiconnectedComponentsOutputData& m_output;
-    std::vector<RVNode*> m_nodes;
-    // The neighbours of node v in the order in which they are tried, from m_begins[v] to m_begins[v + 1].
-    std::vector<Index> m_begins;
-    std::vector<Index> m_neighbours;
-    std::vector<State> m_states;
+    std::vector<Index> m_low;
+    std::vector<bool> m_isArticulationNode;
     std::vector<Index> m_unfinished;  // the top is the last
-    Index m_reached = 0;
-    Index m_joiningRoot = kNone;  // the root of which a block was closed last
+    Index m_joiningRoot = kNone;      // the root of which a block was closed last
 };
 
-// A search tries the last out-edge first. The reverse edges, which stand behind a node's own out-edges, have
-// been added from the last edge to the first, so they are tried in the order of their edges. Of parallel
-// edges, whatever their direction, the first one counts.
-void BlockSearch::readNeighbours(const RVGraph* graph) {
-    std::vector<Index> places(static_cast<std::size_t>(graph->nodeIndexLimit()));
-    for (Index i = 0; i < m_nodes.size(); ++i) places[rv::placeOf(m_nodes[i])] = i;
-    const auto endsOf = [&](const RVEdge* edge) {
-        return Ends{places[rv::placeOf(edge->pSourceNode())], places[rv::placeOf(edge->pTargetNode())]};
-    };
-
-    rv::ParallelEdges parallels(graph, false);
-    std::vector<bool> counts(static_cast<std::size_t>(graph->edgeIndexLimit()), true);
-    std::vector<Ends> edges;
-    for (const RVEdge* edge : *graph->pEdgeList()) {
-        const Ends ends = endsOf(edge);
-        if (ends.source == ends.target) counts[rv::placeOf(edge)] = false;
-        if (!counts[rv::placeOf(edge)]) continue;
-        for (const RVEdge* parallel : parallels.of(edge)) {
-            if (parallel != edge) counts[rv::placeOf(parallel)] = false;
-        }
-        edges.push_back(ends);
-    }
-
-    m_begins.resize(m_nodes.size() + 1);
-    for (const Ends& edge : edges) {
-        ++m_begins[edge.source + 1];
-        ++m_begins[edge.target + 1];
-    }
-    m_states.resize(m_nodes.size());
-    for (Index node = 0; node < m_nodes.size(); ++node) {
-        m_states[node].next = m_begins[node];
-        m_begins[node + 1] += m_begins[node];
-    }
-
-    m_neighbours.resize(2 * edges.size());
-    std::vector<Index> filled(m_begins);
-    for (const Ends& edge : edges) m_neighbours[filled[edge.target]++] = edge.source;
-    if (!rv::GraphAccess::areListsInGraphOrder(graph)) {
-        edges.clear();
-        for (const RVNode* node : m_nodes) {
-            for (const RVEdge* edge : *node->pOutEdgeList()) {
-                if (counts[rv::placeOf(edge)]) edges.push_back(endsOf(edge));
-            }
-        }
-    }
-    for (std::size_t i = edges.size(); i-- > 0;) m_neighbours[filled[edges[i].source]++] = edges[i].target;
-}
-
-// By their number of neighbours, nodes of the same number as in the graph: a counting sort.
-std::vector<BlockSearch::Index> BlockSearch::startNodes() const {
-    std::vector<Index> places(1);  // of the nodes of each degree; those of degree 0 are left out
-    const auto forEachNode = [&](auto f) {
-        for (Index node = 0; node < m_nodes.size(); ++node) {
-            if (degree(node) > 0) f(node);
-        }
-    };
-    forEachNode([&](Index node) {
-        if (degree(node) >= places.size()) places.resize(degree(node) + 1);
-        ++places[degree(node)];
-    });
-    std::exclusive_scan(places.begin(), places.end(), places.begin(), Index{0});
-    std::vector<Index> nodes(m_nodes.size());
-    Index count = 0;
-    forEachNode([&](Index node) {
-        nodes[places[degree(node)]++] = node;
-        ++count;
-    });
-    nodes.resize(count);
-    return nodes;
-}
-
-void BlockSearch::search(Index start) {
-    reach(start, kNone);
-    for (Index node = start; node != kNone;) {
-        State& state = m_states[node];
-        if (state.next == m_begins[node + 1]) {
-            complete(node);
-            node = state.parent;
-            continue;
-        }
-        const Index neighbour = m_neighbours[state.next++];
-        if (m_states[neighbour].number == 0) {
-            reach(neighbour, node);
-            node = neighbour;
-        } else {
-            state.low = std::min(state.low, m_states[neighbour].number);
-        }
-    }
-}
-
-void BlockSearch::reach(Index node, Index parent) {
-    State& state = m_states[node];
-    state.number = state.low = ++m_reached;
-    state.parent = parent;
-    m_unfinished.push_back(node);
-}
-
-void BlockSearch::complete(Index node) {
-    const State& state = m_states[node];
-    if (state.parent == kNone) return;
-    State& joint = m_states[state.parent];
-    if (state.low == joint.number) closeBlock(node, state.parent);
-    joint.low = std::min(joint.low, state.low);
-}
-
-// A root's blocks close one after the other, and only the second one makes it an articulation node.
 void BlockSearch::closeBlock(Index node, Index joint) {
     RVNodeDList* block = m_output.addComponent();
     for (Index top = kNone; top != node;) {
         top = m_unfinished.back();
         m_unfinished.pop_back();
-        block->appendNode(m_nodes[top]);
+        block->appendNode(graph().pNode(top));
     }
-    block->appendNode(m_nodes[joint]);
-    State& state = m_states[joint];
-    const bool joins = state.parent != kNone || m_joiningRoot == joint;
-    if (state.parent == kNone) m_joiningRoot = joint;
-    if (!joins || state.isArticulationNode) return;
-    m_output.pArticulationNodeList()->appendNode(m_nodes[joint]);
-    state.isArticulationNode = true;
+    block->appendNode(graph().pNode(joint));
+    const bool isRoot = parent(joint) == kNone;
+    const bool joins = !isRoot || m_joiningRoot == joint;
+    if (isRoot) m_joiningRoot = joint;
+    if (!joins || m_isArticulationNode[joint]) return;
+    m_output.pArticulationNodeList()->appendNode(graph().pNode(joint));
+    m_isArticulationNode[joint] = true;
 }
 
 }  // namespace
@@ -292,9 +159,8 @@ bool RVBiconnectedComponentsAlgorithm::worksInArrays() const {
 
 RVServiceErrorCodeEnum RVBiconnectedComponentsAlgorithm::algorithmBody() {
     if (!worksInArrays()) return RVDepthFirstSearchAlgorithm::algorithmBody();
-    BlockSearch search(pInternalData()->pInputGraph(),
-                       *RVBiconnectedComponentsOutputData::castDown(pOutputData()));
-    search.run();
+    const auto graph = rv::SearchGraph::undirected(pInternalData()->pInputGraph());
+    BlockSearch(graph, *RVBiconnectedComponentsOutputData::castDown(pOutputData())).searchAll();
     return RV_NO_ERROR;
 }
 

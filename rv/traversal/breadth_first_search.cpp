@@ -1,10 +1,18 @@
 // The traversal engine with a first-in first-out candidate list: a node's out-edges join it when the node is
 // first reached, so every reachable edge is traversed once, also into nodes already numbered.
+//
+// Where no subclass looks on, the same search is made in arrays (BreadthFirstWalk). There the candidates are
+// the out-edges of the nodes that were reached but not expanded.
 
 #include "rv/traversal/breadth_first_search.h"
 
+#include <cstddef>
+#include <typeinfo>
+#include <vector>
+
 #include "rv/foundation/prefetch.h"
 #include "rv/framework/check_input.h"
+#include "rv/traversal/search_graph.h"
 
 RV_OBJECT_IMPL(RVBreadthFirstSearchInputData)
 RV_OBJECT_IMPL(RVBreadthFirstSearchOutputData)
@@ -34,7 +42,7 @@ RVServiceErrorCodeEnum RVBreadthFirstSearchAlgorithm::checkData() {
 }
 
 void RVBreadthFirstSearchAlgorithm::parseInputData() {
-    parseTraversalInput(*RVBreadthFirstSearchInputData::castDown(pInputData()));
+    if (!worksInArrays()) parseTraversalInput(*RVBreadthFirstSearchInputData::castDown(pInputData()));
 }
 
 namespace {
@@ -72,7 +80,67 @@ void RVBreadthFirstSearchAlgorithm::visitNodeAfterTraverse(RVNode* node, RVEdge*
     data->counter(node, visits + 1);
 }
 
+namespace {
+
+class BreadthFirstWalk {
+public:
+    using Index = rv::SearchGraph::Index;
+
+    explicit BreadthFirstWalk(const rv::SearchGraph& graph) : m_graph(graph), m_isReached(graph.size()) {
+        m_reached.reserve(graph.size());
+    }
+
+    void searchAll() {
+        m_graph.forEachStart([this](Index node) { return m_isReached[node]; },
+                             [this](Index node) { searchFrom(node); });
+    }
+    void searchFrom(Index start) {
+        reach(start);
+        for (; m_expanded < m_reached.size(); ++m_expanded) {
+            for (const rv::SearchGraph::OutEdge& edge : m_graph.outEdges(m_reached[m_expanded]))
+                reach(edge.target);
+        }
+    }
+    // In the order in which they were reached.
+    const std::vector<Index>& nodes() const { return m_reached; }
+
+private:
+    void reach(Index node) {
+        if (m_isReached[node]) return;
+        m_isReached[node] = true;
+        m_reached.push_back(node);
+    }
+
+    const rv::SearchGraph& m_graph;
+    std::vector<bool> m_isReached;
+    std::vector<Index> m_reached;
+    std::size_t m_expanded = 0;
+};
+
+}  // namespace
+
+bool RVBreadthFirstSearchAlgorithm::worksInArrays() const {
+    return typeid(*this) == typeid(RVBreadthFirstSearchAlgorithm);
+}
+
+RVServiceErrorCodeEnum RVBreadthFirstSearchAlgorithm::algorithmBody() {
+    if (!worksInArrays()) return RVTraversalAlgorithm::algorithmBody();
+    const auto* input = RVBreadthFirstSearchInputData::castDown(pInputData());
+    auto* output = RVBreadthFirstSearchOutputData::castDown(pOutputData());
+    const auto graph = rv::SearchGraph::of(*input);
+    BreadthFirstWalk walk(graph);
+    const RVNode* start = input->pStartNode();
+    start != nullptr ? walk.searchFrom(graph.indexOf(start)) : walk.searchAll();
+    int number = 0;
+    for (const rv::SearchGraph::Index index : walk.nodes()) {
+        output->pNodeList()->appendNode(graph.pNode(index));
+        output->orderNumber(graph.pNode(index), ++number);
+    }
+    return RV_NO_ERROR;
+}
+
 void RVBreadthFirstSearchAlgorithm::generateOutputData() {
+    if (worksInArrays()) return;  // written as it was found
     const RVTraversalInternalData* data = pTraversalInternalData();
     auto* output = RVBreadthFirstSearchOutputData::castDown(pOutputData());
     output->pAssociatedGraph(data->pInputGraph());

@@ -8,7 +8,7 @@
 //
 // Codes of run: RV_NO_ERROR, RV_NO_INPUT_GRAPH, RV_NO_GRAPH_FACTORY, RV_START_NODE_NOT_IN_GRAPH for a start
 // node that is not in the input's graph, and the framework's.
-// O(n + m) time and space.
+// O(n + m) time and space, in arrays made of the caller's graph; an object of a subclass runs on the hooks.
 //
 //   RVBreadthFirstSearchAlgorithm search;
 //   RVBreadthFirstSearchInputData input(graph);
@@ -60,6 +60,8 @@ public:
     RVServiceErrorCodeEnum checkData() override;
 
 protected:
+    bool worksInArrays() const override;
+    RVServiceErrorCodeEnum algorithmBody() override;
     void generateOutputData() override;
     void parseInputData() override;
     RVEdge* pNextEdge() override;

@@ -1,10 +1,16 @@
 // The traversal engine with the candidate list as a stack: the out-edges of a newly reached node go in front.
 // An edge stays in front while what it leads to is searched, and is taken off when it comes up again; the
 // node whose last edge is taken off is complete.
+//
+// Where no subclass looks on, the same search is made in arrays (KindSearch).
 
 #include "rv/traversal/depth_first_search.h"
 
+#include <typeinfo>
+#include <vector>
+
 #include "rv/framework/check_input.h"
+#include "rv/traversal/depth_first_walk.h"
 
 RV_OBJECT_IMPL(RVNodeExtensionDepthFirstSearch)
 RV_OBJECT_IMPL(RVEdgeExtensionDepthFirstSearch)
@@ -74,7 +80,7 @@ RVServiceErrorCodeEnum RVDepthFirstSearchAlgorithm::checkData() {
 }
 
 void RVDepthFirstSearchAlgorithm::parseInputData() {
-    parseTraversalInput(*RVDepthFirstSearchInputData::castDown(pInputData()));
+    if (!worksInArrays()) parseTraversalInput(*RVDepthFirstSearchInputData::castDown(pInputData()));
 }
 
 RVAlgorithmData* RVDepthFirstSearchAlgorithm::newInternalData() {
@@ -121,7 +127,103 @@ void RVDepthFirstSearchAlgorithm::completeNodeVisit(RVNode* node, RVNode*) {
     data->nextCompletionNumber(data->nextCompletionNumber() + 1);
 }
 
+namespace {
+
+struct Visit {
+    int order;
+    int completion;
+};
+
+RVAnalysisEdgeTypeEnum typeOf(bool isParent, Visit source, Visit target, bool isUndirected) {
+    if (isParent) return RVTreeEdge;
+    if (source.order >= target.order) return source.completion < target.completion ? RVBackEdge : RVCrossEdge;
+    return isUndirected ? RVBackEdge : RVForwardEdge;
+}
+
+RVAnalysisEdgeTypeEnum typeOfParallel(RVAnalysisEdgeTypeEnum representativeType, bool pointsForward,
+                                      bool isUndirected) {
+    if (representativeType == RVCrossEdge) return RVCrossEdge;
+    return !isUndirected && pointsForward ? RVForwardEdge : RVBackEdge;
+}
+
+// A reverse edge never spoils the tree edge for which it was made.
+void writeType(RVDepthFirstSearchOutputData& output, RVEdge* original, RVAnalysisEdgeTypeEnum type) {
+    if (output.edgeType(original) != RVTreeEdge) output.edgeType(original, type);
+}
+
+class KindSearch : public rv::DepthFirstWalk<KindSearch> {
+public:
+    explicit KindSearch(const rv::SearchGraph& graph) : DepthFirstWalk(graph), m_completions(graph.size()) {}
+
+    void reach(Index node) { m_reached.push_back(node); }
+    void traverse(Index node, const rv::SearchGraph::OutEdge& edge) {
+        m_traversed.push_back({node, edge.target, edge.edge});
+    }
+    void meet(Index, Index) {}
+    void complete(Index node) { m_completions[node] = ++m_completed; }
+
+    void describe(const RVDepthFirstSearchInputData& input, RVDepthFirstSearchOutputData& output) const;
+
+private:
+    struct Edge {
+        Index source;
+        Index target;
+        Index edge;
+    };
+
+    Visit visit(Index node) const { return {static_cast<int>(number(node)), m_completions[node]}; }
+
+    std::vector<Index> m_reached;
+    std::vector<Edge> m_traversed;
+    std::vector<int> m_completions;
+    int m_completed = 0;
+};
+
+void KindSearch::describe(const RVDepthFirstSearchInputData& input,
+                          RVDepthFirstSearchOutputData& output) const {
+    for (const Index index : m_reached) {
+        RVNode* node = graph().pNode(index);
+        output.pNodeList()->appendNode(node);
+        output.orderNumber(node, visit(index).order);
+        output.completionNumber(node, visit(index).completion);
+        output.pParentNode(node, parent(index) == kNone ? nullptr : graph().pNode(parent(index)));
+        graph().forEachLoop(index, [&](RVEdge* loop) { output.edgeType(loop, RVBackEdge); });
+    }
+    const auto isUndirected = [&](RVEdge* edge) {
+        return input.undirected() != 0 || input.undirected(edge) != 0;
+    };
+    for (const Edge& traversed : m_traversed) {
+        RVEdge* edge = graph().pEdge(traversed.edge);
+        const RVAnalysisEdgeTypeEnum type =
+            typeOf(parent(traversed.target) == traversed.source, visit(traversed.source),
+                   visit(traversed.target), isUndirected(edge));
+        writeType(output, edge, type);
+        const bool pointsForward = number(traversed.source) < number(traversed.target);
+        graph().forEachParallel(traversed.edge, [&](RVEdge* parallel) {
+            writeType(output, parallel, typeOfParallel(type, pointsForward, isUndirected(parallel)));
+        });
+    }
+}
+
+}  // namespace
+
+bool RVDepthFirstSearchAlgorithm::worksInArrays() const {
+    return typeid(*this) == typeid(RVDepthFirstSearchAlgorithm);
+}
+
+RVServiceErrorCodeEnum RVDepthFirstSearchAlgorithm::algorithmBody() {
+    if (!worksInArrays()) return RVTraversalAlgorithm::algorithmBody();
+    const auto* input = RVDepthFirstSearchInputData::castDown(pInputData());
+    const auto graph = rv::SearchGraph::of(*input);
+    KindSearch search(graph);
+    const RVNode* start = input->pStartNode();
+    start != nullptr ? search.searchFrom(graph.indexOf(start)) : search.searchAll();
+    search.describe(*input, *RVDepthFirstSearchOutputData::castDown(pOutputData()));
+    return RV_NO_ERROR;
+}
+
 void RVDepthFirstSearchAlgorithm::generateOutputData() {
+    if (worksInArrays()) return;  // written already
     RVDepthFirstSearchInternalData* data = pDepthFirstSearchInternalData();
     auto* output = RVDepthFirstSearchOutputData::castDown(pOutputData());
     output->pAssociatedGraph(data->pInputGraph());
@@ -136,35 +238,29 @@ void RVDepthFirstSearchAlgorithm::generateOutputData() {
     }
     for (RVEdge* edge : *data->pTraversedEdgeList()) {
         const RVAnalysisEdgeTypeEnum type = typeOf(edge);
-        writeType(edge, type);
-        for (RVEdge* parallel : data->multiEdges(edge)) writeType(parallel, typeOfParallel(parallel, type));
+        writeType(*output, data->pOriginalEdge(edge), type);
+        for (RVEdge* parallel : data->multiEdges(edge)) {
+            writeType(*output, data->pOriginalEdge(parallel), typeOfParallel(parallel, type));
+        }
     }
 }
 
 RVAnalysisEdgeTypeEnum RVDepthFirstSearchAlgorithm::typeOf(RVEdge* edge) const {
     const RVDepthFirstSearchInternalData* data = pDepthFirstSearchInternalData();
+    const auto visit = [data](RVNode* node) {
+        return Visit{data->orderNumber(node), data->completionNumber(node)};
+    };
     RVNode* source = edge->pSourceNode();
     RVNode* target = edge->pTargetNode();
-    if (data->pParentNode(target) == source) return RVTreeEdge;
-    if (data->orderNumber(source) >= data->orderNumber(target)) {
-        return data->completionNumber(source) < data->completionNumber(target) ? RVBackEdge : RVCrossEdge;
-    }
-    return directed() == 0 || data->directed(edge) == 0 ? RVBackEdge : RVForwardEdge;
+    return ::typeOf(data->pParentNode(target) == source, visit(source), visit(target),
+                    directed() == 0 || data->directed(edge) == 0);
 }
 
 RVAnalysisEdgeTypeEnum RVDepthFirstSearchAlgorithm::typeOfParallel(
     RVEdge* parallel, RVAnalysisEdgeTypeEnum representativeType) const {
     const RVDepthFirstSearchInternalData* data = pDepthFirstSearchInternalData();
-    if (representativeType == RVCrossEdge) return RVCrossEdge;
-    if (directed() == 0 || data->directed(parallel) == 0) return RVBackEdge;
-    return data->orderNumber(parallel->pSourceNode()) < data->orderNumber(parallel->pTargetNode())
-               ? RVForwardEdge
-               : RVBackEdge;
-}
-
-// A reverse edge never spoils the tree edge for which it was made.
-void RVDepthFirstSearchAlgorithm::writeType(RVEdge* edge, RVAnalysisEdgeTypeEnum type) {
-    auto* output = RVDepthFirstSearchOutputData::castDown(pOutputData());
-    RVEdge* original = pInternalData()->pOriginalEdge(edge);
-    if (output->edgeType(original) != RVTreeEdge) output->edgeType(original, type);
+    return ::typeOfParallel(
+        representativeType,
+        data->orderNumber(parallel->pSourceNode()) < data->orderNumber(parallel->pTargetNode()),
+        directed() == 0 || data->directed(parallel) == 0);
 }

@@ -12,7 +12,8 @@
 //
 // Codes of run: RV_NO_ERROR, RV_NO_INPUT_GRAPH, RV_NO_GRAPH_FACTORY, RV_START_NODE_NOT_IN_GRAPH for a start
 // node that is not in the input's graph, and the framework's.
-// Method: Tarjan 1972, without recursion. O(n + m) time and space.
+// Method: Tarjan 1972, without recursion, in arrays made of the caller's graph; an object of a subclass runs
+// on the hooks. O(n + m) time and space.
 //
 //   RVDepthFirstSearchAlgorithm search;
 //   RVDepthFirstSearchInputData input(graph);
@@ -144,6 +145,8 @@ public:
     RVServiceErrorCodeEnum checkData() override;
 
 protected:
+    bool worksInArrays() const override;
+    RVServiceErrorCodeEnum algorithmBody() override;
     void generateOutputData() override;
     void parseInputData() override;
     RVAlgorithmData* newInternalData() override;
@@ -161,5 +164,4 @@ protected:
 private:
     RVAnalysisEdgeTypeEnum typeOf(RVEdge* edge) const;
     RVAnalysisEdgeTypeEnum typeOfParallel(RVEdge* parallel, RVAnalysisEdgeTypeEnum representativeType) const;
-    void writeType(RVEdge* edge, RVAnalysisEdgeTypeEnum type);
 };

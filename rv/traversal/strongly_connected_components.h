@@ -6,7 +6,8 @@
 // in that order, each node's out-edges followed by its self-loops; parallel edges follow the first of them.
 //
 // Codes of run: RV_NO_ERROR, RV_NO_INPUT_GRAPH, RV_NO_GRAPH_FACTORY, and the framework's.
-// Method: Gabow 2000, without recursion. O(n + m) time and space.
+// Method: Gabow 2000, without recursion, in arrays made of the caller's graph; in an object of a subclass on
+// the hooks of the depth-first search. O(n + m) time and space.
 //
 //   RVStronglyConnectedComponentsAlgorithm components;
 //   RVStronglyConnectedComponentsInputData input(graph);
@@ -124,6 +125,8 @@ public:
     int directed() const override;
 
 protected:
+    bool worksInArrays() const override;
+    RVServiceErrorCodeEnum algorithmBody() override;
     void generateOutputData() override;
     void parseInputData() override;
     RVAlgorithmData* newInternalData() override;

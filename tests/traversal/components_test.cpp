@@ -42,7 +42,7 @@ void expectNumbers(const Output& output, const RVGraph* graph) {
 }
 
 // What they answer, as text; each on one object for all graphs.
-template <class ConnectedRun, class BlocksRun>
+template <class ConnectedRun, class BlocksRun, class StrongRun>
 struct ComponentsOf {
     std::string connectedOf(RVGraph* graph) {
         EXPECT_EQ(connected(graph), RV_NO_ERROR);
@@ -62,18 +62,11 @@ struct ComponentsOf {
     }
     ConnectedRun connected;
     BlocksRun blocks;
-    Strong strong;
+    StrongRun strong;
 };
-using AllComponents = ComponentsOf<Connected, Blocks>;
+using AllComponents = ComponentsOf<Connected, Blocks, Strong>;
 
-// Objects of subclasses run on the hooks of the searches.
-template <class Algorithm>
-struct Hooked : Algorithm {};
-using HookedComponents =
-    ComponentsOf<Runner<Hooked<RVConnectedComponentsAlgorithm>, RVConnectedComponentsInputData,
-                        RVConnectedComponentsOutputData>,
-                 Runner<Hooked<RVBiconnectedComponentsAlgorithm>, RVBiconnectedComponentsInputData,
-                        RVBiconnectedComponentsOutputData>>;
+using HookedComponents = ComponentsOf<OnHooks<Connected>, OnHooks<Blocks>, OnHooks<Strong>>;
 
 TEST(Components, ComeInTheStatedOrders) {
     const struct {
@@ -235,13 +228,11 @@ TEST(Components, AgreeWithSlowWays) {
         const std::string tokens = randomText(seed, {.nodes = 6, .edges = seed % 3 == 0 ? 16 : 9});
         SCOPED_TRACE("seed " + std::to_string(seed) + ": " + tokens);
         const MarkedGraph g(tokens, seed);
-        // Its place in the lists of its new ends is the last, in the edge list it stays.
-        if (seed % 2 == 0 && g->numberOfEdges() > 0) g->pEdgeList()->pFirstEdge()->invertDirection();
         EXPECT_EQ(all.connectedOf(g), connectedByRule(g));
         EXPECT_EQ(hooked.connectedOf(g), connectedByRule(g));
         EXPECT_EQ(all.blocksOf(g), hooked.blocksOf(g));
         expectBlocks(all.blocks.output, g);
-        all.strongOf(g);
+        EXPECT_EQ(all.strongOf(g), hooked.strongOf(g));
         expectStrong(all.strong.output, g);
     }
 }

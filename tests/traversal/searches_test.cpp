@@ -239,6 +239,8 @@ private:
 TEST(Searches, FollowTheRules) {
     BreadthFirst breadth;
     DepthFirst depth;
+    OnHooks<BreadthFirst> hookedBreadth;
+    OnHooks<DepthFirst> hookedDepth;
     for (unsigned seed = 0; seed < 300 && !HasFailure(); ++seed) {
         const std::string tokens = randomText(seed, {.nodes = 8, .edges = 14, .undirected = 25});
         const MarkedGraph g(tokens, seed);
@@ -248,8 +250,14 @@ TEST(Searches, FollowTheRules) {
             const int undirected = way % 2 == 0 ? 0 : 2;  // any nonzero flag
             ASSERT_EQ(runOn(breadth, g, start, nullptr, undirected), RV_NO_ERROR);
             ASSERT_EQ(runOn(depth, g, start, nullptr, undirected), RV_NO_ERROR);
-            EXPECT_EQ(order(breadth.output, g), Model(g, undirected).breadthFirst(start));
-            EXPECT_EQ(answer(depth.output, g), Model(g, undirected).depthFirst(start));
+            ASSERT_EQ(runOn(hookedBreadth, g, start, nullptr, undirected), RV_NO_ERROR);
+            ASSERT_EQ(runOn(hookedDepth, g, start, nullptr, undirected), RV_NO_ERROR);
+            const std::string breadthFirst = Model(g, undirected).breadthFirst(start);
+            const std::string depthFirst = Model(g, undirected).depthFirst(start);
+            EXPECT_EQ(order(breadth.output, g), breadthFirst);
+            EXPECT_EQ(order(hookedBreadth.output, g), breadthFirst);
+            EXPECT_EQ(answer(depth.output, g), depthFirst);
+            EXPECT_EQ(answer(hookedDepth.output, g), depthFirst);
         }
     }
 }
