@@ -13,7 +13,8 @@
 //
 // useOriginalGraph(1) makes no copy: the caller's graph itself is normalised, and afterwards holds the same
 // objects with the same ends in the same orders again, also when a hook throws or memory runs out: restoring
-// allocates nothing. The caller's graph is never changed otherwise.
+// allocates nothing. The caller's graph is never changed otherwise. Some classes need neither, as long as
+// they are not subclassed (worksInArrays).
 //
 // O(n + m) time and space beside the algorithm.
 #pragma once
