@@ -11,7 +11,7 @@
 //   boost_vecS    the same with vectors
 //   lemon         the algorithm with its results in maps, without a copy
 // All cover the whole graph. The row of a size can be compared with the one before for the growth.
-// Phases/.../n gives the share of each step of a breadth-first run, in ns per edge.
+// Phases/.../n gives the share of each step of a breadth-first run on hooks, in ns per edge.
 
 #include <benchmark/benchmark.h>
 

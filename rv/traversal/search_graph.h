@@ -113,7 +113,8 @@ private:
     std::vector<Index> m_begins;  // of each node's part of m_outEdges
     std::vector<OutEdge> m_outEdges;
     std::vector<Index> m_inDegrees;
-    std::vector<Index> m_sources;  // of the edges that stay, in graph order, but for those of a reversed copy
+    std::vector<Index>
+        m_sources;  // of the edges in graph order, without the reverse ones of an undirected search
     Chains m_parallels;
     Chains m_loops;
 };
