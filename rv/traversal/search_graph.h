@@ -113,8 +113,7 @@ private:
     std::vector<Index> m_begins;  // of each node's part of m_outEdges
     std::vector<OutEdge> m_outEdges;
     std::vector<Index> m_inDegrees;
-    std::vector<Index>
-        m_sources;  // of the edges in graph order, without the reverse ones of an undirected search
+    std::vector<Index> m_sources;  // of the edges in graph order, in an undirected search one way only
     Chains m_parallels;
     Chains m_loops;
 };
