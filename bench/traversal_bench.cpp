@@ -5,11 +5,11 @@
 //   traversal_bench --large --benchmark_filter=...        10^6 nodes too
 //
 // Rows are named algorithm/family/library/n and report the fastest processor time per edge (ns_per_edge).
-//   rv            the whole run: copy of the graph, normalisation, search, output, restoring
-//   rv_original   the same on the caller's graph, without the copy
-//   boost_listS   copy_graph of a graph of lists, the algorithm, its results in arrays
-//   boost_vecS    the same with vectors
-//   lemon         the algorithm with its results in maps, without a copy
+//   rv                  the whole run: arrays made of the graph, search, output
+//   rv_hooks            the same of a subclass: copy of the graph, normalisation, search by hooks, output,
+//   restoring rv_hooks_original   likewise, on the caller's graph, without the copy boost_listS copy_graph of
+//   a graph of lists, the algorithm, its results in arrays boost_vecS          the same with vectors lemon
+//   the algorithm with its results in maps, without a copy
 // All cover the whole graph. The row of a size can be compared with the one before for the growth.
 // Phases/.../n gives the share of each step of a breadth-first run on hooks, in ns per edge.
 
@@ -49,10 +49,15 @@ constexpr const char* kPerEdge = "ns_per_edge";
 
 // This library
 
-template <class Algorithm, class Input, class Output>
+template <class Algorithm>
+struct Subclass : Algorithm {};
+
+template <class Class, class Input, class Output>
 struct Family {
+    using OnHooks = Family<Subclass<Class>, Input, Output>;
+
     static void run(RVGraph* graph, int useOriginalGraph) {
-        Algorithm algorithm;
+        Class algorithm;
         Input input(graph);
         Output output;
         algorithm.useOriginalGraph(useOriginalGraph);
@@ -234,7 +239,9 @@ void addRows(const char* algorithm, const NamedFamily& family, int n, [[maybe_un
     const std::string name = std::string(algorithm) + "/" + family.name + "/";
     const auto make = family.make;
     bench::add(name + "rv", n, [=](benchmark::State& s) { runRv<F>(s, make(n), 0); });
-    bench::add(name + "rv_original", n, [=](benchmark::State& s) { runRv<F>(s, make(n), 1); });
+    using OnHooks = typename F::OnHooks;
+    bench::add(name + "rv_hooks", n, [=](benchmark::State& s) { runRv<OnHooks>(s, make(n), 0); });
+    bench::add(name + "rv_hooks_original", n, [=](benchmark::State& s) { runRv<OnHooks>(s, make(n), 1); });
 #ifdef RV_BENCH_BOOST
     if (!withPeers) return;
     bench::add(name + "boost_listS", n,

@@ -289,7 +289,6 @@ RVServiceErrorCodeEnum RVDisconnectedClusteringAlgorithm::algorithmBody() {
     RVConnectedComponentsInputData input(pAssociatedGraph());
     RVConnectedComponentsOutputData output;
     RVConnectedComponentsAlgorithm components;
-    components.useOriginalGraph(1);
     const RVServiceErrorCodeEnum code = rv::runPart(components, input, output);
     if (code != RV_NO_ERROR) return code;
     return output.pComponentList()->length() < 2 ? clusterWhole()

@@ -158,7 +158,6 @@ void RVCycleBreakingEdgeDetectionAlgorithm::findComponents(EdgeLists& components
     RVStronglyConnectedComponentsInputData input(pAssociatedGraph());
     RVStronglyConnectedComponentsOutputData output;
     RVStronglyConnectedComponentsAlgorithm algorithm;
-    algorithm.useOriginalGraph(1);
     rv::noteFailure(*pData(), rv::runPart(algorithm, input, output), debugMode(),
                     L"Error in SCC alg. Return code = %d\n");
     output.buildEdgeComponentList(*components.get());

@@ -19,7 +19,6 @@
 
 #include <algorithm>
 #include <memory>
-#include <typeinfo>
 
 #include "rv/flow/cost_network.h"
 #include "rv/foundation/arithmetic.h"
@@ -169,7 +168,7 @@ void RVMinimumCostFlowAlgorithm::cleanup() {
 
 // The flow core would fail on graphs without a factory.
 bool RVMinimumCostFlowAlgorithm::canUseNetwork() const {
-    if (typeid(*this) != typeid(RVMinimumCostFlowAlgorithm)) return false;
+    if (!isExactly<RVMinimumCostFlowAlgorithm>()) return false;
     return rv::newGraphLike(pInputData()->pAssociatedGraph())->pFactory() != nullptr;
 }
 

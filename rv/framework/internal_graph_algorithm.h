@@ -13,14 +13,17 @@
 //
 // useOriginalGraph(1) makes no copy: the caller's graph itself is normalised, and afterwards holds the same
 // objects with the same ends in the same orders again, also when a hook throws or memory runs out: restoring
-// allocates nothing. The caller's graph is never changed otherwise. Some classes need neither, as long as
-// they are not subclassed (worksInArrays).
+// allocates nothing. The caller's graph is never changed otherwise.
+//
+// Some classes find their answer in arrays of their own (worksInArrays). They make no copy and normalise
+// nothing, whatever useOriginalGraph says; their subclasses do both.
 //
 // O(n + m) time and space beside the algorithm.
 #pragma once
 
 #include <memory>
 #include <span>
+#include <typeinfo>
 #include <vector>
 
 #include "rv/framework/algorithm.h"
@@ -43,7 +46,7 @@ public:
     // RV_NO_GRAPH_FACTORY when that graph has no factory. Subclasses call this first.
     RVServiceErrorCodeEnum checkData() override;
 
-    // Nonzero: work on the caller's graph itself. Default 0.
+    // Nonzero: work on the caller's graph itself. Default 0. No matter to a class that works in arrays.
     int useOriginalGraph() const { return m_useOriginalGraph; }
     int useOriginalGraph(int flag) { return m_useOriginalGraph = flag; }
 
@@ -125,8 +128,15 @@ protected:
     // override of that has thrown before it called its base. Here nothing.
     virtual void clearInputGraph() {}
     // Whether this run finds its answer in arrays made of the caller's graph, which a class may do where no
-    // subclass can see the difference. Such a run makes no copy and normalises nothing. Here never.
+    // subclass can see the difference. Asked all through a run, which must get the same answer from
+    // initialize on. A class that overrides this has the other steps of its runs do without a working graph.
+    // Here never.
     virtual bool worksInArrays() const { return false; }
+    // Whether the object is one of the class itself.
+    template <class Algorithm>
+    bool isExactly() const {
+        return typeid(*this) == typeid(Algorithm);
+    }
 
 private:
     RVServiceErrorCodeEnum runToItsEnd();

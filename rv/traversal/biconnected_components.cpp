@@ -10,7 +10,6 @@
 #include "rv/traversal/biconnected_components.h"
 
 #include <algorithm>
-#include <typeinfo>
 #include <vector>
 
 #include "rv/traversal/depth_first_walk.h"
@@ -154,18 +153,20 @@ void BlockSearch::closeBlock(Index node, Index joint) {
 }  // namespace
 
 bool RVBiconnectedComponentsAlgorithm::worksInArrays() const {
-    return typeid(*this) == typeid(RVBiconnectedComponentsAlgorithm);
+    return isExactly<RVBiconnectedComponentsAlgorithm>();
 }
 
 RVServiceErrorCodeEnum RVBiconnectedComponentsAlgorithm::algorithmBody() {
     if (!worksInArrays()) return RVDepthFirstSearchAlgorithm::algorithmBody();
+    auto* output = RVBiconnectedComponentsOutputData::castDown(pOutputData());
+    output->pAssociatedGraph(pInternalData()->pInputGraph());
     const auto graph = rv::SearchGraph::undirected(pInternalData()->pInputGraph());
-    BlockSearch(graph, *RVBiconnectedComponentsOutputData::castDown(pOutputData())).searchAll();
+    BlockSearch(graph, *output).searchAll();
     return RV_NO_ERROR;
 }
 
 void RVBiconnectedComponentsAlgorithm::generateOutputData() {
-    if (worksInArrays()) return;  // listed as they were found
+    if (worksInArrays()) return;  // algorithmBody has listed them
     const RVBiconnectedComponentsInternalData* data = pData();
     auto* output = RVBiconnectedComponentsOutputData::castDown(pOutputData());
     output->pAssociatedGraph(data->pInputGraph());

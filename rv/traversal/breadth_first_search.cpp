@@ -7,7 +7,6 @@
 #include "rv/traversal/breadth_first_search.h"
 
 #include <cstddef>
-#include <typeinfo>
 #include <vector>
 
 #include "rv/foundation/prefetch.h"
@@ -91,7 +90,7 @@ public:
     }
 
     void searchAll() {
-        m_graph.forEachStart([this](Index node) { return m_isReached[node]; },
+        m_graph.forEachStart([this](Index node) -> bool { return m_isReached[node]; },
                              [this](Index node) { searchFrom(node); });
     }
     void searchFrom(Index start) {
@@ -120,13 +119,14 @@ private:
 }  // namespace
 
 bool RVBreadthFirstSearchAlgorithm::worksInArrays() const {
-    return typeid(*this) == typeid(RVBreadthFirstSearchAlgorithm);
+    return isExactly<RVBreadthFirstSearchAlgorithm>();
 }
 
 RVServiceErrorCodeEnum RVBreadthFirstSearchAlgorithm::algorithmBody() {
     if (!worksInArrays()) return RVTraversalAlgorithm::algorithmBody();
     const auto* input = RVBreadthFirstSearchInputData::castDown(pInputData());
     auto* output = RVBreadthFirstSearchOutputData::castDown(pOutputData());
+    output->pAssociatedGraph(input->pAssociatedGraph());
     const auto graph = rv::SearchGraph::of(*input);
     BreadthFirstWalk walk(graph);
     const RVNode* start = input->pStartNode();
@@ -140,7 +140,7 @@ RVServiceErrorCodeEnum RVBreadthFirstSearchAlgorithm::algorithmBody() {
 }
 
 void RVBreadthFirstSearchAlgorithm::generateOutputData() {
-    if (worksInArrays()) return;  // written as it was found
+    if (worksInArrays()) return;  // algorithmBody has written it
     const RVTraversalInternalData* data = pTraversalInternalData();
     auto* output = RVBreadthFirstSearchOutputData::castDown(pOutputData());
     output->pAssociatedGraph(data->pInputGraph());

@@ -2,8 +2,9 @@
 // node or over the whole graph.
 //
 // Any graph; loops and parallel edges play no part. Edges are followed forward, undirected ones both ways. A
-// node's out-edges are followed in out-edge order. Without a start node the search starts at the first node
-// of smallest in-degree, starts again where it must, and visits isolated nodes last; with one, nodes that it
+// node's out-edges are followed in out-edge order. Without a start node the search starts, as long as
+// nodes are left, at the first one of smallest in-degree; when that has no out-edges, it goes on from the
+// source of the first edge that was not followed; isolated nodes are visited last. With one, nodes that it
 // does not reach keep number 0.
 //
 // Codes of run: RV_NO_ERROR, RV_NO_INPUT_GRAPH, RV_NO_GRAPH_FACTORY, RV_START_NODE_NOT_IN_GRAPH for a start

@@ -10,7 +10,6 @@
 #include "rv/traversal/connected_components.h"
 
 #include <cstddef>
-#include <typeinfo>
 #include <utility>
 #include <vector>
 
@@ -58,7 +57,7 @@ void RVConnectedComponentsAlgorithm::visitNodeAfterTraverse(RVNode* node, RVEdge
 }
 
 bool RVConnectedComponentsAlgorithm::worksInArrays() const {
-    return typeid(*this) == typeid(RVConnectedComponentsAlgorithm);
+    return isExactly<RVConnectedComponentsAlgorithm>();
 }
 
 RVServiceErrorCodeEnum RVConnectedComponentsAlgorithm::algorithmBody() {
@@ -103,8 +102,9 @@ private:
 }  // namespace
 
 void RVConnectedComponentsAlgorithm::listComponents() {
-    const RVGraph* graph = pInternalData()->pInputGraph();
+    RVGraph* graph = pInternalData()->pInputGraph();
     auto* output = RVConnectedComponentsOutputData::castDown(pOutputData());
+    output->pAssociatedGraph(graph);
 
     DisjointSets sets(graph->nodeIndexLimit());
     std::vector<int> joined;  // a node of each edge that joined two sets
@@ -134,7 +134,7 @@ void RVConnectedComponentsAlgorithm::listComponents() {
 }
 
 void RVConnectedComponentsAlgorithm::generateOutputData() {
-    if (worksInArrays()) return;  // listed as they were found
+    if (worksInArrays()) return;  // algorithmBody has listed them
     const RVTraversalInternalData* data = pTraversalInternalData();
     auto* output = RVConnectedComponentsOutputData::castDown(pOutputData());
     output->pAssociatedGraph(data->pInputGraph());

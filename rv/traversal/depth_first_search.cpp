@@ -6,7 +6,6 @@
 
 #include "rv/traversal/depth_first_search.h"
 
-#include <typeinfo>
 #include <vector>
 
 #include "rv/framework/check_input.h"
@@ -155,7 +154,7 @@ class KindSearch : public rv::DepthFirstWalk<KindSearch> {
 public:
     explicit KindSearch(const rv::SearchGraph& graph) : DepthFirstWalk(graph), m_completions(graph.size()) {}
 
-    void reach(Index node) { m_reached.push_back(node); }
+    void reach(Index node) { m_order.push_back(node); }
     void traverse(Index node, const rv::SearchGraph::OutEdge& edge) {
         m_traversed.push_back({node, edge.target, edge.edge});
     }
@@ -173,7 +172,7 @@ private:
 
     Visit visit(Index node) const { return {static_cast<int>(number(node)), m_completions[node]}; }
 
-    std::vector<Index> m_reached;
+    std::vector<Index> m_order;
     std::vector<Edge> m_traversed;
     std::vector<int> m_completions;
     int m_completed = 0;
@@ -181,7 +180,8 @@ private:
 
 void KindSearch::describe(const RVDepthFirstSearchInputData& input,
                           RVDepthFirstSearchOutputData& output) const {
-    for (const Index index : m_reached) {
+    output.pAssociatedGraph(input.pAssociatedGraph());
+    for (const Index index : m_order) {
         RVNode* node = graph().pNode(index);
         output.pNodeList()->appendNode(node);
         output.orderNumber(node, visit(index).order);
@@ -207,9 +207,7 @@ void KindSearch::describe(const RVDepthFirstSearchInputData& input,
 
 }  // namespace
 
-bool RVDepthFirstSearchAlgorithm::worksInArrays() const {
-    return typeid(*this) == typeid(RVDepthFirstSearchAlgorithm);
-}
+bool RVDepthFirstSearchAlgorithm::worksInArrays() const { return isExactly<RVDepthFirstSearchAlgorithm>(); }
 
 RVServiceErrorCodeEnum RVDepthFirstSearchAlgorithm::algorithmBody() {
     if (!worksInArrays()) return RVTraversalAlgorithm::algorithmBody();
@@ -223,7 +221,7 @@ RVServiceErrorCodeEnum RVDepthFirstSearchAlgorithm::algorithmBody() {
 }
 
 void RVDepthFirstSearchAlgorithm::generateOutputData() {
-    if (worksInArrays()) return;  // written already
+    if (worksInArrays()) return;  // algorithmBody has written it
     RVDepthFirstSearchInternalData* data = pDepthFirstSearchInternalData();
     auto* output = RVDepthFirstSearchOutputData::castDown(pOutputData());
     output->pAssociatedGraph(data->pInputGraph());

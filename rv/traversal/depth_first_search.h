@@ -2,8 +2,8 @@
 // edge, from a start node or over the whole graph.
 //
 // Any graph. Edges are followed forward, undirected ones both ways; a node's last out-edge is followed first.
-// Of parallel edges one, the first in graph order, is followed. Without a start node the search starts at the
-// first node of smallest in-degree, starts again where it must, and visits isolated nodes last.
+// Of parallel edges one, the first in graph order, is followed. Without a start node the search starts where
+// a breadth-first search does.
 //
 // Kinds: a tree edge led to the discovery of its target; a back edge leads to an ancestor or is a loop; a
 // forward edge leads to a descendant; a cross edge to none of these. In an undirected search, and for an

@@ -19,12 +19,11 @@ public:
     using Index = SearchGraph::Index;
     static constexpr Index kNone = SearchGraph::kNone;
 
-    explicit DepthFirstWalk(const SearchGraph& graph) : m_graph(graph), m_states(graph.size()) {}
-
     void searchAll() {
         m_graph.forEachStart([this](Index node) { return number(node) != 0; },
                              [this](Index node) { searchFrom(node); });
     }
+    // REQUIRES: the node has no number.
     void searchFrom(Index start) {
         reachFrom(kNone, start);
         for (Index node = start; node != kNone;) {
@@ -48,8 +47,12 @@ public:
     const SearchGraph& graph() const { return m_graph; }
     // From 1; 0 until the node is reached.
     Index number(Index node) const { return m_states[node].number; }
-    // None for a start node.
+    // None for a start node, and before the node is reached.
     Index parent(Index node) const { return m_states[node].parent; }
+
+protected:
+    explicit DepthFirstWalk(const SearchGraph& graph) : m_graph(graph), m_states(graph.size()) {}
+    ~DepthFirstWalk() = default;
 
 private:
     struct State {

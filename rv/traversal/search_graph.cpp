@@ -18,17 +18,17 @@ void SearchGraph::Chains::add(Index owner, RVEdge* edge) {
 SearchGraph SearchGraph::of(const RVTraversalInputData& input) {
     const RVGraph* graph = input.pAssociatedGraph();
     if (input.undirected() != 0) return undirected(graph);
-    std::vector<RVEdge*> undirectedEdges;
+    std::vector<RVEdge*> twoWayEdges;
     for (RVEdge* edge : *graph->pEdgeList()) {
-        if (input.undirected(edge) != 0) undirectedEdges.push_back(edge);
+        if (input.undirected(edge) != 0) twoWayEdges.push_back(edge);
     }
-    return {graph, true, undirectedEdges};
+    return {graph, true, twoWayEdges};
 }
 
 // A node's out-edges are those of the caller, in the caller's order, and then the reverse ones in the order
 // in which they would be added: for single undirected edges the order of the edges, in an undirected search
 // its reverse.
-SearchGraph::SearchGraph(const RVGraph* graph, bool directed, const std::vector<RVEdge*>& undirectedEdges)
+SearchGraph::SearchGraph(const RVGraph* graph, bool directed, const std::vector<RVEdge*>& twoWayEdges)
     : m_places(static_cast<std::size_t>(graph->nodeIndexLimit())) {
     m_nodes.reserve(static_cast<std::size_t>(graph->numberOfNodes()));
     for (RVNode* node : *graph->pNodeList()) {
@@ -37,7 +37,7 @@ SearchGraph::SearchGraph(const RVGraph* graph, bool directed, const std::vector<
     }
 
     std::vector<Ends> ends;  // by number of the edge
-    const std::size_t most = static_cast<std::size_t>(graph->numberOfEdges()) + undirectedEdges.size();
+    const std::size_t most = static_cast<std::size_t>(graph->numberOfEdges()) + twoWayEdges.size();
     ends.reserve(most);
     m_edges.reserve(most);
     const auto add = [&](RVEdge* edge, const Ends& itsEnds) {
@@ -49,7 +49,7 @@ SearchGraph::SearchGraph(const RVGraph* graph, bool directed, const std::vector<
         its.source == its.target ? m_loops.add(its.source, edge) : add(edge, its);
     }
     const std::size_t owned = m_edges.size();
-    for (RVEdge* edge : undirectedEdges) {
+    for (RVEdge* edge : twoWayEdges) {
         const Ends its = endsOf(edge);
         if (its.source != its.target) add(edge, {its.target, its.source});
     }

@@ -2,7 +2,7 @@
 //
 // It stands for the working copy of a run into which no subclass can look: the same nodes and edges in the
 // same orders, after reverse edges have come in and self-loops and parallel edges have gone. Nodes are
-// numbered from 0 as they stand in the caller's graph, edges as they would stand in the working copy.
+// numbered from 0 as they stand in the caller's graph, edges likewise, reverse ones behind them.
 #pragma once
 
 #include <cstddef>
@@ -42,8 +42,8 @@ public:
     }
     bool isIsolated(Index node) const { return m_inDegrees[node] == 0 && outEdges(node).empty(); }
 
-    // Calls f with the caller's edges for which an edge stands beside its own, in the order of its source's
-    // lists, and with the self-loops of a node, in graph order.
+    // Calls f with the caller's edges that were left out as parallel to an edge, in a directed search in the
+    // order of its source's out-list; and with the self-loops of a node, in graph order.
     template <class F>
     void forEachParallel(Index edge, F f) const {
         m_parallels.forEach(edge, f);
@@ -100,7 +100,7 @@ private:
         std::vector<Link> m_links;
     };
 
-    SearchGraph(const RVGraph* graph, bool directed, const std::vector<RVEdge*>& undirectedEdges);
+    SearchGraph(const RVGraph* graph, bool directed, const std::vector<RVEdge*>& twoWayEdges);
     Ends endsOf(const RVEdge* edge) const {
         return {indexOf(edge->pSourceNode()), indexOf(edge->pTargetNode())};
     }

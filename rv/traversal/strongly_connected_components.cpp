@@ -8,7 +8,6 @@
 
 #include "rv/traversal/strongly_connected_components.h"
 
-#include <typeinfo>
 #include <vector>
 
 #include "rv/traversal/depth_first_walk.h"
@@ -157,18 +156,20 @@ void StrongSearch::closeComponent(Index root) {
 }  // namespace
 
 bool RVStronglyConnectedComponentsAlgorithm::worksInArrays() const {
-    return typeid(*this) == typeid(RVStronglyConnectedComponentsAlgorithm);
+    return isExactly<RVStronglyConnectedComponentsAlgorithm>();
 }
 
 RVServiceErrorCodeEnum RVStronglyConnectedComponentsAlgorithm::algorithmBody() {
     if (!worksInArrays()) return RVDepthFirstSearchAlgorithm::algorithmBody();
+    auto* output = RVStronglyConnectedComponentsOutputData::castDown(pOutputData());
+    output->pAssociatedGraph(pInternalData()->pInputGraph());
     const auto graph = rv::SearchGraph::directed(pInternalData()->pInputGraph());
-    StrongSearch(graph, *RVStronglyConnectedComponentsOutputData::castDown(pOutputData())).searchAll();
+    StrongSearch(graph, *output).searchAll();
     return RV_NO_ERROR;
 }
 
 void RVStronglyConnectedComponentsAlgorithm::generateOutputData() {
-    if (worksInArrays()) return;  // written as they were found
+    if (worksInArrays()) return;  // algorithmBody has listed them
     const RVStronglyConnectedComponentsInternalData* data = pData();
     auto* output = RVStronglyConnectedComponentsOutputData::castDown(pOutputData());
     output->pAssociatedGraph(data->pInputGraph());

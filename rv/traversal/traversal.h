@@ -2,10 +2,11 @@
 // are first reached, and remembers each node's parent. Which edge comes next is left to hooks, by which a
 // subclass becomes a breadth-first, depth-first or best-first search.
 //
-// A run without a start node covers the whole graph: it starts again, as long as nodes are unvisited, from
-// the first one of smallest in-degree, and visits isolated nodes last. A run with a start node covers what
-// can be reached from it. An undirected search runs on a graph in which every edge has been given a reverse
-// edge for the time of the run; a single undirected edge in a directed search likewise.
+// A run without a start node covers the whole graph: it starts, as long as nodes are unvisited, from the
+// first one of smallest in-degree; when that has no out-edges, it goes on from the source of the first edge
+// that was not traversed; isolated nodes are visited last. A run with a start node covers what can be reached
+// from it. An undirected search runs on a graph in which every edge has been given a reverse edge for the
+// time of the run; a single undirected edge in a directed search likewise.
 //
 // A minimal subclass overrides pNextEdge and visitNodeAfterTraverse, calls the engine's in both, takes the
 // edge that pNextEdge gives off the candidate list, and puts the out-edges of a node that is reached for the
