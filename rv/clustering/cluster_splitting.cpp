@@ -20,6 +20,7 @@
 #include "rv/clustering/clustering_input.h"
 #include "rv/clustering/ratio_cut_bipartitioning.h"
 #include "rv/foundation/graph_access.h"
+#include "rv/framework/sub_algorithm.h"
 
 RV_OBJECT_IMPL(RVClusterSplittingInputData)
 RV_OBJECT_IMPL(RVClusterSplittingAlgorithm)
@@ -28,7 +29,7 @@ namespace {
 
 class Splitter {
 public:
-    Splitter(RVClusteringInputData& input, RVClusteringInternalData& data);
+    Splitter(const RVAlgorithm& algorithm, RVClusteringInputData& input, RVClusteringInternalData& data);
 
     void splitByWeight();
     void ensureConstraints();
@@ -62,6 +63,7 @@ private:
     Cluster* clusterOf(RVNode* node);
     void link(RVNode* node, RVNode* original, double x);
 
+    const RVAlgorithm& m_algorithm;
     RVClusteringInputData& m_input;
     RVClusteringInternalData& m_data;
     RVGraph* m_pGraph;
@@ -78,8 +80,9 @@ double clamp(double value, double least, double most) {
     return value >= least ? std::min(value, most) : least;
 }
 
-Splitter::Splitter(RVClusteringInputData& input, RVClusteringInternalData& data)
-    : m_input(input),
+Splitter::Splitter(const RVAlgorithm& algorithm, RVClusteringInputData& input, RVClusteringInternalData& data)
+    : m_algorithm(algorithm),
+      m_input(input),
       m_data(data),
       m_pGraph(data.pAssociatedGraph()),
       m_exponent(clamp(0.75 * input.balanceFactor(), 0.001, 10.0)) {
@@ -141,9 +144,7 @@ bool Splitter::split(const Cluster& cluster) {
     for (RVEdge* edge : *cluster.graph->pEdgeList()) {
         input.setCost(edge, m_input.getCost(m_data.getLocalOriginalEdge(edge)));
     }
-    cut.pInputData(&input);
-    cut.pOutputData(&output);
-    cut.run();
+    rv::runPart(m_algorithm, cut, input, output);
 
     for (RVDListIter half(output.pClusters()); half; half++) {
         const RVDList* nodes = RVDList::castDown(half.pObject());
@@ -312,7 +313,7 @@ RVServiceErrorCodeEnum RVClusterSplittingAlgorithm::checkData() {
 }
 
 RVServiceErrorCodeEnum RVClusterSplittingAlgorithm::algorithmBody() {
-    Splitter splitter(*RVClusteringInputData::castDown(pInputData()),
+    Splitter splitter(*this, *RVClusteringInputData::castDown(pInputData()),
                       *static_cast<RVClusteringInternalData*>(pInternalData()));
     splitter.splitByWeight();
     splitter.ensureConstraints();

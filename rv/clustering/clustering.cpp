@@ -254,7 +254,7 @@ RVServiceErrorCodeEnum RVClusteringAlgorithm::algorithmBody() {
 
     RVClusteringOutputData clusters;
     RVDisconnectedClusteringAlgorithm clustering;
-    const RVServiceErrorCodeEnum code = rv::runPart(clustering, input, clusters);
+    const RVServiceErrorCodeEnum code = rv::runPart(*this, clustering, input, clusters);
     if (code != RV_NO_ERROR) {
         rv::forEachConstraint(*own, [](RVClusteringConstraint& constraint) { constraint.fulfilled(0); });
         return code;

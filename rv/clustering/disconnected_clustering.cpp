@@ -43,8 +43,8 @@ struct Component {
 // All nodes are of the input graph.
 class ComponentClusterer {
 public:
-    ComponentClusterer(const RVClusteringInputData& input, RVClusteringInternalData& data,
-                       const RVDList& components);
+    ComponentClusterer(const RVAlgorithm& algorithm, const RVClusteringInputData& input,
+                       RVClusteringInternalData& data, const RVDList& components);
 
     // Gives the code of the last cluster splitting.
     RVServiceErrorCodeEnum clusterAll();
@@ -67,6 +67,7 @@ private:
     bool canMerge(const Group& group, int mark) const;
     static std::unique_ptr<RVDList> createCluster(const Group& group);
 
+    const RVAlgorithm& m_algorithm;
     const RVClusteringInputData& m_input;
     RVClusteringInternalData& m_data;
     std::vector<Component> m_components;
@@ -76,9 +77,9 @@ private:
     std::vector<std::size_t> m_holders;  // by constraint, how many clusters it keeps apart
 };
 
-ComponentClusterer::ComponentClusterer(const RVClusteringInputData& input, RVClusteringInternalData& data,
-                                       const RVDList& components)
-    : m_input(input), m_data(data) {
+ComponentClusterer::ComponentClusterer(const RVAlgorithm& algorithm, const RVClusteringInputData& input,
+                                       RVClusteringInternalData& data, const RVDList& components)
+    : m_algorithm(algorithm), m_input(input), m_data(data) {
     const RVGraph* graph = input.pAssociatedGraph();
     m_componentOf.resize(static_cast<std::size_t>(graph->nodeIndexLimit()), -1);
     for (RVDListIter list(&components); list; list++) {
@@ -156,7 +157,7 @@ RVServiceErrorCodeEnum ComponentClusterer::cluster(const Component& component, i
     rv::copySettings(m_input, input);
     RVClusteringOutputData output;
     RVClusterSplittingAlgorithm splitting;
-    const RVServiceErrorCodeEnum code = rv::runPart(splitting, input, output);
+    const RVServiceErrorCodeEnum code = rv::runPart(m_algorithm, splitting, input, output);
     for (RVDListIter it(output.pClusters()); it; it++) {
         RVDList nodes;
         for (RVDListIter node(RVDList::castDown(it.pObject())); node; node++) {
@@ -289,7 +290,7 @@ RVServiceErrorCodeEnum RVDisconnectedClusteringAlgorithm::algorithmBody() {
     RVConnectedComponentsInputData input(pAssociatedGraph());
     RVConnectedComponentsOutputData output;
     RVConnectedComponentsAlgorithm components;
-    const RVServiceErrorCodeEnum code = rv::runPart(components, input, output);
+    const RVServiceErrorCodeEnum code = rv::runPart(*this, components, input, output);
     if (code != RV_NO_ERROR) return code;
     return output.pComponentList()->length() < 2 ? clusterWhole()
                                                  : clusterComponents(output.pComponentList());
@@ -305,7 +306,7 @@ RVServiceErrorCodeEnum RVDisconnectedClusteringAlgorithm::clusterWhole() {
     rv::copySettings(*own, input);
     RVClusteringOutputData output;
     RVClusterSplittingAlgorithm splitting;
-    const RVServiceErrorCodeEnum code = rv::runPart(splitting, input, output);
+    const RVServiceErrorCodeEnum code = rv::runPart(*this, splitting, input, output);
     if (code != RV_NO_ERROR) return code;
     auto* answer = RVClusteringOutputData::castDown(pOutputData());
     for (RVDListIter cluster(output.pClusters()); cluster; cluster++)
@@ -315,7 +316,7 @@ RVServiceErrorCodeEnum RVDisconnectedClusteringAlgorithm::clusterWhole() {
 
 RVServiceErrorCodeEnum RVDisconnectedClusteringAlgorithm::clusterComponents(RVDList* components) {
     const auto* input = RVClusteringInputData::castDown(pInputData());
-    ComponentClusterer clusterer(*input, *static_cast<RVClusteringInternalData*>(pInternalData()),
+    ComponentClusterer clusterer(*this, *input, *static_cast<RVClusteringInternalData*>(pInternalData()),
                                  *components);
     const RVServiceErrorCodeEnum code = clusterer.clusterAll();
     auto* output = RVClusteringOutputData::castDown(pOutputData());

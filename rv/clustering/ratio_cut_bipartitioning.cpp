@@ -21,6 +21,7 @@
 
 #include "rv/clustering/clustering_input.h"
 #include "rv/foundation/random.h"
+#include "rv/framework/run_pulse.h"
 
 RV_OBJECT_IMPL(RVRatioCutBipartitioningInputData)
 RV_OBJECT_IMPL(RVRatioCutBipartitioningOutputData)
@@ -256,8 +257,6 @@ void RVRatioCutBipartitioningAlgorithm::Arrays::renumber() {
     for (std::size_t i = 0; i < size(); ++i) order[i] = static_cast<std::uint32_t>(i);
 }
 
-RVRatioCutBipartitioningAlgorithm::RVRatioCutBipartitioningAlgorithm() = default;
-
 RVServiceErrorCodeEnum RVRatioCutBipartitioningAlgorithm::internalRun() { return run(); }
 
 RVAlgorithmData* RVRatioCutBipartitioningAlgorithm::newInternalData() {
@@ -267,12 +266,6 @@ RVAlgorithmData* RVRatioCutBipartitioningAlgorithm::newInternalData() {
 RVServiceErrorCodeEnum RVRatioCutBipartitioningAlgorithm::checkData() {
     return rv::checkClusteringInput<RVRatioCutBipartitioningInputData>(RVInternalAlgorithm::checkData(),
                                                                        pInputData());
-}
-
-void RVRatioCutBipartitioningAlgorithm::cleanup() {
-    m_arrays = nullptr;
-    m_parts = nullptr;
-    RVInternalAlgorithm::cleanup();
 }
 
 RVServiceErrorCodeEnum RVRatioCutBipartitioningAlgorithm::algorithmBody() {
@@ -285,7 +278,7 @@ RVServiceErrorCodeEnum RVRatioCutBipartitioningAlgorithm::algorithmBody() {
     auto* output = RVRatioCutBipartitioningOutputData::castDown(pOutputData());
     auto first = std::make_unique<RVDList>();
     auto second = std::make_unique<RVDList>();
-    auto variable = m_parts.get()->variables.begin();
+    auto variable = m_parts->variables.begin();
     for (RVNode* node : *pAssociatedGraph()->pNodeList()) {
         output->setX(node, variable->x());
         (variable->side() == 0 ? first : second)->appendObject(node);
@@ -300,8 +293,8 @@ RVServiceErrorCodeEnum RVRatioCutBipartitioningAlgorithm::algorithmBody() {
 void RVRatioCutBipartitioningAlgorithm::makeVariables() {
     const auto* input = RVRatioCutBipartitioningInputData::castDown(pInputData());
     const RVGraph* graph = pAssociatedGraph();
-    m_parts = std::make_unique<Parts>(static_cast<std::size_t>(graph->numberOfNodes()));
-    Parts& parts = *m_parts.get();
+    m_parts.make(static_cast<std::size_t>(graph->numberOfNodes()));
+    Parts& parts = *m_parts;
     auto variable = parts.variables.begin();
     parts.variableOf.resize(static_cast<std::size_t>(graph->nodeIndexLimit()));
     for (RVNode* node : *graph->pNodeList()) {
@@ -314,7 +307,7 @@ void RVRatioCutBipartitioningAlgorithm::makeVariables() {
 void RVRatioCutBipartitioningAlgorithm::makeEdges() {
     const auto* input = RVRatioCutBipartitioningInputData::castDown(pInputData());
     const RVGraph* graph = pAssociatedGraph();
-    Parts& parts = *m_parts.get();
+    Parts& parts = *m_parts;
     parts.edges.reserve(2 * static_cast<std::size_t>(graph->numberOfEdges()));
     const auto add = [&](RVRatioCutVariable* variable, RVRatioCutVariable* other, int cost) {
         RVRatioCutEdge& edge = parts.edges.emplace_back();
@@ -334,20 +327,20 @@ void RVRatioCutBipartitioningAlgorithm::makeEdges() {
 // With at most one weight there would be no split to try.
 void RVRatioCutBipartitioningAlgorithm::testWeights() {
     constexpr double kNoWeight = 0.0001;
-    std::vector<RVRatioCutVariable>& variables = m_parts.get()->variables;
+    std::vector<RVRatioCutVariable>& variables = m_parts->variables;
     const auto hasWeight = [](const RVRatioCutVariable& variable) { return variable.weight() > kNoWeight; };
     if (std::count_if(variables.begin(), variables.end(), hasWeight) > 1) return;
     for (RVRatioCutVariable& variable : variables) variable.weight(1.0);
 }
 
 double RVRatioCutBipartitioningAlgorithm::cut() {
-    std::vector<RVRatioCutVariable>& variables = m_parts.get()->variables;
+    std::vector<RVRatioCutVariable>& variables = m_parts->variables;
     if (variables.size() < 2) {
         for (RVRatioCutVariable& variable : variables) variable.side(0);
         return 0.0;
     }
-    m_arrays = std::make_unique<Arrays>(variables);
-    Arrays& a = *m_arrays.get();
+    m_arrays.make(variables);
+    Arrays& a = *m_arrays;
     m_stepScale = 1.0;
     m_stepLength = 0.0;
     m_momentum = 1.3;
@@ -365,7 +358,7 @@ double RVRatioCutBipartitioningAlgorithm::cut() {
 }
 
 void RVRatioCutBipartitioningAlgorithm::initial() {
-    Arrays& a = *m_arrays.get();
+    Arrays& a = *m_arrays;
     if (RVRatioCutBipartitioningInputData::castDown(pInputData())->hasInitialValue() == 0) {
         const auto n = static_cast<double>(a.size());
         RVSimpleRandom random(0);
@@ -378,7 +371,7 @@ void RVRatioCutBipartitioningAlgorithm::initial() {
 }
 
 void RVRatioCutBipartitioningAlgorithm::schedule() {
-    const auto n = static_cast<int>(m_arrays.get()->size());
+    const auto n = static_cast<int>(m_arrays->size());
     const auto* input = RVRatioCutBipartitioningInputData::castDown(pInputData());
     m_bestRatio = kHugeRatio;
     m_stepScale = 1.0;
@@ -398,11 +391,14 @@ void RVRatioCutBipartitioningAlgorithm::schedule() {
     bool isWorse = false;
     double previous = 0.0;
     const int limit = kLimitFactor * mostUnchanged;
+    const RVGraph* graph = input->pAssociatedGraph();
+    rv::RunPulse pulse(pRunControl(), "ratio cut");
     for (; m_iterations < limit && unchanged <= mostUnchanged; ++m_iterations) {
         // Again and again while positions still change much.
         const bool isPowerOfTwo = (m_iterations & (m_iterations - 1)) == 0;
-        if (isPowerOfTwo) m_arrays.get()->renumber();
+        if (isPowerOfTwo) m_arrays->renumber();
         iteration();
+        pulse.beat(graph->numberOfNodes() + graph->numberOfEdges());
         ++unchanged;
         if (m_bestRatio > m_currentRatio) {
             m_bestRatio = m_currentRatio;
@@ -430,7 +426,7 @@ void RVRatioCutBipartitioningAlgorithm::schedule() {
 // Conjugate directions, but for the bounds of the momentum.
 void RVRatioCutBipartitioningAlgorithm::iteration() {
     gGrad();
-    Arrays& a = *m_arrays.get();
+    Arrays& a = *m_arrays;
     double product = 0.0;
     double square = 0.0;
     for (const std::uint32_t v : a.order) {
@@ -456,7 +452,7 @@ void RVRatioCutBipartitioningAlgorithm::iteration() {
 
 // The direction of a step along the gradient, projected to the positions of spread 1. Positions stay.
 void RVRatioCutBipartitioningAlgorithm::gGrad() {
-    Arrays& a = *m_arrays.get();
+    Arrays& a = *m_arrays;
     a.startX = a.x;
     stepProj();
     stepFes();
@@ -473,16 +469,16 @@ void RVRatioCutBipartitioningAlgorithm::stepProj() {
 }
 
 void RVRatioCutBipartitioningAlgorithm::grad() {
-    Arrays& a = *m_arrays.get();
+    Arrays& a = *m_arrays;
     a.sumPulls<true>(a.gradient);
 }
 
-void RVRatioCutBipartitioningAlgorithm::stepGrad() { moveAlong(m_arrays.get()->gradient); }
-void RVRatioCutBipartitioningAlgorithm::stepDir() { moveAlong(m_arrays.get()->direction); }
+void RVRatioCutBipartitioningAlgorithm::stepGrad() { moveAlong(m_arrays->gradient); }
+void RVRatioCutBipartitioningAlgorithm::stepDir() { moveAlong(m_arrays->direction); }
 
 // Moves so far that the fastest variable covers a seventh of the range, times the scale.
 void RVRatioCutBipartitioningAlgorithm::moveAlong(const std::vector<double>& direction) {
-    Arrays& a = *m_arrays.get();
+    Arrays& a = *m_arrays;
     double fastest = 0.0;
     double least = a.x[0];
     double most = a.x[0];
@@ -500,7 +496,7 @@ void RVRatioCutBipartitioningAlgorithm::moveAlong(const std::vector<double>& dir
 // Sweeps, then moves along the gradient of the spread to where the spread would be 1 if no two variables
 // changed places. The spread is the sum of the distances of all pairs, each times both weights.
 void RVRatioCutBipartitioningAlgorithm::stepFes() {
-    Arrays& a = *m_arrays.get();
+    Arrays& a = *m_arrays;
     a.sorter.sort(a.order, a.x);
     m_currentRatio = calcRatio();
     double spread = 0.0;
@@ -524,7 +520,7 @@ void RVRatioCutBipartitioningAlgorithm::stepFes() {
 
 // The least ratio of all splits between neighbours. Its split is kept when it is better than the best so far.
 double RVRatioCutBipartitioningAlgorithm::calcRatio() {
-    Arrays& a = *m_arrays.get();
+    Arrays& a = *m_arrays;
     a.sumPulls<false>(a.growth);
     double best = kHugeRatio;
     double cut = 0.0;

@@ -76,7 +76,7 @@ class RV_EXPORT RVRatioCutBipartitioningAlgorithm : public RVInternalAlgorithm {
     RV_OBJECT(RVRatioCutBipartitioningAlgorithm)
 
 public:
-    RVRatioCutBipartitioningAlgorithm();
+    RVRatioCutBipartitioningAlgorithm() = default;
     RVServiceErrorCodeEnum checkData() override;
     // The same as run: the entry for algorithms that use this one as a part.
     virtual RVServiceErrorCodeEnum internalRun();
@@ -85,7 +85,6 @@ public:
     int iterations() const { return m_iterations; }
 
 protected:
-    void cleanup() override;
     RVServiceErrorCodeEnum algorithmBody() override;
     RVAlgorithmData* newInternalData() override;
 
@@ -112,9 +111,9 @@ private:
     void moveAlong(const std::vector<double>& direction);
 
     // All of the present run.
-    rv::Uncopied<std::unique_ptr<Parts>> m_parts;
-    rv::Uncopied<std::unique_ptr<Arrays>> m_arrays;  // what the variables hold, while `cut` works
-    double m_currentRatio = 0.0;                     // of the last sweep
+    rv::RunState<Parts> m_parts{this};
+    rv::RunState<Arrays> m_arrays{this};  // what the variables hold, while `cut` works
+    double m_currentRatio = 0.0;          // of the last sweep
     double m_bestRatio = 0.0;
     double m_stepScale = 0.0;    // s
     double m_stepLength = 0.0;   // t

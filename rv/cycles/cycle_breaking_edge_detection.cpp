@@ -158,7 +158,7 @@ void RVCycleBreakingEdgeDetectionAlgorithm::findComponents(EdgeLists& components
     RVStronglyConnectedComponentsInputData input(pAssociatedGraph());
     RVStronglyConnectedComponentsOutputData output;
     RVStronglyConnectedComponentsAlgorithm algorithm;
-    rv::noteFailure(*pData(), rv::runPart(algorithm, input, output), debugMode(),
+    rv::noteFailure(*pData(), rv::runPart(*this, algorithm, input, output), debugMode(),
                     L"Error in SCC alg. Return code = %d\n");
     output.buildEdgeComponentList(*components.get());
 }
@@ -250,8 +250,9 @@ void RVCycleBreakingEdgeDetectionAlgorithm::solveAtomicGraph(RVGraph* piece) {
 }
 
 struct RVCycleBreakingEdgeDetectionAlgorithm::InnerRun {
-    InnerRun(RVGraph* graph, int quality) : input(graph) {
+    InnerRun(RVGraph* graph, int quality, RVRunControl* control) : input(graph) {
         input.quality(quality);
+        algorithm.pRunControl(control);
         algorithm.pInputData(&input);
         algorithm.pOutputData(&output);
         algorithm.useOriginalGraph(1);
@@ -298,7 +299,8 @@ void RVCycleBreakingEdgeDetectionAlgorithm::finishPiece(RVGraph* piece) {
 void RVCycleBreakingEdgeDetectionAlgorithm::solveAtomicGraphRecursive(RVGraph* piece) {
     std::vector<std::unique_ptr<InnerRun>> runs;  // the innermost one is the last
     while (piece != nullptr || !runs.empty()) {
-        if (piece != nullptr) runs.push_back(std::make_unique<InnerRun>(piece, pData()->quality()));
+        if (piece != nullptr)
+            runs.push_back(std::make_unique<InnerRun>(piece, pData()->quality(), pRunControl()));
         piece = runs.back()->goOn();
         if (piece != nullptr) continue;
         const std::unique_ptr<InnerRun> ended = std::move(runs.back());
@@ -326,7 +328,7 @@ void RVCycleBreakingEdgeDetectionAlgorithm::solveAtomicGraphFinal(RVGraph* piece
         const int weight = data->weight(edge);
         if (weight != input.weight(edge)) input.weight(edge, weight);
     }
-    rv::noteFailure(*data, rv::runPart(heuristic, input, output), debugMode(),
+    rv::noteFailure(*data, rv::runPart(*this, heuristic, input, output), debugMode(),
                     L"Error in topological heuristic alg. Return code = %d\n");
     if (debugMode() != 0) wprintf_s(L"out degree first: %d  pEdges\n", numberOfBackwardEdges(piece, &output));
     for (RVEdge* edge : *piece->pEdgeList()) {

@@ -44,6 +44,9 @@ std::unique_ptr<RVGraphReductionAction> newAction(RVGraphReductionTypeEnum type)
     return action;
 }
 
+// What a path test counts as: most of them are short, and some take milliseconds.
+constexpr std::int64_t kStepsOfPathTest = 256;
+
 // Hands an action over to the stack.
 void push(std::unique_ptr<RVGraphReductionAction> action, RVCycleBreakingEdgeDetectionInternalData& data) {
     data.pushAction(action.get());
@@ -61,7 +64,9 @@ RVGraph* Algorithm::reduceGraph(RVGraph* piece) {
     pData()->m_reduction = std::make_unique<rv::ReductionState>(piece);
     initializeCandidateLists(piece, &multiEdges, &oppositeEdges, &degreeTwoNodes);
     int count = multiEdges.length() + oppositeEdges.length() + degreeTwoNodes.length();
+    rv::RunPulse pulse(pRunControl(), "reducing");
     while (count > 0) {
+        pulse.beat();
         pData()->reduced(1);
         performReductionAction(&multiEdges, &oppositeEdges, &degreeTwoNodes);
         count += updateCandidateLists(&multiEdges, &oppositeEdges, &degreeTwoNodes) - 1;
@@ -247,7 +252,9 @@ void Algorithm::restoreGraph(RVGraph* piece) const {
     RVCycleBreakingEdgeDetectionInternalData* data = pData();
     if (data->actionStackEmpty()) return;
     data->m_paths = std::make_unique<rv::ListPaths>(piece);
+    rv::RunPulse pulse(pRunControl(), "restoring");
     while (!data->actionStackEmpty()) {
+        pulse.beat(kStepsOfPathTest);
         const std::unique_ptr<RVGraphReductionAction> action(data->popAction());
         restoreGraph(piece, action.get());
     }
@@ -393,12 +400,14 @@ void Algorithm::avoidExtraEdges(RVGraph* piece) const {
         edge->invertDirection();
         return true;
     };
+    rv::RunPulse pulse(pRunControl(), "switching back", edges.length());
     const RVDListCell* last = nullptr;
     for (bool hasSwitched = true; hasSwitched;) {
         hasSwitched = false;
         for (RVDListIter it(&edges); it; it++) {
             RVEdge* edge = RVEdge::castDown(it.pObject());
             const bool isLast = it.pCell() == last;
+            pulse.beat(data->reversed(edge) != 0 ? kStepsOfPathTest : 1);
             if (data->reversed(edge) != 0 && switchBack(edge)) {
                 last = it.pCell();
                 hasSwitched = true;

@@ -50,7 +50,7 @@ RVServiceErrorCodeEnum RVNewCycleTestAlgorithm::algorithmBody() {
     test.useOriginalGraph(1);
     input.pStartNode(pData()->pTargetNode());
     input.pFinishNode(pData()->pSourceNode());
-    rv::noteFailure(*pData(), rv::runPart(test, input, output), debugMode(),
+    rv::noteFailure(*pData(), rv::runPart(*this, test, input, output), debugMode(),
                     L"Error in path exists. Return code = %d\n");
     pData()->pathFound(output.pathExists());
     return pData()->returnCode();

@@ -10,6 +10,8 @@
 #include <cassert>
 #include <functional>
 
+#include "rv/framework/run_pulse.h"
+
 RV_OBJECT_IMPL(RVNodeExtensionTopologicalHeuristic)
 RV_OBJECT_IMPL(RVNodeExtensionTopologicalHeuristicInternal)
 RV_OBJECT_IMPL(RVEdgeExtensionTopologicalHeuristic)
@@ -135,11 +137,13 @@ RVServiceErrorCodeEnum RVTopologicalHeuristicAlgorithm::algorithmBody() {
     data->fillCandidateLists(pAssociatedGraph());
     output->acyclic(1);
     const int nodes = pAssociatedGraph()->numberOfNodes();
+    rv::RunPulse pulse(pRunControl(), "topological heuristic", pAssociatedGraph()->numberOfEdges());
     for (int i = 1; i <= nodes; ++i) {
         // A candidate has an in-edge from itself or from a node with a higher number.
         if (data->pSourceList()->length() == 0) output->acyclic(0);
         RVNode* node = pNextNode();
         assert(node != nullptr);
+        pulse.beat(1 + node->degree());
         data->pSortedNodeList()->appendNode(node);
         output->orderNumber(data->pOriginalNode(node), i);
         for (const RVEdge* edge : *node->pOutEdgeList()) data->loseInEdge(edge->pTargetNode());

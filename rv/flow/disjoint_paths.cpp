@@ -59,7 +59,6 @@ struct RVDisjointPathsAlgorithm::Run {
     std::vector<RVEdge*> firstEdges;   // of the start node, by their target
 };
 
-RVDisjointPathsAlgorithm::RVDisjointPathsAlgorithm() = default;
 RV_OBJECT_IMPL(RVDisjointPathsAlgorithm)
 
 RVServiceErrorCodeEnum RVDisjointPathsAlgorithm::checkData() {
@@ -77,15 +76,10 @@ void RVDisjointPathsAlgorithm::parseInputData() {
     pData()->pFinishNode(pData()->pCopyNode(input->pFinishNode()));
 }
 
-void RVDisjointPathsAlgorithm::cleanup() {
-    m_run = nullptr;
-    RVInternalGraphAlgorithm::cleanup();
-}
-
 // Entries and exits of all nodes, then the edges between them.
 RVGraph* RVDisjointPathsAlgorithm::buildAuxiliaryGraph() {
     RVDisjointPathsInternalData* data = pData();
-    std::vector<RVEdge*>& edges = m_run.get()->edges;
+    std::vector<RVEdge*>& edges = m_run->edges;
     std::unique_ptr<RVGraph> made = rv::newGraphLike(pAssociatedGraph());
     data->pSecondaryGraphs()->appendGraph(made.get());
     RVGraph* graph = made.release();
@@ -113,7 +107,7 @@ void RVDisjointPathsAlgorithm::copyInputData(RVMaximumFlowInputData& input) cons
     const RVDisjointPathsInternalData* data = pData();
     RVNode* start = data->pStartNode();
     RVNode* finish = data->pFinishNode();
-    if (m_run.get()->nodeDisjoint) {
+    if (m_run->nodeDisjoint) {
         start = data->pDisjointPathsCopyNode(start)->pOutEdge()->pTargetNode();
         finish = data->pDisjointPathsCopyNode(finish);
     }
@@ -124,8 +118,7 @@ void RVDisjointPathsAlgorithm::copyInputData(RVMaximumFlowInputData& input) cons
 
 RVServiceErrorCodeEnum RVDisjointPathsAlgorithm::algorithmBody() {
     RVDisjointPathsInternalData* data = pData();
-    m_run = std::make_unique<Run>();
-    Run& run = *m_run.get();
+    Run& run = *m_run;
     run.nodeDisjoint = RVDisjointPathsInputData::castDown(pInputData())->nodeDisjointPaths() != 0;
     RVGraph* graph = run.nodeDisjoint ? buildAuxiliaryGraph() : pAssociatedGraph();
     RVMaximumFlowAlgorithm maximumFlow;
@@ -134,7 +127,7 @@ RVServiceErrorCodeEnum RVDisjointPathsAlgorithm::algorithmBody() {
     data->pMaximumFlowInputData(&input);
     data->pMaximumFlowOutputData(&output);
     copyInputData(input);
-    const RVServiceErrorCodeEnum code = rv::runPart(maximumFlow, input, output);
+    const RVServiceErrorCodeEnum code = rv::runPart(*this, maximumFlow, input, output);
     if (code != RV_NO_ERROR && debugMode() != 0) wprintf_s(L"Error in max flow.\n");
     rv::noteFailure(*data, code, debugMode(), L"Return code: %d\n");
 
@@ -169,7 +162,7 @@ void RVDisjointPathsAlgorithm::extractPath() {
 // is looked at once.
 RVEdge* RVDisjointPathsAlgorithm::findOutEdge(RVNode* node) {
     const RVDisjointPathsInternalData* data = pData();
-    Run& run = *m_run.get();
+    Run& run = *m_run;
     const RVNode* flowNode =
         run.nodeDisjoint ? data->pDisjointPathsCopyNode(node)->pOutEdge()->pTargetNode() : node;
     RVDListCell*& place = run.places[placeOf(flowNode)];

@@ -144,12 +144,11 @@ class RV_EXPORT RVDisjointPathsAlgorithm : public RVInternalGraphAlgorithm {
     RV_OBJECT(RVDisjointPathsAlgorithm)
 
 public:
-    RVDisjointPathsAlgorithm();
+    RVDisjointPathsAlgorithm() = default;
     RVServiceErrorCodeEnum checkData() override;
 
 protected:
     RVServiceErrorCodeEnum algorithmBody() override;
-    void cleanup() override;
     void parseInputData() override;
     RVAlgorithmData* newInternalData() override;
     // Does nothing: the copy is not normalised.
@@ -166,5 +165,5 @@ private:
     RVEdge* findOutEdge(RVNode* node);
     void extractPath();
 
-    rv::Uncopied<std::unique_ptr<Run>> m_run;
+    rv::RunState<Run> m_run{this};
 };

@@ -138,13 +138,16 @@ RVServiceErrorCodeEnum runAsPart(RVAlgorithm& algorithm) {
 
 void RVFlowAlgorithm::findAugmentingPaths(RVAnalysisInputData& input) {
     const std::unique_ptr<RVAlgorithm> search(newPathExistsTestAlgorithm());
+    search->pRunControl(pRunControl());
     bool isFound = true;
     while (isFound && finished() == 0) {
         const std::unique_ptr<RVAnalysisOutputData> output(
             static_cast<RVAnalysisOutputData*>(newPathExistsTestOutputData()));
         search->pInputData(&input);
         search->pOutputData(output.get());
-        noteFailedSearch(runAsPart(*search));
+        const RVServiceErrorCodeEnum code = runAsPart(*search);
+        if (code == RV_CANCELLED) throw rv::Cancelled();
+        noteFailedSearch(code);
         isFound = pathExists(output.get()) != 0;
         updateGraphData(&input, output.get(), flowValue(output.get()));
     }
@@ -205,7 +208,7 @@ void RVFlowAlgorithm::keepReachable(RVGraph* graph) {
         RVReachableNodesInputData input(graph);
         RVReachableNodesOutputData output;
         input.pStartNode(source);
-        rv::noteFailure(*data, rv::runPart(search, input, output), debugMode(),
+        rv::noteFailure(*data, rv::runPart(*this, search, input, output), debugMode(),
                         L"Error in Reachable Nodes. Return code = %d\n");
         for (const RVNode* node : *output.pNodeList()) {
             isKept[rv::placeOf(node)] = true;

@@ -10,6 +10,7 @@
 #include "rv/foundation/arithmetic.h"
 #include "rv/framework/check_input.h"
 #include "rv/framework/input_fields.h"
+#include "rv/framework/run_pulse.h"
 
 RV_OBJECT_IMPL(RVMaximumFlowInputData)
 RV_OBJECT_IMPL(RVMaximumFlowOutputData)
@@ -92,8 +93,11 @@ public:
         m_queue.reserve(2 * m_nodes.size());
     }
 
-    void findMaximumFlow() {
-        while (findAugmentingPath()) updateFlow();
+    void findMaximumFlow(rv::Pulse& pulse) {
+        while (findAugmentingPath()) {
+            pulse.beat(static_cast<std::int64_t>(m_edges.size()));
+            updateFlow();
+        }
     }
 
     void describe(RVMaximumFlowOutputData& output) const {
@@ -264,7 +268,6 @@ private:
     std::vector<Step> m_path;    // the last one found
 };
 
-RVMaximumFlowAlgorithm::RVMaximumFlowAlgorithm() = default;
 RVMaximumFlowAlgorithm::~RVMaximumFlowAlgorithm() = default;
 RV_OBJECT_NO_COPY_IMPL(RVMaximumFlowAlgorithm)
 
@@ -284,11 +287,12 @@ RVServiceErrorCodeEnum RVMaximumFlowAlgorithm::checkData() {
 }
 
 void RVMaximumFlowAlgorithm::parseInputData() {
-    m_network = std::make_unique<Network>(*RVMaximumFlowInputData::castDown(pInputData()));
+    m_network.make(*RVMaximumFlowInputData::castDown(pInputData()));
 }
 
 RVServiceErrorCodeEnum RVMaximumFlowAlgorithm::algorithmBody() {
-    m_network->findMaximumFlow();
+    rv::RunPulse pulse(pRunControl(), "maximum flow");
+    m_network->findMaximumFlow(pulse);
     return RV_NO_ERROR;
 }
 
@@ -297,9 +301,4 @@ void RVMaximumFlowAlgorithm::generateOutputData() {
     output->pAssociatedGraph(pInputData()->pAssociatedGraph());
     rv::clearFlows(*output);
     m_network->describe(*output);
-}
-
-void RVMaximumFlowAlgorithm::cleanup() {
-    RVBaseGraphAlgorithm::cleanup();
-    m_network = nullptr;
 }

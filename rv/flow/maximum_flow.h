@@ -24,7 +24,6 @@
 //   if (flow.run() == RV_NO_ERROR) use(output.totalFlow(), output.flow(edge));
 #pragma once
 
-#include <memory>
 
 #include "rv/flow/flow_data.h"
 #include "rv/foundation/hash_map.h"
@@ -81,16 +80,15 @@ class RV_EXPORT RVMaximumFlowAlgorithm : public RVBaseGraphAlgorithm {
     RV_OBJECT_NO_COPY(RVMaximumFlowAlgorithm)
 
 public:
-    RVMaximumFlowAlgorithm();
+    RVMaximumFlowAlgorithm() = default;
     RVServiceErrorCodeEnum checkData() override;
 
 protected:
     RVServiceErrorCodeEnum algorithmBody() override;
     void generateOutputData() override;
-    void cleanup() override;
     void parseInputData() override;
 
 private:
     class Network;
-    std::unique_ptr<Network> m_network;  // of the present run
+    rv::RunState<Network> m_network{this};
 };

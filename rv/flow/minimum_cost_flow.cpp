@@ -25,6 +25,7 @@
 #include "rv/foundation/graph_access.h"
 #include "rv/framework/check_input.h"
 #include "rv/framework/input_fields.h"
+#include "rv/framework/run_pulse.h"
 #include "rv/shortestpaths/dijkstra.h"
 #include "rv/shortestpaths/shortest_paths.h"
 
@@ -127,8 +128,6 @@ RVEdgeAlgorithmExtension* RVMinimumCostFlowInternalData::newEdgeAlgorithmExtensi
 
 // RVMinimumCostFlowAlgorithm
 
-RVMinimumCostFlowAlgorithm::RVMinimumCostFlowAlgorithm() = default;
-
 RVServiceErrorCodeEnum RVMinimumCostFlowAlgorithm::checkData() {
     RVServiceErrorCodeEnum code = checkInputGraph();
     if (code != RV_NO_ERROR) return code;
@@ -147,33 +146,47 @@ RVServiceErrorCodeEnum RVMinimumCostFlowAlgorithm::checkData() {
 
 RVAlgorithmData* RVMinimumCostFlowAlgorithm::newInternalData() { return new RVMinimumCostFlowInternalData(); }
 
-void RVMinimumCostFlowAlgorithm::initialize() {
+bool RVMinimumCostFlowAlgorithm::hasNegativeCost() const {
     const auto* input = RVMinimumCostFlowInputData::castDown(pInputData());
     const RVGraph* graph = input->pAssociatedGraph();
-    const auto isNegative = [&](auto* member) { return input->cost(member) < 0; };
-    const RVEdgeDList& edges = *graph->pEdgeList();
-    const RVNodeDList& nodes = *graph->pNodeList();
-    bool hasNegativeCost = false;
-    for (RVEdge* edge : edges) hasNegativeCost = hasNegativeCost || isNegative(edge);
-    for (RVNode* node : nodes) hasNegativeCost = hasNegativeCost || isNegative(node);
-    if (!hasNegativeCost && canUseNetwork()) m_network = std::make_unique<rv::CostNetwork>(*input);
+    for (RVEdge* edge : *graph->pEdgeList()) {
+        if (input->cost(edge) < 0) return true;
+    }
+    for (RVNode* node : *graph->pNodeList()) {
+        if (input->cost(node) < 0) return true;
+    }
+    return false;
+}
+
+void RVMinimumCostFlowAlgorithm::initialize() {
     RVFlowAlgorithm::initialize();
-    if (hasNegativeCost) pMinimumCostFlowInternalData()->simpleCase(0);
+    if (hasNegativeCost()) pMinimumCostFlowInternalData()->simpleCase(0);
 }
 
-void RVMinimumCostFlowAlgorithm::cleanup() {
-    m_network = nullptr;
-    RVFlowAlgorithm::cleanup();
-}
-
-// The flow core would fail on graphs without a factory.
-bool RVMinimumCostFlowAlgorithm::canUseNetwork() const {
-    if (!isExactly<RVMinimumCostFlowAlgorithm>()) return false;
-    return rv::newGraphLike(pInputData()->pAssociatedGraph())->pFactory() != nullptr;
+// Without negative costs arrays stand for working copy and flow graph. The hooks would fail on graphs without
+// a factory, so these take them.
+std::optional<RVServiceErrorCodeEnum> RVMinimumCostFlowAlgorithm::answer() {
+    if (!isExactly<RVMinimumCostFlowAlgorithm>() || hasNegativeCost()) return std::nullopt;
+    const auto* input = RVMinimumCostFlowInputData::castDown(pInputData());
+    if (rv::newGraphLike(input->pAssociatedGraph())->pFactory() == nullptr) return std::nullopt;
+    rv::CostNetwork network(*input);
+    RVMinimumCostFlowInternalData data;
+    rv::RunPulse pulse(pRunControl(), "minimum cost flow");
+    while (!isSatisfied(data) && network.findPath()) {
+        pulse.beat(input->pAssociatedGraph()->numberOfEdges());
+        const int amount = withinDesiredFlow(network.pathCapacity(), data);
+        data.addFlow(amount);
+        data.addCost(network.pathCost(), amount);
+        network.push(amount);
+    }
+    auto* output = RVMinimumCostFlowOutputData::castDown(pOutputData());
+    rv::clearFlows(*output);
+    network.describe(*output);
+    writeTotals(data);
+    return RV_NO_ERROR;
 }
 
 void RVMinimumCostFlowAlgorithm::parseInputData() {
-    if (worksInArrays()) return;
     const auto* input = RVMinimumCostFlowInputData::castDown(pInputData());
     RVMinimumCostFlowInternalData* data = pMinimumCostFlowInternalData();
     data->pSourceNode(data->pCopyNode(input->pSourceNode()));
@@ -192,19 +205,6 @@ void RVMinimumCostFlowAlgorithm::parseInputData() {
         data->capacity(end, rv::kInfinite);
         data->cost(end, 0);
     }
-}
-
-RVServiceErrorCodeEnum RVMinimumCostFlowAlgorithm::algorithmBody() {
-    if (!worksInArrays()) return RVFlowAlgorithm::algorithmBody();
-    rv::CostNetwork& network = *m_network.get();
-    RVMinimumCostFlowInternalData* data = pMinimumCostFlowInternalData();
-    while (finished() == 0 && network.findPath()) {
-        const int amount = withinDesiredFlow(network.pathCapacity());
-        data->addFlow(amount);
-        data->addCost(network.pathCost(), amount);
-        network.push(amount);
-    }
-    return RV_NO_ERROR;
 }
 
 int RVMinimumCostFlowAlgorithm::desiredFlow() const {
@@ -278,16 +278,21 @@ void RVMinimumCostFlowAlgorithm::copyEdgeProperties(RVAnalysisInputData* input) 
 // Pushing
 
 int RVMinimumCostFlowAlgorithm::finished() const {
-    return desiredFlow() >= 1 && pMinimumCostFlowInternalData()->exactTotalFlow() >= desiredFlow() ? 1 : 0;
+    return isSatisfied(*pMinimumCostFlowInternalData()) ? 1 : 0;
+}
+
+bool RVMinimumCostFlowAlgorithm::isSatisfied(const RVMinimumCostFlowInternalData& data) const {
+    return desiredFlow() >= 1 && data.exactTotalFlow() >= desiredFlow();
 }
 
 int RVMinimumCostFlowAlgorithm::flowValue(RVAnalysisOutputData* output) const {
-    return withinDesiredFlow(RVFlowAlgorithm::flowValue(output));
+    return withinDesiredFlow(RVFlowAlgorithm::flowValue(output), *pMinimumCostFlowInternalData());
 }
 
-int RVMinimumCostFlowAlgorithm::withinDesiredFlow(int amount) const {
+int RVMinimumCostFlowAlgorithm::withinDesiredFlow(int amount,
+                                                  const RVMinimumCostFlowInternalData& data) const {
     if (desiredFlow() < 1) return amount;
-    const std::int64_t missing = desiredFlow() - pMinimumCostFlowInternalData()->exactTotalFlow();
+    const std::int64_t missing = desiredFlow() - data.exactTotalFlow();
     return static_cast<int>(std::min<std::int64_t>(amount, missing));
 }
 
@@ -344,28 +349,29 @@ void RVMinimumCostFlowAlgorithm::actOnInsertMultiEdge(RVEdge* edge) {
 }
 
 void RVMinimumCostFlowAlgorithm::generateOutputData() {
-    const RVMinimumCostFlowInternalData* data = pMinimumCostFlowInternalData();
+    RVMinimumCostFlowInternalData* data = pMinimumCostFlowInternalData();
     auto* output = RVMinimumCostFlowOutputData::castDown(pOutputData());
     output->pAssociatedGraph(data->pInputGraph());
     rv::clearFlows(*output);
-    output->totalCost(data->totalCost());
-    output->totalFlow(data->totalFlow());
-    if (worksInArrays()) {
-        m_network.get()->describe(*output);
-    } else {
-        for (RVEdge* edge : *pAssociatedGraph()->pEdgeList()) {
-            RVEdge* original = data->pOriginalEdge(edge);
-            if (original != edge && data->flow(edge) != 0) output->flow(original, data->flow(edge));
-        }
+    for (RVEdge* edge : *pAssociatedGraph()->pEdgeList()) {
+        RVEdge* original = data->pOriginalEdge(edge);
+        if (original != edge && data->flow(edge) != 0) output->flow(original, data->flow(edge));
     }
+    writeTotals(*data);
+}
+
+void RVMinimumCostFlowAlgorithm::writeTotals(RVMinimumCostFlowInternalData& data) const {
     const auto* input = RVMinimumCostFlowInputData::castDown(pInputData());
-    if (input->pSourceNode() == input->pSinkNode()) fillSelfLoops(*output);
+    if (input->pSourceNode() == input->pSinkNode()) fillSelfLoops(data);
+    auto* output = RVMinimumCostFlowOutputData::castDown(pOutputData());
+    output->totalCost(data.totalCost());
+    output->totalFlow(data.totalFlow());
 }
 
 // The self-loops of a source that is the sink, cheapest first.
-void RVMinimumCostFlowAlgorithm::fillSelfLoops(RVMinimumCostFlowOutputData& output) const {
+void RVMinimumCostFlowAlgorithm::fillSelfLoops(RVMinimumCostFlowInternalData& data) const {
     const auto* input = RVMinimumCostFlowInputData::castDown(pInputData());
-    RVMinimumCostFlowInternalData* data = pMinimumCostFlowInternalData();
+    auto* output = RVMinimumCostFlowOutputData::castDown(pOutputData());
     std::vector<RVEdge*> loops;
     for (RVEdge* edge : *input->pSourceNode()->pOutEdgeList()) {
         if (edge->pTargetNode() == edge->pSourceNode()) loops.push_back(edge);
@@ -373,14 +379,11 @@ void RVMinimumCostFlowAlgorithm::fillSelfLoops(RVMinimumCostFlowOutputData& outp
     std::stable_sort(loops.begin(), loops.end(),
                      [&](RVEdge* a, RVEdge* b) { return input->cost(a) < input->cost(b); });
     for (RVEdge* loop : loops) {
-        if (finished() != 0) break;
-        std::int64_t amount = input->capacity(loop);
-        if (desiredFlow() >= 1) amount = std::min(amount, desiredFlow() - data->exactTotalFlow());
+        if (isSatisfied(data)) break;
+        const int amount = withinDesiredFlow(input->capacity(loop), data);
         if (amount == 0) continue;
-        output.flow(loop, static_cast<int>(amount));
-        data->addFlow(static_cast<int>(amount));
-        data->addCost(input->cost(loop), static_cast<int>(amount));
+        output->flow(loop, amount);
+        data.addFlow(amount);
+        data.addCost(input->cost(loop), amount);
     }
-    output.totalCost(data->totalCost());
-    output.totalFlow(data->totalFlow());
 }

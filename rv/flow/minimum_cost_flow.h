@@ -39,16 +39,10 @@
 //   if (flow.run() == RV_NO_ERROR) use(output.totalFlow(), output.totalCost(), output.flow(edge));
 #pragma once
 
-#include <memory>
-
 #include "rv/flow/flow_algorithm.h"
 #include "rv/flow/maximum_flow.h"
 
 class RVDijkstraOutputData;
-
-namespace rv {
-class CostNetwork;
-}
 
 // Per edge of the input.
 class RV_EXPORT RVEdgeExtensionMinimumCostFlowInput : public RVEdgeExtensionFlowInput {
@@ -201,16 +195,14 @@ class RV_EXPORT RVMinimumCostFlowAlgorithm : public RVFlowAlgorithm {
     RV_OBJECT(RVMinimumCostFlowAlgorithm)
 
 public:
-    RVMinimumCostFlowAlgorithm();
+    RVMinimumCostFlowAlgorithm() = default;
     RVServiceErrorCodeEnum checkData() override;
 
 protected:
+    std::optional<RVServiceErrorCodeEnum> answer() override;
     void initialize() override;
-    RVServiceErrorCodeEnum algorithmBody() override;
     void generateOutputData() override;
-    void cleanup() override;
     void parseInputData() override;
-    bool worksInArrays() const override { return m_network.get() != nullptr; }
     RVAlgorithmData* newInternalData() override;
     // Gives the caller's edge the flow of the path that stood for it, and destroys that path.
     void actOnInsertMultiEdge(RVEdge* edge) override;
@@ -234,13 +226,11 @@ protected:
     }
 
 private:
-    // Whether no subclass can see how the flow is found.
-    bool canUseNetwork() const;
+    bool hasNegativeCost() const;
+    bool isSatisfied(const RVMinimumCostFlowInternalData& data) const;
     int desiredFlow() const;
-    int withinDesiredFlow(int amount) const;
+    int withinDesiredFlow(int amount, const RVMinimumCostFlowInternalData& data) const;
     void raisePotentials(const RVDijkstraOutputData& output);
-    void fillSelfLoops(RVMinimumCostFlowOutputData& output) const;
-
-    // Of the present run: what stands for working copy and flow graph where it can, and no cost is negative.
-    rv::Uncopied<std::unique_ptr<rv::CostNetwork>> m_network;
+    void writeTotals(RVMinimumCostFlowInternalData& data) const;
+    void fillSelfLoops(RVMinimumCostFlowInternalData& data) const;
 };

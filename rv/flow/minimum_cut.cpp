@@ -89,7 +89,7 @@ RVServiceErrorCodeEnum RVMinimumCutAlgorithm::algorithmBody() {
     RVMaximumFlowInputData input(pAssociatedGraph());
     RVMaximumFlowOutputData output;
     copyInputData(input);
-    rv::noteFailure(*pData(), rv::runPart(maximumFlow, input, output), debugMode(),
+    rv::noteFailure(*pData(), rv::runPart(*this, maximumFlow, input, output), debugMode(),
                     L"Error in max flow. Return code = %d\n");
     const RVNode* source = input.pSourceNode();
     const bool isCycleCut = source == input.pSinkNode();

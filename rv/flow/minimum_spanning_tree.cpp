@@ -5,6 +5,7 @@
 #include "rv/foundation/arithmetic.h"
 #include "rv/foundation/graph_iterators.h"
 #include "rv/framework/input_fields.h"
+#include "rv/framework/run_pulse.h"
 
 RV_OBJECT_IMPL(RVEdgeExtensionMinimumSpanningTreeInput)
 RV_OBJECT_IMPL(RVEdgeExtensionMinimumSpanningTreeOutput)
@@ -164,8 +165,10 @@ RVServiceErrorCodeEnum RVMinimumSpanningTreeAlgorithm::algorithmBody() {
     data->touched(root, 1);
     data->currentCost(root, 0);
     candidates->addObject(root);
+    rv::RunPulse pulse(pRunControl(), "spanning tree", pAssociatedGraph()->numberOfEdges());
     while (RVBinTreeCell* cheapest = candidates->pFirstCell()) {
         auto* node = RVNode::castDown(cheapest->pObject());
+        pulse.beat(1 + node->degree());
         candidates->discardCell(cheapest);
         data->touched(node, 1);
         if (RVEdge* parent = data->pParentEdge(node)) {

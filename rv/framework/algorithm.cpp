@@ -1,6 +1,7 @@
 #include "rv/framework/algorithm.h"
 
 #include "rv/foundation/graph_access.h"
+#include "rv/framework/run_pulse.h"
 
 RV_OBJECT_IMPL(RVAlgorithm)
 RV_OBJECT_IMPL(RVInternalAlgorithm)
@@ -53,17 +54,56 @@ RVServiceErrorCodeEnum RVAlgorithm::run() {
     if (before != nullptr && before != graph) pOutputData()->reset();
     pOutputData()->pAssociatedGraph(graph);
     pOutputData()->reset();
-    return runAndThen([this] { return runHooks(); }, [this] { cleanup(); });
+    endRunStates();  // a run inside a hook may have begun some
+    try {
+        return answerOrRunHooks();
+    } catch (const rv::Cancelled&) {
+        pOutputData()->reset();
+        return RV_CANCELLED;
+    }
+}
+
+RVServiceErrorCodeEnum RVAlgorithm::answerOrRunHooks() {
+    rv::RunPulse(m_pRunControl, "beginning");
+    if (const auto code = answer()) return *code;
+    return runAndThen([this] { return runHooksAndCleanup(); }, [this] { endRunStates(); });
+}
+
+RVServiceErrorCodeEnum RVAlgorithm::runHooksAndCleanup() {
+    return runAndThen([this] { return runHooks(); },
+                      [this] {
+                          try {
+                              cleanup();
+                          } catch (...) {
+                              cleanupAfterFailure();
+                              throw;
+                          }
+                      });
+}
+
+void RVAlgorithm::cleanupAfterFailure() noexcept {}
+
+std::optional<RVServiceErrorCodeEnum> RVAlgorithm::answer() { return std::nullopt; }
+
+void RVAlgorithm::endRunStates() noexcept {
+    for (rv::RunStateBase* state = m_pRunStates; state != nullptr; state = state->m_next) state->end();
+}
+
+rv::RunStateBase::RunStateBase(RVAlgorithm* algorithm) : m_next(algorithm->m_pRunStates) {
+    algorithm->m_pRunStates = this;
 }
 
 RVServiceErrorCodeEnum RVAlgorithm::runHooks() {
     initialize();
+    rv::RunPulse(m_pRunControl, "reading the input");
     parseInputData();
+    rv::RunPulse(m_pRunControl, "preparing");
     return runAndThen([this] { return runPreprocessedHooks(); }, [this] { postprocess(); });
 }
 
 RVServiceErrorCodeEnum RVAlgorithm::runPreprocessedHooks() {
     preprocess();
+    rv::RunPulse(m_pRunControl, "working");
     const RVServiceErrorCodeEnum code = algorithmBody();
     generateOutputData();
     return code;

@@ -3,6 +3,7 @@
 // A run calls, in this order:
 //   checkData            a nonzero code ends the run and is its result
 //   (the output)         reset, if it is bound to another graph; then bound to the input's graph and reset
+//   answer               may find the answer at once, and then ends the run; else the hooks follow
 //   initialize           makes what the run needs
 //   parseInputData       reads the input
 //   preprocess           prepares the graph
@@ -14,14 +15,25 @@
 // exception is passed on after cleanup, and after postprocess if preprocess was reached; hooks must bear to
 // be called in that state.
 //
+// Algorithms of the library answer without the hooks where an object is exactly of their class. An object of
+// a subclass runs on the hooks, which give the same answers.
+//
+// A run that its control ends (see run_control.h) is left in the same way as by an exception of a hook; its
+// output is emptied and its result is RV_CANCELLED.
+//
 // An algorithm owns neither its input nor its output. It can be run again, with the same or other data;
 // every run starts afresh.
 #pragma once
 
 #include <memory>
+#include <optional>
+#include <typeinfo>
 
 #include "rv/framework/algorithm_data.h"
 #include "rv/framework/result_codes.h"
+#include "rv/framework/run_state.h"
+
+class RVRunControl;
 
 class RV_EXPORT RVAlgorithm : public RVObject {
     RV_OBJECT(RVAlgorithm)
@@ -53,14 +65,43 @@ public:
     // Nonzero switches messages on standard output on. Copies of an algorithm have the same setting.
     int debugMode() const { return m_debugMode; }
     int debugMode(int mode) { return m_debugMode = mode; }
+    // What may end runs and is told of their progress; nullptr, the default, for nobody. Stays the caller's,
+    // and must outlive the runs. Copies of an algorithm have none.
+    RVRunControl* pRunControl() const { return m_pRunControl; }
+    RVRunControl* pRunControl(RVRunControl* control) {
+        m_pRunControl = control;
+        return control;
+    }
+
+protected:
+    // Finds the answer without the hooks, writes it and gives the result of the run; or gives nothing, and
+    // then the hooks are run. The input has been checked, the output is bound and empty. A class that
+    // overrides this asks isExactly first: a subclass must be able to rely on its hooks. Here nothing.
+    virtual std::optional<RVServiceErrorCodeEnum> answer();
+    // An override of cleanup has thrown, perhaps before it called its base: undoes what is left to be undone.
+    // Here nothing.
+    virtual void cleanupAfterFailure() noexcept;
+
+    // True if the dynamic type is exactly Algorithm.
+    template <class Algorithm>
+    bool isExactly() const {
+        return typeid(*this) == typeid(Algorithm);
+    }
 
 private:
+    friend class rv::RunStateBase;
+
+    RVServiceErrorCodeEnum answerOrRunHooks();
+    RVServiceErrorCodeEnum runHooksAndCleanup();
     RVServiceErrorCodeEnum runHooks();
     RVServiceErrorCodeEnum runPreprocessedHooks();
+    void endRunStates() noexcept;
 
     RVAlgorithmInputData* m_pInputData = nullptr;
     RVAlgorithmOutputData* m_pOutputData = nullptr;
     int m_debugMode = 0;
+    rv::Uncopied<RVRunControl*> m_pRunControl = nullptr;
+    rv::Uncopied<rv::RunStateBase*> m_pRunStates = nullptr;  // the last member of that kind; they are chained
 };
 
 // Base of the algorithms with data of their own for the time of a run: records on the graph they work on,

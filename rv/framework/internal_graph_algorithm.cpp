@@ -3,7 +3,8 @@
 #include <cstddef>
 #include <cstdint>
 #include <exception>
-#include <span>
+#include <memory>
+#include <vector>
 
 #include "rv/foundation/graph_access.h"
 #include "rv/foundation/graph_iterators.h"
@@ -64,24 +65,24 @@ private:
 
 }  // namespace
 
-RVInternalGraphAlgorithm::RVInternalGraphAlgorithm() = default;
+struct RVInternalGraphAlgorithm::Run {
+    std::unique_ptr<rv::ParallelEdges> parallelEdges;  // while preprocessMultiEdges runs
+    std::unique_ptr<rv::GraphOrders> orders;           // while the caller's graph may be changed
+    bool isRestored = false;                           // by privatePostprocessGraph
+    std::vector<RVEdge*> parallelScratch;
+    std::vector<RVEdge*> returning;  // with room for all parallel edges that are detached
+};
 
 RV_OBJECT_IMPL(RVInternalGraphAlgorithm)
 
-RVServiceErrorCodeEnum RVInternalGraphAlgorithm::run() { return runToItsEnd(); }
+RVServiceErrorCodeEnum RVInternalGraphAlgorithm::run() { return RVAlgorithm::run(); }
 
-RVServiceErrorCodeEnum RVInternalGraphAlgorithm::internalRun() { return runToItsEnd(); }
+RVServiceErrorCodeEnum RVInternalGraphAlgorithm::internalRun() { return RVAlgorithm::run(); }
 
-// An override of cleanup that has thrown may have done so before it called its base.
-RVServiceErrorCodeEnum RVInternalGraphAlgorithm::runToItsEnd() {
+void RVInternalGraphAlgorithm::cleanupAfterFailure() noexcept {
     try {
-        return RVAlgorithm::run();
-    } catch (...) {
-        try {
-            if (pInternalData() != nullptr) RVInternalGraphAlgorithm::cleanup();
-        } catch (...) {  // NOLINT(bugprone-empty-catch)
-        }
-        throw;
+        if (pInternalData() != nullptr) RVInternalGraphAlgorithm::cleanup();
+    } catch (...) {  // NOLINT(bugprone-empty-catch): the first exception tells more
     }
 }
 
@@ -97,15 +98,11 @@ int RVInternalGraphAlgorithm::canUseOriginalGraph() const { return m_useOriginal
 RVAlgorithmData* RVInternalGraphAlgorithm::newInternalData() { return new RVAnalysisInternalData(); }
 
 void RVInternalGraphAlgorithm::initialize() {
-    m_parallelEdges = nullptr;
-    m_orders = nullptr;
-    m_isRestored = false;
-    m_returning.get().clear();
     RVInternalAlgorithm::initialize();
     RVGraph* graph = pInputData()->pAssociatedGraph();
     pInternalData()->pAssociatedGraph(graph);
     pInternalData()->pInputGraph(graph);
-    if (canUseOriginalGraph() == 0 && !worksInArrays()) createGraphCopy();
+    if (canUseOriginalGraph() == 0) createGraphCopy();
 }
 
 // Also called when a hook has thrown: the working graph is destroyed only if it is not the caller's.
@@ -119,16 +116,12 @@ void RVInternalGraphAlgorithm::cleanup() {
         data->pAssociatedGraph(input);
         delete data->pSecondaryGraphs()->searchAndRemoveObject(input);
     }
-    m_parallelEdges = nullptr;
     RVInternalAlgorithm::cleanup();
 }
 
-void RVInternalGraphAlgorithm::preprocess() {
-    if (!worksInArrays()) preprocessGraph();
-}
+void RVInternalGraphAlgorithm::preprocess() { preprocessGraph(); }
 
 void RVInternalGraphAlgorithm::postprocess() {
-    if (worksInArrays()) return;
     try {
         postprocessGraph();
     } catch (...) {
@@ -142,7 +135,7 @@ void RVInternalGraphAlgorithm::postprocess() {
 // nevertheless; an exception behind the first one is not passed on.
 void RVInternalGraphAlgorithm::restoreAfterFailure() {
     for (const bool asOverridden : {true, false}) {
-        if (m_orders.get() == nullptr || m_isRestored) break;
+        if (m_run->orders == nullptr || m_run->isRestored) break;
         try {
             asOverridden ? privatePostprocessGraph() : restoreWorkingGraph();
         } catch (...) {  // NOLINT(bugprone-empty-catch)
@@ -154,8 +147,8 @@ void RVInternalGraphAlgorithm::restoreAfterFailure() {
 void RVInternalGraphAlgorithm::restoreWorkingGraph() { privatePostprocessGraph(pAssociatedGraph()); }
 
 void RVInternalGraphAlgorithm::restoreOrders() {
-    if (m_orders.get() != nullptr) rv::GraphAccess::restoreOrders(pAssociatedGraph(), *m_orders.get());
-    m_orders = nullptr;
+    if (m_run->orders != nullptr) rv::GraphAccess::restoreOrders(pAssociatedGraph(), *m_run->orders);
+    m_run->orders = nullptr;
 }
 
 void RVInternalGraphAlgorithm::preprocessGraph() { privatePreprocessGraph(); }
@@ -163,8 +156,8 @@ void RVInternalGraphAlgorithm::preprocessGraph() { privatePreprocessGraph(); }
 void RVInternalGraphAlgorithm::postprocessGraph() { privatePostprocessGraph(); }
 
 void RVInternalGraphAlgorithm::noteOrders() {
-    if (m_orders.get() != nullptr || pAssociatedGraph() != pInternalData()->pInputGraph()) return;
-    m_orders = std::make_unique<rv::GraphOrders>(rv::GraphAccess::noteOrders(pAssociatedGraph()));
+    if (m_run->orders != nullptr || pAssociatedGraph() != pInternalData()->pInputGraph()) return;
+    m_run->orders = std::make_unique<rv::GraphOrders>(rv::GraphAccess::noteOrders(pAssociatedGraph()));
 }
 
 void RVInternalGraphAlgorithm::prepareRemovals(int edges) {
@@ -231,14 +224,14 @@ void RVInternalGraphAlgorithm::preprocessMultiEdges() { preprocessMultiEdges(pAs
 
 void RVInternalGraphAlgorithm::preprocessMultiEdges(RVGraph* graph) {
     const int direction = directed();
-    m_parallelEdges = std::make_unique<rv::ParallelEdges>(graph, direction != 0);
+    m_run->parallelEdges = std::make_unique<rv::ParallelEdges>(graph, direction != 0);
     std::vector<RVEdge*> representatives;
     representatives.reserve(static_cast<std::size_t>(graph->numberOfEdges()));
     for (RVEdge* edge : *graph->pEdgeList()) {
         if (RVEdge* representative = pRepresentativeEdge(edge, direction))
             representatives.push_back(representative);
     }
-    m_parallelEdges = nullptr;
+    m_run->parallelEdges = nullptr;
 
     const RVAnalysisInternalData* data = pAnalysisInternalData();
     RVEdgeDList none;
@@ -261,7 +254,7 @@ void RVInternalGraphAlgorithm::preprocessMultiEdges(RVGraph* graph) {
         if (parallels.length() == 0) continue;
         noteOrders();
         detached += static_cast<std::size_t>(parallels.length());
-        if (detached > m_returning.get().capacity()) m_returning.get().reserve(2 * detached);
+        if (detached > m_run->returning.capacity()) m_run->returning.reserve(2 * detached);
         for (RVEdge* edge : parallels) graph->removeEdge(edge);
     }
 }
@@ -285,8 +278,8 @@ RVEdge* RVInternalGraphAlgorithm::pRepresentativeEdge(RVEdge* edge, int directed
 RVEdge* RVInternalGraphAlgorithm::selectRepresentativeEdge(RVEdge* edge) { return edge; }
 
 std::span<RVEdge* const> RVInternalGraphAlgorithm::parallelEdges(RVEdge* edge, int directed) {
-    std::vector<RVEdge*>& edges = m_parallelScratch.get();
-    rv::ParallelEdges* known = m_parallelEdges.get().get();
+    std::vector<RVEdge*>& edges = m_run->parallelScratch;
+    rv::ParallelEdges* known = m_run->parallelEdges.get();
     edges.clear();
     if (known != nullptr && known->holds(directed != 0)) {
         const std::span<RVEdge* const> group = known->of(edge);
@@ -335,7 +328,7 @@ void RVInternalGraphAlgorithm::privatePostprocessGraph() { privatePostprocessGra
 // throws here does not keep the rest from coming back.
 void RVInternalGraphAlgorithm::privatePostprocessGraph(RVGraph* graph) {
     RVAnalysisInternalData* data = pAnalysisInternalData();
-    if (graph == pAssociatedGraph()) m_isRestored = true;
+    if (graph == pAssociatedGraph()) m_run->isRestored = true;
     for (RVNode* node : *data->pDisconnectedNodeList()) graph->insertNode(node);
 
     for (RVNode* node : *graph->pNodeList()) {
@@ -346,7 +339,7 @@ void RVInternalGraphAlgorithm::privatePostprocessGraph(RVGraph* graph) {
         }
     }
 
-    std::vector<RVEdge*>& parallels = m_returning.get();
+    std::vector<RVEdge*>& parallels = m_run->returning;
     parallels.clear();
     bool anyDummy = false;
     for (RVEdge* edge : *graph->pEdgeList()) {

@@ -15,30 +15,22 @@
 // objects with the same ends in the same orders again, also when a hook throws or memory runs out: restoring
 // allocates nothing. The caller's graph is never changed otherwise.
 //
-// Some classes find their answer in arrays of their own (worksInArrays). They make no copy and normalise
-// nothing, whatever useOriginalGraph says; their subclasses do both.
+// Classes that answer without the hooks (RVAlgorithm::answer) make no copy and normalise nothing, whatever
+// useOriginalGraph says; their subclasses do both.
 //
 // O(n + m) time and space beside the algorithm.
 #pragma once
 
-#include <memory>
 #include <span>
-#include <typeinfo>
-#include <vector>
 
 #include "rv/framework/algorithm.h"
 #include "rv/framework/analysis_data.h"
-
-namespace rv {
-class ParallelEdges;
-struct GraphOrders;
-}  // namespace rv
 
 class RV_EXPORT RVInternalGraphAlgorithm : public RVInternalAlgorithm {
     RV_OBJECT(RVInternalGraphAlgorithm)
 
 public:
-    RVInternalGraphAlgorithm();
+    RVInternalGraphAlgorithm() = default;
 
     // Runs the pipeline and gives its result code: the entry for callers.
     RVServiceErrorCodeEnum run() override;
@@ -46,7 +38,8 @@ public:
     // RV_NO_GRAPH_FACTORY when that graph has no factory. Subclasses call this first.
     RVServiceErrorCodeEnum checkData() override;
 
-    // Nonzero: work on the caller's graph itself. Default 0. No matter to a class that works in arrays.
+    // Nonzero: work on the caller's graph itself. Default 0. Changes nothing where a class answers without
+    // its hooks.
     int useOriginalGraph() const { return m_useOriginalGraph; }
     int useOriginalGraph(int flag) { return m_useOriginalGraph = flag; }
 
@@ -127,27 +120,14 @@ protected:
     // Takes away what a run has added to the caller's graph, at the beginning of cleanup, also where an
     // override of that has thrown before it called its base. Here nothing.
     virtual void clearInputGraph() {}
-    // Whether this run finds its answer in arrays made of the caller's graph, which a class may do where no
-    // subclass can see the difference. Asked all through a run, which must get the same answer from
-    // initialize on. A class that overrides this has the other steps of its runs do without a working graph.
-    // Here never.
-    virtual bool worksInArrays() const { return false; }
-    // Whether the object is one of the class itself.
-    template <class Algorithm>
-    bool isExactly() const {
-        return typeid(*this) == typeid(Algorithm);
-    }
+    void cleanupAfterFailure() noexcept override;
 
 private:
-    RVServiceErrorCodeEnum runToItsEnd();
+    struct Run;
+
     void restoreAfterFailure();
     void restoreOrders();
 
     int m_useOriginalGraph = 0;
-    // Of the present run.
-    rv::Uncopied<std::unique_ptr<rv::ParallelEdges>> m_parallelEdges;
-    rv::Uncopied<std::unique_ptr<rv::GraphOrders>> m_orders;  // while the caller's graph may be changed
-    rv::Uncopied<bool> m_isRestored = false;                  // by privatePostprocessGraph
-    rv::Uncopied<std::vector<RVEdge*>> m_parallelScratch;
-    rv::Uncopied<std::vector<RVEdge*>> m_returning;  // with room for all parallel edges that are detached
+    rv::RunState<Run> m_run{this};
 };

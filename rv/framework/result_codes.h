@@ -29,7 +29,9 @@ enum RVServiceErrorCodeEnum {
     RV_INVALID_THRESHOLD = 31,   // below 0 or above 1
     RV_ALGORITHM_FAILURE = 999,  // a part of the algorithm failed
 
-    // Of the framework: the algorithm has no input data or no output data object.
+    // Of the framework: the algorithm has no input data or no output data object; its run control ended the
+    // run.
     RV_NO_INPUT_DATA = 1001,
-    RV_NO_OUTPUT_DATA = 1002
+    RV_NO_OUTPUT_DATA = 1002,
+    RV_CANCELLED = 1006
 };

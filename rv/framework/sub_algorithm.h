@@ -4,16 +4,23 @@
 #pragma once
 
 #include "rv/foundation/text_output.h"
+#include "rv/framework/algorithm.h"
 #include "rv/framework/analysis_data.h"
+#include "rv/framework/run_pulse.h"
 
 namespace rv {
 
-// Runs the part on its input and output and gives its result code.
+// Runs the part on its input and output and gives its result code. The part obeys the run control of the
+// outer algorithm, and a run that this ends is the end of the outer one too.
 template <class Algorithm>
-RVServiceErrorCodeEnum runPart(Algorithm& part, RVAlgorithmInputData& input, RVAlgorithmOutputData& output) {
+RVServiceErrorCodeEnum runPart(const RVAlgorithm& outer, Algorithm& part, RVAlgorithmInputData& input,
+                               RVAlgorithmOutputData& output) {
     part.pInputData(&input);
     part.pOutputData(&output);
-    return part.internalRun();
+    part.pRunControl(outer.pRunControl());
+    const RVServiceErrorCodeEnum code = part.internalRun();
+    if (code == RV_CANCELLED) throw Cancelled();
+    return code;
 }
 
 // Notes a failed part: the outer algorithm's outcome becomes RV_ALGORITHM_FAILURE, and the message, which

@@ -313,7 +313,6 @@ struct RVRootCauseAlgorithm::Run {
     RVNodeDList causes;
 };
 
-RVRootCauseAlgorithm::RVRootCauseAlgorithm() = default;
 RV_OBJECT_IMPL(RVRootCauseAlgorithm)
 
 RVServiceErrorCodeEnum RVRootCauseAlgorithm::checkData() {
@@ -340,22 +339,12 @@ RVServiceErrorCodeEnum RVRootCauseAlgorithm::checkData() {
     return RV_NO_ERROR;
 }
 
-void RVRootCauseAlgorithm::initialize() {
-    RVBaseGraphAlgorithm::initialize();
-    m_run = std::make_unique<Run>();
-}
-
-void RVRootCauseAlgorithm::cleanup() {
-    RVBaseGraphAlgorithm::cleanup();
-    m_run = nullptr;
-}
-
 void RVRootCauseAlgorithm::preprocess() {}
 void RVRootCauseAlgorithm::postprocess() {}
 
 void RVRootCauseAlgorithm::parseInputData() {
     const auto* input = RVRootCauseInputData::castDown(pInputData());
-    Run& run = *m_run.get();
+    Run& run = *m_run;
     run.threshold = input->threshold();
     for (RVNode* effect : *input->pEffectNodeList()) {
         run.effects.push_back(effect);
@@ -366,7 +355,7 @@ void RVRootCauseAlgorithm::parseInputData() {
 }
 
 RVServiceErrorCodeEnum RVRootCauseAlgorithm::algorithmBody() {
-    Run& run = *m_run.get();
+    Run& run = *m_run;
     const auto* input = RVRootCauseInputData::castDown(pInputData());
     RVGraph* const graph = input->pAssociatedGraph();
     run.explained.assign(static_cast<std::size_t>(graph->nodeIndexLimit()), Run::kNothing);
@@ -379,7 +368,7 @@ RVServiceErrorCodeEnum RVRootCauseAlgorithm::algorithmBody() {
 }
 
 void RVRootCauseAlgorithm::searchTogether(RVGraph* graph, const RVRootCauseInputData& input) {
-    Run& run = *m_run.get();
+    Run& run = *m_run;
     Marks marks(graph);
     Condensation condensation(graph, input);
     for (std::size_t first = 0; first < run.effects.size(); first += kGroup) {
@@ -390,7 +379,7 @@ void RVRootCauseAlgorithm::searchTogether(RVGraph* graph, const RVRootCauseInput
 }
 
 void RVRootCauseAlgorithm::searchOneByOne(RVGraph* graph, const RVRootCauseInputData& input) {
-    Run& run = *m_run.get();
+    Run& run = *m_run;
     RVReachableNodesInputData question(graph);
     question.reversed(1);
     question.undirected(input.undirected());
@@ -408,7 +397,7 @@ void RVRootCauseAlgorithm::searchOneByOne(RVGraph* graph, const RVRootCauseInput
     for (std::size_t first = 0; first < run.effects.size(); first += kGroup) {
         for (std::size_t i = first; i < run.endOfGroup(first); ++i) {
             question.pStartNode(run.effects[i]);
-            if (rv::runPart(search, question, answer) != RV_NO_ERROR) continue;
+            if (rv::runPart(*this, search, question, answer) != RV_NO_ERROR) continue;
             for (RVNode* node : *answer.pNodeList()) marks.add(node, bitOf(i - first));
         }
         run.addShares(marks, first);
@@ -428,7 +417,7 @@ void RVRootCauseAlgorithm::Run::addShares(const Marks& marks, std::size_t first)
 }
 
 void RVRootCauseAlgorithm::createRootCauseNodeList(const RVGraph* graph) {
-    Run& run = *m_run.get();
+    Run& run = *m_run;
     for (RVNode* node : *graph->pNodeList()) {
         const std::int64_t weight = run.explained[placeOf(node)];
         if (weight != Run::kNothing && run.isEnough(weight)) run.causes.appendNode(node);
@@ -437,7 +426,7 @@ void RVRootCauseAlgorithm::createRootCauseNodeList(const RVGraph* graph) {
 }
 
 void RVRootCauseAlgorithm::generateOutputData() {
-    const Run& run = *m_run.get();
+    const Run& run = *m_run;
     auto* output = RVRootCauseOutputData::castDown(pOutputData());
     RVHashMap* const lists = output->pReachedNodeListMap();
     lists->empty(1, 0);

@@ -120,14 +120,12 @@ class RV_EXPORT RVRootCauseAlgorithm : public RVBaseGraphAlgorithm {
     RV_OBJECT(RVRootCauseAlgorithm)
 
 public:
-    RVRootCauseAlgorithm();
+    RVRootCauseAlgorithm() = default;
     RVServiceErrorCodeEnum checkData() override;
 
 protected:
-    void initialize() override;
     RVServiceErrorCodeEnum algorithmBody() override;
     void generateOutputData() override;
-    void cleanup() override;
     void parseInputData() override;
     // Both do nothing.
     void preprocess() override;
@@ -140,5 +138,5 @@ private:
     void searchOneByOne(RVGraph* graph, const RVRootCauseInputData& input);
     void createRootCauseNodeList(const RVGraph* graph);
 
-    rv::Uncopied<std::unique_ptr<Run>> m_run;
+    rv::RunState<Run> m_run{this};
 };

@@ -7,6 +7,7 @@
 #include <cstdint>
 
 #include "rv/foundation/arithmetic.h"
+#include "rv/framework/run_pulse.h"
 
 RV_OBJECT_IMPL(RVAllPairsShortestPathsInputData)
 RV_OBJECT_IMPL(RVNodeExtensionAllPairsShortestPaths)
@@ -84,8 +85,10 @@ using Output = RVAllPairsShortestPathsOutputData;
 // Costs and last edges of the paths from node i to node j, by the nodes' numbers.
 class PathMatrix {
 public:
-    explicit PathMatrix(const Input& input)
-        : m_input(input), m_size(static_cast<std::size_t>(input.pAssociatedGraph()->numberOfNodes())) {
+    PathMatrix(const Input& input, rv::Pulse& pulse)
+        : m_input(input),
+          m_pulse(pulse),
+          m_size(static_cast<std::size_t>(input.pAssociatedGraph()->numberOfNodes())) {
         const RVGraph* graph = input.pAssociatedGraph();
         m_numbers.resize(static_cast<std::size_t>(graph->nodeIndexLimit()));
         for (RVNode* node : *graph->pNodeList()) {
@@ -218,6 +221,7 @@ private:
     // Takes the way through node k for every node j before `end` where it is cheaper. Node k itself is no
     // node in between on the way to it.
     void improveRow(const Row& from, const Row& via, std::size_t k, std::size_t end) const {
+        m_pulse.beat(static_cast<std::int64_t>(end));
         if (from.costs[k] == rv::kInfinite) return;
         const std::int64_t base = std::int64_t{from.costs[k]} + m_nodeCosts[k];
         const std::int32_t costToK = from.costs[k];
@@ -275,6 +279,7 @@ private:
     }
 
     const Input& m_input;
+    rv::Pulse& m_pulse;
     std::size_t m_size;
     std::vector<std::size_t> m_numbers;  // by dense index
     std::vector<RVNode*> m_nodes;
@@ -296,7 +301,9 @@ void RVAllPairsShortestPathsAlgorithm::initialize() {
 RVServiceErrorCodeEnum RVAllPairsShortestPathsAlgorithm::algorithmBody() {
     const auto* input = Input::castDown(pInputData());
     auto* output = Output::castDown(pOutputData());
-    PathMatrix matrix(*input);
+    const std::int64_t n = input->pAssociatedGraph()->numberOfNodes();
+    rv::RunPulse pulse(pRunControl(), "cheapest paths of all pairs", rv::saturatingProduct64(n * n, n));
+    PathMatrix matrix(*input, pulse);
     const bool hasNoNegativeCycle = matrix.compute();
     matrix.store(*output);
     output->pAssociatedGraph(input->pAssociatedGraph());

@@ -10,7 +10,6 @@
 #include "rv/shortestpaths/unreached.h"
 #include "rv/traversal/topological_sort.h"
 
-RVShortestPathsAlgorithm::RVShortestPathsAlgorithm() = default;
 RV_OBJECT_IMPL(RVShortestPathsAlgorithm)
 
 namespace {
@@ -30,16 +29,6 @@ void RVShortestPathsAlgorithm::preprocessGraph() {}
 
 void RVShortestPathsAlgorithm::postprocessGraph() {}
 
-void RVShortestPathsAlgorithm::initialize() {
-    RVInternalGraphAlgorithm::initialize();
-    m_run = std::make_unique<Run>();
-}
-
-void RVShortestPathsAlgorithm::cleanup() {
-    m_run = nullptr;
-    RVInternalGraphAlgorithm::cleanup();
-}
-
 const RVShortestPathsInputData* RVShortestPathsAlgorithm::pQuestion() const {
     return RVShortestPathsInputData::castDown(pInputData());
 }
@@ -48,10 +37,10 @@ RVShortestPathsOutputData* RVShortestPathsAlgorithm::pAnswer() const {
     return RVShortestPathsOutputData::castDown(pOutputData());
 }
 
-int RVShortestPathsAlgorithm::cost(const RVEdge* edge) const { return m_run.get()->costs[placeOf(edge)]; }
+int RVShortestPathsAlgorithm::cost(const RVEdge* edge) const { return m_run->costs[placeOf(edge)]; }
 
 int RVShortestPathsAlgorithm::cost(const RVEdge* edge, int value) {
-    std::vector<int>& costs = m_run.get()->costs;
+    std::vector<int>& costs = m_run->costs;
     if (placeOf(edge) >= costs.size()) costs.resize(placeOf(edge) + 1);
     return costs[placeOf(edge)] = value;
 }
@@ -101,7 +90,7 @@ void RVShortestPathsAlgorithm::filterGraph(int reverse) {
     if (reverse != 0) std::swap(from, to);
 
     RVReachableNodesOutputData output;
-    rv::noteFailure(*data, rv::findReachable(graph, from, reverse, output), debugMode(),
+    rv::noteFailure(*data, rv::findReachable(*this, graph, from, reverse, output), debugMode(),
                     L"Error in Reachable Nodes. Return code = %d\n");
     bool hasPath = true;
     rv::forEachOtherNode(graph, *output.pNodeList(), [&](const RVNode* node) { hasPath &= node != to; });
@@ -111,7 +100,7 @@ void RVShortestPathsAlgorithm::filterGraph(int reverse) {
 }
 
 void RVShortestPathsAlgorithm::storeEdgeCosts() {
-    m_run.get()->costs.resize(static_cast<std::size_t>(pAssociatedGraph()->edgeIndexLimit()));
+    m_run->costs.resize(static_cast<std::size_t>(pAssociatedGraph()->edgeIndexLimit()));
     for (RVEdge* edge : *pAssociatedGraph()->pEdgeList()) {
         cost(edge, pQuestion()->cost(pInternalData()->pOriginalEdge(edge)));
     }
@@ -122,7 +111,7 @@ void RVShortestPathsAlgorithm::storeEdgeCosts() {
 void RVShortestPathsAlgorithm::splitNodes() {
     RVGraph* graph = pAssociatedGraph();
     RVAlgorithmData* data = pInternalData();
-    Run& run = *m_run.get();
+    Run& run = *m_run;
     run.start = data->pCopyNode(pQuestion()->pStartNode());
     run.finish = data->pCopyNode(pQuestion()->pFinishNode());
     run.startIsFinish = run.start == run.finish;
@@ -153,7 +142,7 @@ void RVShortestPathsAlgorithm::answerEmptyPath() {
 }
 
 void RVShortestPathsAlgorithm::runDijkstraAlgorithm() {
-    if (m_run.get()->startIsFinish) {
+    if (m_run->startIsFinish) {
         answerEmptyPath();
         return;
     }
@@ -162,10 +151,10 @@ void RVShortestPathsAlgorithm::runDijkstraAlgorithm() {
     RVShortestPathsInputData input(graph);
     RVDijkstraOutputData output;
     dijkstra.useOriginalGraph(1);
-    input.pStartNode(m_run.get()->start);
-    input.pFinishNode(m_run.get()->finish);
+    input.pStartNode(m_run->start);
+    input.pFinishNode(m_run->finish);
     for (RVEdge* edge : *graph->pEdgeList()) input.cost(edge, cost(edge));
-    const RVServiceErrorCodeEnum code = rv::runPart(dijkstra, input, output);
+    const RVServiceErrorCodeEnum code = rv::runPart(*this, dijkstra, input, output);
     rv::noteFailure(*pAnalysisInternalData(), code, debugMode(), L"Error in Dijkstra. Return code = %d\n");
     if (code != RV_NO_ERROR) return;
     pAnswer()->totalCost(output.totalCost());
@@ -177,14 +166,14 @@ void RVShortestPathsAlgorithm::sortAndRun() {
     RVTopologicalSortAlgorithm sort;
     RVTopologicalSortInputData input(pAssociatedGraph());
     RVTopologicalSortOutputData output;
-    rv::noteFailure(*pAnalysisInternalData(), rv::runPart(sort, input, output), debugMode(),
+    rv::noteFailure(*pAnalysisInternalData(), rv::runPart(*this, sort, input, output), debugMode(),
                     L"Error in Top Sort. Return code = %d\n");
     output.acyclic() != 0 ? runAcyclicAlgorithm(output) : runAllPairsAlgorithm();
 }
 
 // One pass in topological order: the distance of a node is that of its best predecessor.
 void RVShortestPathsAlgorithm::runAcyclicAlgorithm(const RVTopologicalSortOutputData& sorted) {
-    const Run& run = *m_run.get();
+    const Run& run = *m_run;
     if (run.startIsFinish) {
         answerEmptyPath();
         return;
@@ -227,7 +216,7 @@ void RVShortestPathsAlgorithm::runAllPairsAlgorithm() {
     RVAllPairsShortestPathsInputData input(graph);
     auto output = std::make_unique<RVAllPairsShortestPathsOutputData>();
     for (RVEdge* edge : *graph->pEdgeList()) input.cost(edge, cost(edge));
-    const RVServiceErrorCodeEnum code = rv::runPart(paths, input, *output);
+    const RVServiceErrorCodeEnum code = rv::runPart(*this, paths, input, *output);
     if (code == RV_NEGATIVE_CYCLE) {
         data->returnCode(code);
     } else {
@@ -237,13 +226,13 @@ void RVShortestPathsAlgorithm::runAllPairsAlgorithm() {
     if (goesRound(*output)) {
         data->returnCode(RV_NEGATIVE_CYCLE);
     } else {
-        m_run.get()->allPairs = std::move(output);
+        m_run->allPairs = std::move(output);
     }
 }
 
 // Whether the way back from the finish node never ends: then there is a negative cycle whose sum has wrapped.
 bool RVShortestPathsAlgorithm::goesRound(const RVAllPairsShortestPathsOutputData& paths) const {
-    const Run& run = *m_run.get();
+    const Run& run = *m_run;
     RVNode* node = run.finish;
     for (int steps = 0; steps <= pAssociatedGraph()->numberOfNodes(); ++steps) {
         if (steps > 0 && node == run.start) return false;
@@ -256,7 +245,7 @@ bool RVShortestPathsAlgorithm::goesRound(const RVAllPairsShortestPathsOutputData
 
 void RVShortestPathsAlgorithm::generateOutputData() {
     RVShortestPathsOutputData* answer = pAnswer();
-    Run& run = *m_run.get();
+    Run& run = *m_run;
     answer->pAssociatedGraph(pInternalData()->pInputGraph());
     if (run.allPairs == nullptr) return;  // the other methods have answered
     RVEdgeDList path;

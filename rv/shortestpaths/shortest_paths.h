@@ -50,17 +50,15 @@ class RV_EXPORT RVShortestPathsAlgorithm : public RVInternalGraphAlgorithm {
     RV_OBJECT(RVShortestPathsAlgorithm)
 
 public:
-    RVShortestPathsAlgorithm();
+    RVShortestPathsAlgorithm() = default;
 
     RVServiceErrorCodeEnum checkData() override;
     // 0: the service changes its graph beyond undoing.
     int canUseOriginalGraph() const override;
 
 protected:
-    void initialize() override;
     RVServiceErrorCodeEnum algorithmBody() override;
     void generateOutputData() override;
-    void cleanup() override;
     // Both do nothing: the copy is not normalised.
     void preprocessGraph() override;
     void postprocessGraph() override;
@@ -93,5 +91,5 @@ private:
     void runAllPairsAlgorithm();
     bool goesRound(const RVAllPairsShortestPathsOutputData& paths) const;
 
-    rv::Uncopied<std::unique_ptr<Run>> m_run;
+    rv::RunState<Run> m_run{this};
 };

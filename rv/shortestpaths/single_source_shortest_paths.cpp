@@ -7,6 +7,7 @@
 #include "rv/foundation/arithmetic.h"
 #include "rv/framework/check_input.h"
 #include "rv/framework/input_fields.h"
+#include "rv/framework/run_pulse.h"
 #include "rv/shortestpaths/unreached.h"
 #include "rv/traversal/topological_sort.h"
 
@@ -105,11 +106,10 @@ struct RVSingleSourceShortestPathsAlgorithm::Run {
     std::vector<RVBinTreeCell*> cells;  // of the candidates
 };
 
-RVSingleSourceShortestPathsAlgorithm::RVSingleSourceShortestPathsAlgorithm() = default;
 RV_OBJECT_IMPL(RVSingleSourceShortestPathsAlgorithm)
 
 int RVSingleSourceShortestPathsBinTree::keyOf(RVObject* node) const {
-    const auto* run = m_pAlgorithm == nullptr ? nullptr : m_pAlgorithm->m_run.get().get();
+    const auto* run = m_pAlgorithm == nullptr ? nullptr : m_pAlgorithm->m_run.get();
     const std::size_t place = placeOf(RVNode::castDown(node));
     return run == nullptr || place >= run->distances.size() ? rv::kInfinite
                                                             : rv::saturate(run->distances[place]);
@@ -122,20 +122,10 @@ RVServiceErrorCodeEnum RVSingleSourceShortestPathsAlgorithm::checkData() {
     return rv::checkNode(input->pStartNode(), *input, RV_NO_START_NODE, RV_START_NODE_NOT_IN_GRAPH);
 }
 
-void RVSingleSourceShortestPathsAlgorithm::initialize() {
-    RVInternalGraphAlgorithm::initialize();
-    m_run = std::make_unique<Run>(this);
-}
-
-void RVSingleSourceShortestPathsAlgorithm::cleanup() {
-    RVInternalGraphAlgorithm::cleanup();
-    m_run = nullptr;
-}
-
 void RVSingleSourceShortestPathsAlgorithm::parseInputData() {
     const auto* input = RVSingleSourceShortestPathsInputData::castDown(pInputData());
     const RVGraph* graph = pAssociatedGraph();
-    Run& run = *m_run.get();
+    Run& run = m_run.make(this);
     run.start = pInternalData()->pCopyNode(input->pStartNode());
     run.isUndirected = input->directed() == 0;
     run.cover(graph);
@@ -151,7 +141,7 @@ void RVSingleSourceShortestPathsAlgorithm::parseInputData() {
 // A part that fails has reached nothing, so that nothing is left.
 void RVSingleSourceShortestPathsAlgorithm::privatePreprocessGraph() {
     RVGraph* graph = pAssociatedGraph();
-    Run& run = *m_run.get();
+    Run& run = *m_run;
     run.cover(graph);
     RVReachableNodesAlgorithm search;
     RVReachableNodesInputData input(graph);
@@ -163,7 +153,7 @@ void RVSingleSourceShortestPathsAlgorithm::privatePreprocessGraph() {
             if (run.undirectedEdges[placeOf(edge)]) input.undirected(edge, 1);
         }
     }
-    rv::runPart(search, input, output);
+    rv::runPart(*this, search, input, output);
     rv::forEachOtherNode(graph, *output.pNodeList(), [&](RVNode* node) {
         noteOrders();
         run.removedNodes.appendNode(node);
@@ -175,19 +165,19 @@ void RVSingleSourceShortestPathsAlgorithm::privatePostprocessGraph() { restoreWo
 
 void RVSingleSourceShortestPathsAlgorithm::restoreWorkingGraph() {
     if (m_run.get() == nullptr) return;
-    for (RVNode* node : m_run.get()->removedNodes) pAssociatedGraph()->insertNode(node);
-    m_run.get()->removedNodes.deleteAllCells();
+    for (RVNode* node : m_run->removedNodes) pAssociatedGraph()->insertNode(node);
+    m_run->removedNodes.deleteAllCells();
 }
 
 RVServiceErrorCodeEnum RVSingleSourceShortestPathsAlgorithm::algorithmBody() {
-    m_run.get()->cover(pAssociatedGraph());
+    m_run->cover(pAssociatedGraph());
     if (makeShortestPathTreeAcyclic() == RV_NO_ERROR) return RV_NO_ERROR;
     if (makeShortestPathTreeDijkstra() == RV_NO_ERROR) return RV_NO_ERROR;
     return makeShortestPathTreeBellmanFord();
 }
 
 bool RVSingleSourceShortestPathsAlgorithm::hasUndirectedEdges() const {
-    const Run& run = *m_run.get();
+    const Run& run = *m_run;
     if (run.isUndirected || !run.anyUndirectedEdge) return run.isUndirected;
     for (const RVEdge* edge : *pAssociatedGraph()->pEdgeList()) {
         if (run.undirectedEdges[placeOf(edge)]) return true;
@@ -197,7 +187,7 @@ bool RVSingleSourceShortestPathsAlgorithm::hasUndirectedEdges() const {
 
 bool RVSingleSourceShortestPathsAlgorithm::hasNegativeEdgeCosts() const {
     for (const RVEdge* edge : *pAssociatedGraph()->pEdgeList()) {
-        if (m_run.get()->costs[placeOf(edge)] < 0) return true;
+        if (m_run->costs[placeOf(edge)] < 0) return true;
     }
     return false;
 }
@@ -207,11 +197,13 @@ RVServiceErrorCodeEnum RVSingleSourceShortestPathsAlgorithm::makeShortestPathTre
     RVTopologicalSortAlgorithm sort;
     RVTopologicalSortInputData input(pAssociatedGraph());
     RVTopologicalSortOutputData output;
-    rv::runPart(sort, input, output);
+    rv::runPart(*this, sort, input, output);
     if (output.acyclic() == 0) return RV_ALGORITHM_FAILURE;
-    Run& run = *m_run.get();
+    Run& run = *m_run;
     run.distances[placeOf(run.start)] = 0;
+    rv::RunPulse pulse(pRunControl(), "cheapest paths", pAssociatedGraph()->numberOfEdges());
     for (const RVNode* node : *output.pNodeList()) {
+        pulse.beat(1 + node->inDegree());
         for (RVEdge* edge : *node->pInEdgeList()) {
             const std::int64_t before = run.distance(edge->pSourceNode());
             if (before != Run::kUnreached) run.improve(before, edge, node);
@@ -223,12 +215,14 @@ RVServiceErrorCodeEnum RVSingleSourceShortestPathsAlgorithm::makeShortestPathTre
 // A candidate whose distance falls takes its cell along.
 RVServiceErrorCodeEnum RVSingleSourceShortestPathsAlgorithm::makeShortestPathTreeDijkstra() {
     if (hasNegativeEdgeCosts()) return RV_NEGATIVE_COST;
-    Run& run = *m_run.get();
+    Run& run = *m_run;
     run.cells.assign(run.distances.size(), nullptr);
     run.distances[placeOf(run.start)] = 0;
     run.cells[placeOf(run.start)] = run.candidates.addObject(run.start);
+    rv::RunPulse pulse(pRunControl(), "cheapest paths", pAssociatedGraph()->numberOfEdges());
     while (RVBinTreeCell* nearest = run.candidates.pFirstCell()) {
         const auto* node = static_cast<RVNode*>(nearest->pObject());
+        pulse.beat(1 + node->degree());
         run.candidates.discardCell(nearest);
         run.cells[placeOf(node)] = nullptr;
         const std::int64_t distance = run.distance(node);
@@ -247,7 +241,7 @@ RVServiceErrorCodeEnum RVSingleSourceShortestPathsAlgorithm::makeShortestPathTre
 // edges. Exact sums cannot come to rest on a negative cycle; once one lies below what any path without a
 // repeated node can cost, there is such a cycle.
 RVServiceErrorCodeEnum RVSingleSourceShortestPathsAlgorithm::makeShortestPathTreeBellmanFord() {
-    Run& run = *m_run.get();
+    Run& run = *m_run;
     const int nodes = pAssociatedGraph()->numberOfNodes();
     const std::int64_t least =
         2 * std::int64_t{rv::kSmallest} * nodes;  // costs may be those of edge and node
@@ -255,9 +249,11 @@ RVServiceErrorCodeEnum RVSingleSourceShortestPathsAlgorithm::makeShortestPathTre
     std::vector<RVNode*> next;
     std::vector<int> listedIn(run.distances.size());  // by node, the last pass that lists it as next
     run.distances[placeOf(run.start)] = 0;
+    rv::RunPulse pulse(pRunControl(), "cheapest paths");
     for (int pass = 1; !current.empty() && pass <= nodes; ++pass) {
         next.clear();
         for (const RVNode* node : current) {
+            pulse.beat(1 + node->degree());
             const std::int64_t distance = run.distance(node);
             if (distance < least) return RV_NEGATIVE_CYCLE;
             run.forEachWay(node, [&](RVEdge* edge, RVNode* other) {
@@ -273,7 +269,7 @@ RVServiceErrorCodeEnum RVSingleSourceShortestPathsAlgorithm::makeShortestPathTre
 
 void RVSingleSourceShortestPathsAlgorithm::generateOutputData() {
     const RVAlgorithmData* data = pInternalData();
-    const Run& run = *m_run.get();
+    const Run& run = *m_run;
     auto* output = RVSingleSourceShortestPathsOutputData::castDown(pOutputData());
     output->pAssociatedGraph(data->pInputGraph());
     if (m_exact.distances != nullptr) *m_exact.distances = run.distances;

@@ -132,14 +132,12 @@ class RV_EXPORT RVSingleSourceShortestPathsAlgorithm : public RVInternalGraphAlg
     RV_OBJECT(RVSingleSourceShortestPathsAlgorithm)
 
 public:
-    RVSingleSourceShortestPathsAlgorithm();
+    RVSingleSourceShortestPathsAlgorithm() = default;
     RVServiceErrorCodeEnum checkData() override;
 
 protected:
-    void initialize() override;
     RVServiceErrorCodeEnum algorithmBody() override;
     void generateOutputData() override;
-    void cleanup() override;
     void parseInputData() override;
     // The copy is not normalised: what the start node does not reach is detached, and attached again.
     void privatePreprocessGraph() override;
@@ -159,7 +157,7 @@ private:
     bool hasUndirectedEdges() const;
     bool hasNegativeEdgeCosts() const;
 
-    rv::Uncopied<std::unique_ptr<Run>> m_run;
+    rv::RunState<Run> m_run{this};
 
     // For an algorithm that uses this one as a part, with costs and distances past the 32-bit range. By dense
     // index of the graph's edges and nodes, on which the run must work itself.

@@ -16,6 +16,7 @@
 #include "rv/foundation/graph_access.h"
 #include "rv/framework/check_input.h"
 #include "rv/framework/input_fields.h"
+#include "rv/framework/run_pulse.h"
 #include "rv/shortestpaths/single_source_shortest_paths.h"
 #include "rv/shortestpaths/unreached.h"
 #include "rv/traversal/topological_sort.h"
@@ -294,7 +295,6 @@ struct RVSortedPathsAlgorithm::Run {
     std::vector<std::int64_t> pathEdgeCosts;
 };
 
-RVSortedPathsAlgorithm::RVSortedPathsAlgorithm() = default;
 RV_OBJECT_IMPL(RVSortedPathsAlgorithm)
 
 RVServiceErrorCodeEnum RVSortedPathsAlgorithm::checkData() {
@@ -302,19 +302,9 @@ RVServiceErrorCodeEnum RVSortedPathsAlgorithm::checkData() {
     return code != RV_NO_ERROR ? code : rv::checkEnds(*RVSortedPathsInputData::castDown(pInputData()));
 }
 
-void RVSortedPathsAlgorithm::initialize() {
-    RVInternalGraphAlgorithm::initialize();
-    m_run = std::make_unique<Run>();
-}
-
-void RVSortedPathsAlgorithm::cleanup() {
-    RVInternalGraphAlgorithm::cleanup();
-    m_run = nullptr;
-}
-
 void RVSortedPathsAlgorithm::parseInputData() {
     const auto* input = RVSortedPathsInputData::castDown(pInputData());
-    Run& run = *m_run.get();
+    Run& run = *m_run;
     run.start = pInternalData()->pCopyNode(input->pStartNode());
     run.finish = pInternalData()->pCopyNode(input->pFinishNode());
     run.costs.resize(static_cast<std::size_t>(pAssociatedGraph()->edgeIndexLimit()));
@@ -324,7 +314,7 @@ void RVSortedPathsAlgorithm::parseInputData() {
 }
 
 void RVSortedPathsAlgorithm::privatePreprocessGraph() {
-    const Run& run = *m_run.get();
+    const Run& run = *m_run;
     noteOrders();
     removeOtherNodes(run.start, 0);
     if (run.finish->pOwnerGraph() != nullptr) removeOtherNodes(run.finish, 1);
@@ -335,9 +325,9 @@ void RVSortedPathsAlgorithm::privatePreprocessGraph() {
 void RVSortedPathsAlgorithm::removeOtherNodes(RVNode* end, int reversed) {
     RVGraph* graph = pAssociatedGraph();
     RVReachableNodesOutputData reachable;
-    rv::findReachable(graph, end, reversed, reachable);
+    rv::findReachable(*this, graph, end, reversed, reachable);
     rv::forEachOtherNode(graph, *reachable.pNodeList(), [&](RVNode* node) {
-        m_run.get()->removedNodes.appendNode(node);
+        m_run->removedNodes.appendNode(node);
         graph->removeNode(node);
     });
 }
@@ -345,12 +335,12 @@ void RVSortedPathsAlgorithm::removeOtherNodes(RVNode* end, int reversed) {
 void RVSortedPathsAlgorithm::addNodeCosts() {
     const auto* input = RVSortedPathsInputData::castDown(pInputData());
     // Edges that have come since the input was read cost what edges cost by default.
-    m_run.get()->costs.resize(static_cast<std::size_t>(pAssociatedGraph()->edgeIndexLimit()), 1);
+    m_run->costs.resize(static_cast<std::size_t>(pAssociatedGraph()->edgeIndexLimit()), 1);
     for (RVNode* node : *pAssociatedGraph()->pNodeList()) {
         const int nodeCost = input->cost(pInternalData()->pOriginalNode(node));
         if (nodeCost == 0) continue;
         for (const RVEdge* edge : *node->pInEdgeList()) {
-            m_run.get()->costs[placeOf(edge)] += nodeCost;
+            m_run->costs[placeOf(edge)] += nodeCost;
         }
     }
 }
@@ -359,12 +349,12 @@ void RVSortedPathsAlgorithm::privatePostprocessGraph() { restoreWorkingGraph(); 
 
 void RVSortedPathsAlgorithm::restoreWorkingGraph() {
     if (m_run.get() == nullptr) return;
-    for (RVNode* node : m_run.get()->removedNodes) pAssociatedGraph()->insertNode(node);
-    m_run.get()->removedNodes.deleteAllCells();
+    for (RVNode* node : m_run->removedNodes) pAssociatedGraph()->insertNode(node);
+    m_run->removedNodes.deleteAllCells();
 }
 
 RVServiceErrorCodeEnum RVSortedPathsAlgorithm::algorithmBody() {
-    Run& run = *m_run.get();
+    Run& run = *m_run;
     const RVGraph* graph = pAssociatedGraph();
     if (run.finish->pOwnerGraph() == nullptr) return RV_NO_ERROR;
     const RVServiceErrorCodeEnum code = makeShortestPathTree();
@@ -381,7 +371,7 @@ RVServiceErrorCodeEnum RVSortedPathsAlgorithm::algorithmBody() {
 
 // Over the graph with all edges reversed, so that distances and tree edges lead to the finish node.
 RVServiceErrorCodeEnum RVSortedPathsAlgorithm::makeShortestPathTree() {
-    Run& run = *m_run.get();
+    Run& run = *m_run;
     RVGraph* graph = pAssociatedGraph();
     RVSingleSourceShortestPathsAlgorithm search;
     RVSingleSourceShortestPathsInputData input(graph);
@@ -393,7 +383,7 @@ RVServiceErrorCodeEnum RVSortedPathsAlgorithm::makeShortestPathTree() {
     RVServiceErrorCodeEnum code = RV_NO_ERROR;
     {
         const ReversedGraph reversed(graph);
-        code = rv::runPart(search, input, output);
+        code = rv::runPart(*this, search, input, output);
     }
     if (code != RV_NO_ERROR) return code;
     run.treeEdges.resize(run.distances.size());
@@ -404,7 +394,7 @@ RVServiceErrorCodeEnum RVSortedPathsAlgorithm::makeShortestPathTree() {
 // A node that Dijkstra's method did not reach is infinitely far from the finish node, and so is what lies
 // before it: edges to and from there are on no path that counts.
 void RVSortedPathsAlgorithm::calculateDeltaValues() {
-    Run& run = *m_run.get();
+    Run& run = *m_run;
     run.deltas.assign(run.costs.size(), kInfiniteDelta);
     for (const RVEdge* edge : *pAssociatedGraph()->pEdgeList()) {
         const std::int64_t before = run.distances[placeOf(edge->pSourceNode())];
@@ -435,11 +425,13 @@ void RVSortedPathsAlgorithm::Run::heapify(std::vector<RVEdge*>& heap) const {
 }
 
 void RVSortedPathsAlgorithm::buildOutHeaps() {
-    Run& run = *m_run.get();
+    Run& run = *m_run;
     run.heapRoots.assign(run.distances.size(), nullptr);
     std::vector<RVEdge*> heap;
     std::vector<RVNode*> heapNodes;
+    rv::RunPulse pulse(pRunControl(), "out-heaps", pAssociatedGraph()->numberOfEdges());
     for (const RVNode* node : *pAssociatedGraph()->pNodeList()) {
+        pulse.beat(1 + node->outDegree());
         heap.clear();
         heapNodes.clear();
         for (RVEdge* edge : *node->pOutEdgeList()) {
@@ -468,9 +460,12 @@ std::vector<RVNode*> RVSortedPathsAlgorithm::Run::sortedTreeNodes(int limit) con
 }
 
 void RVSortedPathsAlgorithm::buildSidetrackHeaps() {
-    Run& run = *m_run.get();
+    Run& run = *m_run;
     std::vector<int> sizes(run.heapRoots.size());
-    for (const RVNode* node : run.sortedTreeNodes(pAssociatedGraph()->numberOfNodes())) {
+    const int nodes = pAssociatedGraph()->numberOfNodes();
+    rv::RunPulse pulse(pRunControl(), "heaps of detours", nodes);
+    for (const RVNode* node : run.sortedTreeNodes(nodes)) {
+        pulse.beat();
         RVNode*& root = run.heapRoots[placeOf(node)];
         int& size = sizes[placeOf(node)];
         if (node == run.finish) {
@@ -525,7 +520,7 @@ RVNode* RVSortedPathsAlgorithm::Run::insert(RVNode* heapRoot, RVNode* added, int
 }
 
 void RVSortedPathsAlgorithm::buildPathGraph() {
-    Run& run = *m_run.get();
+    Run& run = *m_run;
     for (const RVEdge* edge : *run.pathGraph->pEdgeList()) {
         run.pathEdgeCosts.push_back(run.delta(edge->pTargetNode()) - run.delta(edge->pSourceNode()));
     }
@@ -543,11 +538,11 @@ void RVSortedPathsAlgorithm::buildPathGraph() {
 }
 
 void RVSortedPathsAlgorithm::enumeratePaths() {
-    Run& run = *m_run.get();
+    Run& run = *m_run;
     RVTopologicalSortAlgorithm sort;
     RVTopologicalSortInputData input(pAssociatedGraph());
     RVTopologicalSortOutputData sorted;
-    rv::runPart(sort, input, sorted);
+    rv::runPart(*this, sort, input, sorted);
     run.hasCycle = sorted.acyclic() == 0;
     run.numberOfPaths = rv::kInfinite;
     if (run.hasCycle) return;
@@ -567,7 +562,7 @@ void RVSortedPathsAlgorithm::generateOutputData() {
     const RVAlgorithmData* data = pInternalData();
     const auto* input = RVSortedPathsInputData::castDown(pInputData());
     auto* output = RVSortedPathsOutputData::castDown(pOutputData());
-    Run& run = *m_run.get();
+    Run& run = *m_run;
     output->pathExists(run.pathExists ? 1 : 0);
     output->acyclic(run.hasCycle ? 0 : 1);
     output->numberOfPaths(run.numberOfPaths);

@@ -157,14 +157,12 @@ class RV_EXPORT RVSortedPathsAlgorithm : public RVInternalGraphAlgorithm {
     RV_OBJECT(RVSortedPathsAlgorithm)
 
 public:
-    RVSortedPathsAlgorithm();
+    RVSortedPathsAlgorithm() = default;
     RVServiceErrorCodeEnum checkData() override;
 
 protected:
-    void initialize() override;
     RVServiceErrorCodeEnum algorithmBody() override;
     void generateOutputData() override;
-    void cleanup() override;
     void parseInputData() override;
     // The copy is not normalised: what is on no path from start to finish is detached, and attached again.
     void privatePreprocessGraph() override;
@@ -183,5 +181,5 @@ private:
     void buildPathGraph();
     void enumeratePaths();
 
-    rv::Uncopied<std::unique_ptr<Run>> m_run;
+    rv::RunState<Run> m_run{this};
 };

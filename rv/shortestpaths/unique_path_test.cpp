@@ -72,7 +72,7 @@ RVServiceErrorCodeEnum RVUniquePathTestAlgorithm::algorithmBody() {
     RVPathExistsTestOutputData answer;
     test.useOriginalGraph(1);
     describe(question);
-    rv::noteFailure(*pData(), rv::runPart(test, question, answer), debugMode(),
+    rv::noteFailure(*pData(), rv::runPart(*this, test, question, answer), debugMode(),
                     L"Error in path exists. return code is %d\n");
     const bool isUniquePath = answer.pathExists() != 0 && isUnique(*answer.pEdgeList());
     output->uniquePathExists(isUniquePath ? 1 : 0);
@@ -88,7 +88,7 @@ bool RVUniquePathTestAlgorithm::isUnique(const RVEdgeDList& path) {
     dijkstra.useOriginalGraph(1);
     describe(question);
     for (RVEdge* edge : path) question.cost(edge, 1);
-    rv::noteFailure(*pData(), rv::runPart(dijkstra, question, answer), debugMode(),
+    rv::noteFailure(*pData(), rv::runPart(*this, dijkstra, question, answer), debugMode(),
                     L"Error in shortest paths. return code is %d\n");
     return answer.totalCost() >= path.length();
 }

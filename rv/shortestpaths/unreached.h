@@ -24,13 +24,13 @@ void forEachOtherNode(RVGraph* graph, const RVNodeDList& listed, F f) {
 }
 
 // Lists the nodes that a node reaches along the edges, or, reversed, that reach it. Gives the code.
-inline RVServiceErrorCodeEnum findReachable(RVGraph* graph, RVNode* start, int reversed,
-                                            RVReachableNodesOutputData& output) {
+inline RVServiceErrorCodeEnum findReachable(const RVAlgorithm& outer, RVGraph* graph, RVNode* start,
+                                            int reversed, RVReachableNodesOutputData& output) {
     RVReachableNodesAlgorithm search;
     RVReachableNodesInputData input(graph);
     input.pStartNode(start);
     input.reversed(reversed);
-    return runPart(search, input, output);
+    return runPart(outer, search, input, output);
 }
 
 }  // namespace rv

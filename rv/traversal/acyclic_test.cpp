@@ -19,7 +19,7 @@ RVServiceErrorCodeEnum RVAcyclicTestAlgorithm::algorithmBody() {
     RVTopologicalSortAlgorithm sort;
     RVTopologicalSortInputData input(pAssociatedGraph());
     RVTopologicalSortOutputData output;
-    const RVServiceErrorCodeEnum code = rv::runPart(sort, input, output);
+    const RVServiceErrorCodeEnum code = rv::runPart(*this, sort, input, output);
     rv::noteFailure(*pAnalysisInternalData(), code, debugMode(), L"Error in Top Sort. Return code = %d\n");
     RVAcyclicTestOutputData::castDown(pOutputData())->acyclic(output.acyclic());
     return pAnalysisInternalData()->returnCode();

@@ -1,15 +1,8 @@
-// The traversal engine with a first-in first-out candidate list: a node's out-edges join it when the node is
-// first reached, so every reachable edge is traversed once, also into nodes already numbered.
-//
-// Where no subclass looks on, the same search is made in arrays (BreadthFirstWalk). There the candidates are
-// the out-edges of the nodes that were reached but not expanded.
-
 #include "rv/traversal/breadth_first_search.h"
 
 #include <cstddef>
 #include <vector>
 
-#include "rv/foundation/prefetch.h"
 #include "rv/framework/check_input.h"
 #include "rv/traversal/search_graph.h"
 
@@ -38,45 +31,6 @@ RVServiceErrorCodeEnum RVBreadthFirstSearchAlgorithm::checkData() {
     if (code != RV_NO_ERROR) return code;
     const auto* input = RVBreadthFirstSearchInputData::castDown(pInputData());
     return rv::checkNode(input->pStartNode(), *input, RV_NO_ERROR, RV_START_NODE_NOT_IN_GRAPH);
-}
-
-void RVBreadthFirstSearchAlgorithm::parseInputData() {
-    if (!worksInArrays()) parseTraversalInput(*RVBreadthFirstSearchInputData::castDown(pInputData()));
-}
-
-namespace {
-
-// The candidates are the future of the search: asks the memory for the edge of the third one, and for the
-// target of the first one, whose edge was asked for two steps ago.
-void prefetchCandidates(const RVDListCell* first) {
-    if (first == nullptr) return;
-    rv::prefetch(static_cast<const RVEdge*>(first->pObject())->pTargetNode());
-    const RVDListCell* second = first->pNextCell();
-    if (second != nullptr && second->pNextCell() != nullptr) rv::prefetch(second->pNextCell()->pObject());
-}
-
-}  // namespace
-
-RVEdge* RVBreadthFirstSearchAlgorithm::pNextEdge() {
-    RVEdge* edge = RVTraversalAlgorithm::pNextEdge();
-    if (edge != nullptr) {
-        RVEdgeDList* candidates = pTraversalInternalData()->pCandidateEdgeList();
-        candidates->discardCell(candidates->pFirstCell());
-        prefetchCandidates(candidates->pFirstCell());
-    }
-    return edge;
-}
-
-void RVBreadthFirstSearchAlgorithm::visitNodeAfterTraverse(RVNode* node, RVEdge* edge) {
-    RVTraversalAlgorithm::visitNodeAfterTraverse(node, edge);
-    RVTraversalInternalData* data = pTraversalInternalData();
-    const int visits = data->counter(node);
-    if (visits == 0) {
-        for (RVEdge* next : *node->pOutEdgeList()) {
-            if (data->traversed(next) == 0) data->pCandidateEdgeList()->appendEdge(next);
-        }
-    }
-    data->counter(node, visits + 1);
 }
 
 namespace {
@@ -118,15 +72,10 @@ private:
 
 }  // namespace
 
-bool RVBreadthFirstSearchAlgorithm::worksInArrays() const {
-    return isExactly<RVBreadthFirstSearchAlgorithm>();
-}
-
-RVServiceErrorCodeEnum RVBreadthFirstSearchAlgorithm::algorithmBody() {
-    if (!worksInArrays()) return RVTraversalAlgorithm::algorithmBody();
+std::optional<RVServiceErrorCodeEnum> RVBreadthFirstSearchAlgorithm::answer() {
+    if (!isExactly<RVBreadthFirstSearchAlgorithm>()) return std::nullopt;
     const auto* input = RVBreadthFirstSearchInputData::castDown(pInputData());
     auto* output = RVBreadthFirstSearchOutputData::castDown(pOutputData());
-    output->pAssociatedGraph(input->pAssociatedGraph());
     const auto graph = rv::SearchGraph::of(*input);
     BreadthFirstWalk walk(graph);
     const RVNode* start = input->pStartNode();
@@ -137,16 +86,4 @@ RVServiceErrorCodeEnum RVBreadthFirstSearchAlgorithm::algorithmBody() {
         output->orderNumber(graph.pNode(index), ++number);
     }
     return RV_NO_ERROR;
-}
-
-void RVBreadthFirstSearchAlgorithm::generateOutputData() {
-    if (worksInArrays()) return;  // algorithmBody has written it
-    const RVTraversalInternalData* data = pTraversalInternalData();
-    auto* output = RVBreadthFirstSearchOutputData::castDown(pOutputData());
-    output->pAssociatedGraph(data->pInputGraph());
-    for (RVNode* node : *data->pVisitedNodeList()) {
-        RVNode* original = data->pOriginalNode(node);
-        output->pNodeList()->appendNode(original);
-        output->orderNumber(original, data->orderNumber(node));
-    }
 }

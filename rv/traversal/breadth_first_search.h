@@ -61,8 +61,7 @@ public:
     RVServiceErrorCodeEnum checkData() override;
 
 protected:
-    bool worksInArrays() const override;
-    RVServiceErrorCodeEnum algorithmBody() override;
+    std::optional<RVServiceErrorCodeEnum> answer() override;
     void generateOutputData() override;
     void parseInputData() override;
     RVEdge* pNextEdge() override;

@@ -1,12 +1,3 @@
-// Breadth-first search over the undirected graph, with the counter of nodes turned into one of components.
-//
-// Invariant: the counter rises whenever a new start is asked for and not when a node is reached, so all nodes
-// of the k-th component found have number k + 1. Isolated nodes are reached after one more such request and
-// all have the same number, the final one.
-//
-// Where no subclass looks on, disjoint sets give the same components: the edges that join two sets are walked
-// in graph order, and the first one of a component is the first of its edges in the graph.
-
 #include "rv/traversal/connected_components.h"
 
 #include <cstddef>
@@ -36,35 +27,6 @@ RVNodeAlgorithmExtension* RVConnectedComponentsOutputData::newNodeAlgorithmExten
 }
 
 RVServiceErrorCodeEnum RVConnectedComponentsAlgorithm::checkData() { return checkInputGraph(); }
-
-int RVConnectedComponentsAlgorithm::directed() const { return 0; }
-
-void RVConnectedComponentsAlgorithm::parseInputData() {}
-
-RVNode* RVConnectedComponentsAlgorithm::findStartNode() { return nullptr; }
-
-RVEdge* RVConnectedComponentsAlgorithm::findStartEdge() {
-    RVTraversalInternalData* data = pTraversalInternalData();
-    data->traversalOrderNumber(data->traversalOrderNumber() + 1);
-    return RVBreadthFirstSearchAlgorithm::findStartEdge();
-}
-
-void RVConnectedComponentsAlgorithm::visitNodeAfterTraverse(RVNode* node, RVEdge* edge) {
-    RVTraversalInternalData* data = pTraversalInternalData();
-    const bool isNew = data->orderNumber(node) == 0;
-    RVBreadthFirstSearchAlgorithm::visitNodeAfterTraverse(node, edge);
-    if (isNew) data->traversalOrderNumber(data->traversalOrderNumber() - 1);
-}
-
-bool RVConnectedComponentsAlgorithm::worksInArrays() const {
-    return isExactly<RVConnectedComponentsAlgorithm>();
-}
-
-RVServiceErrorCodeEnum RVConnectedComponentsAlgorithm::algorithmBody() {
-    if (!worksInArrays()) return RVBreadthFirstSearchAlgorithm::algorithmBody();
-    listComponents();
-    return RV_NO_ERROR;
-}
 
 namespace {
 
@@ -101,10 +63,10 @@ private:
 
 }  // namespace
 
-void RVConnectedComponentsAlgorithm::listComponents() {
-    RVGraph* graph = pInternalData()->pInputGraph();
+std::optional<RVServiceErrorCodeEnum> RVConnectedComponentsAlgorithm::answer() {
+    if (!isExactly<RVConnectedComponentsAlgorithm>()) return std::nullopt;
+    RVGraph* graph = pInputData()->pAssociatedGraph();
     auto* output = RVConnectedComponentsOutputData::castDown(pOutputData());
-    output->pAssociatedGraph(graph);
 
     DisjointSets sets(graph->nodeIndexLimit());
     std::vector<int> joined;  // a node of each edge that joined two sets
@@ -131,25 +93,5 @@ void RVConnectedComponentsAlgorithm::listComponents() {
         components[static_cast<std::size_t>(number - 1)]->appendNode(node);
         output->componentNumber(node, number);
     }
-}
-
-void RVConnectedComponentsAlgorithm::generateOutputData() {
-    if (worksInArrays()) return;  // algorithmBody has listed them
-    const RVTraversalInternalData* data = pTraversalInternalData();
-    auto* output = RVConnectedComponentsOutputData::castDown(pOutputData());
-    output->pAssociatedGraph(data->pInputGraph());
-
-    std::vector<RVNodeDList*> components;
-    const auto put = [&](RVNode* node, int number) {
-        if (number < 1) return;  // not reached by a search that was ended before
-        RVNode* original = data->pOriginalNode(node);
-        components[static_cast<std::size_t>(number - 1)]->appendNode(original);
-        output->componentNumber(original, number);
-    };
-    const RVNodeDList* isolated = data->pDisconnectedNodeList();
-    const int last = data->traversalOrderNumber();
-    for (int i = last + isolated->length() - 2; i > 0; --i) components.push_back(output->addComponent());
-    for (RVNode* node : *pAssociatedGraph()->pNodeList()) put(node, data->orderNumber(node) - 1);
-    int number = last - 1;
-    for (RVNode* node : *isolated) put(node, number++);
+    return RV_NO_ERROR;
 }

@@ -65,14 +65,10 @@ public:
     int directed() const override;
 
 protected:
-    bool worksInArrays() const override;
-    RVServiceErrorCodeEnum algorithmBody() override;
+    std::optional<RVServiceErrorCodeEnum> answer() override;
     void generateOutputData() override;
     void parseInputData() override;
     RVNode* findStartNode() override;
     RVEdge* findStartEdge() override;
     void visitNodeAfterTraverse(RVNode* node, RVEdge* edge) override;
-
-private:
-    void listComponents();
 };

@@ -145,8 +145,7 @@ public:
     RVServiceErrorCodeEnum checkData() override;
 
 protected:
-    bool worksInArrays() const override;
-    RVServiceErrorCodeEnum algorithmBody() override;
+    std::optional<RVServiceErrorCodeEnum> answer() override;
     void generateOutputData() override;
     void parseInputData() override;
     RVAlgorithmData* newInternalData() override;

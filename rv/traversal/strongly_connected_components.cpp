@@ -1,11 +1,3 @@
-// Path-based strong components (Gabow 2000) on the completion hook of the depth-first search.
-//
-// Invariant: the unfinished stack holds every discovered node without a component, in discovery order; the
-// root stack is a subsequence of it. All unfinished nodes from one root up to the next reach one another. A
-// node that completes while it is the top root closes a component: itself and all above it.
-//
-// Where no subclass looks on, the same search is made in arrays (StrongSearch).
-
 #include "rv/traversal/strongly_connected_components.h"
 
 #include <vector>
@@ -56,45 +48,6 @@ RVNodeAlgorithmExtension* RVStronglyConnectedComponentsOutputData::newNodeAlgori
 }
 
 RVServiceErrorCodeEnum RVStronglyConnectedComponentsAlgorithm::checkData() { return checkInputGraph(); }
-
-int RVStronglyConnectedComponentsAlgorithm::directed() const { return 1; }
-
-void RVStronglyConnectedComponentsAlgorithm::parseInputData() {}
-
-RVAlgorithmData* RVStronglyConnectedComponentsAlgorithm::newInternalData() {
-    return new RVStronglyConnectedComponentsInternalData();
-}
-
-void RVStronglyConnectedComponentsAlgorithm::visitNodeAfterTraverse(RVNode* node, RVEdge* edge) {
-    RVStronglyConnectedComponentsInternalData* data = pData();
-    const int number = data->orderNumber(node);
-    if (number == 0) {
-        data->pUnfinishedStack()->prependNode(node);
-        data->pRootStack()->prependNode(node);
-        data->inUnfinished(node, 1);
-    }
-    RVDepthFirstSearchAlgorithm::visitNodeAfterTraverse(node, edge);
-    if (number == 0 || data->inUnfinished(node) == 0) return;
-    RVNodeDList* roots = data->pRootStack();
-    while (data->orderNumber(roots->pFirstNode()) > number) roots->discardCell(roots->pFirstCell());
-}
-
-void RVStronglyConnectedComponentsAlgorithm::completeNodeVisit(RVNode* node, RVNode* parent) {
-    RVDepthFirstSearchAlgorithm::completeNodeVisit(node, parent);
-    RVStronglyConnectedComponentsInternalData* data = pData();
-    RVNodeDList* roots = data->pRootStack();
-    if (roots->pFirstNode() != node) return;
-    data->nextComponentNumber(data->nextComponentNumber() + 1);
-    RVNodeDList* component = data->addComponent();
-    RVNodeDList* stack = data->pUnfinishedStack();
-    for (RVNode* top = nullptr; top != node && stack->length() > 0;) {
-        top = stack->pFirstNode();
-        stack->discardCell(stack->pFirstCell());
-        data->inUnfinished(top, 0);
-        component->appendNode(top);
-    }
-    roots->discardCell(roots->pFirstCell());
-}
 
 namespace {
 
@@ -155,58 +108,10 @@ void StrongSearch::closeComponent(Index root) {
 
 }  // namespace
 
-bool RVStronglyConnectedComponentsAlgorithm::worksInArrays() const {
-    return isExactly<RVStronglyConnectedComponentsAlgorithm>();
-}
-
-RVServiceErrorCodeEnum RVStronglyConnectedComponentsAlgorithm::algorithmBody() {
-    if (!worksInArrays()) return RVDepthFirstSearchAlgorithm::algorithmBody();
+std::optional<RVServiceErrorCodeEnum> RVStronglyConnectedComponentsAlgorithm::answer() {
+    if (!isExactly<RVStronglyConnectedComponentsAlgorithm>()) return std::nullopt;
     auto* output = RVStronglyConnectedComponentsOutputData::castDown(pOutputData());
-    output->pAssociatedGraph(pInternalData()->pInputGraph());
-    const auto graph = rv::SearchGraph::directed(pInternalData()->pInputGraph());
+    const auto graph = rv::SearchGraph::directed(pInputData()->pAssociatedGraph());
     StrongSearch(graph, *output).searchAll();
     return RV_NO_ERROR;
-}
-
-void RVStronglyConnectedComponentsAlgorithm::generateOutputData() {
-    if (worksInArrays()) return;  // algorithmBody has listed them
-    const RVStronglyConnectedComponentsInternalData* data = pData();
-    auto* output = RVStronglyConnectedComponentsOutputData::castDown(pOutputData());
-    output->pAssociatedGraph(data->pInputGraph());
-    int number = 0;
-    for (RVDListIter it(data->pComponentList()); it; it++) {
-        const RVNodeDList& nodes = *RVNodeDList::castDown(it.pObject());
-        RVNodeDList* component = output->addComponent();
-        ++number;
-        for (RVNode* node : nodes) {
-            RVNode* original = data->pOriginalNode(node);
-            component->appendNode(original);
-            output->componentNumber(original, number);
-        }
-        RVEdgeDList& edges = *output->addEdgeComponent();
-        nodes.length() > 1 ? createEdgeList(nodes, edges) : handleReflexiveEdges(nodes, edges);
-    }
-}
-
-void RVStronglyConnectedComponentsAlgorithm::createEdgeList(const RVNodeDList& componentNodes,
-                                                            RVEdgeDList& edges) {
-    RVStronglyConnectedComponentsInternalData* data = pData();
-    for (RVNode* node : componentNodes) data->touched(node, 1);
-    for (RVNode* node : componentNodes) {
-        for (RVEdge* edge : *node->pOutEdgeList()) {
-            if (data->touched(edge->pTargetNode()) == 0) continue;
-            edges.appendEdge(data->pOriginalEdge(edge));
-            for (RVEdge* parallel : data->multiEdges(edge)) edges.appendEdge(data->pOriginalEdge(parallel));
-        }
-        for (RVEdge* loop : data->reflexiveEdges(node)) edges.appendEdge(data->pOriginalEdge(loop));
-    }
-    for (RVNode* node : componentNodes) data->touched(node, 0);
-}
-
-void RVStronglyConnectedComponentsAlgorithm::handleReflexiveEdges(const RVNodeDList& componentNodes,
-                                                                  RVEdgeDList& edges) {
-    const RVStronglyConnectedComponentsInternalData* data = pData();
-    for (RVEdge* loop : data->reflexiveEdges(componentNodes.pFirstNode())) {
-        edges.appendEdge(data->pOriginalEdge(loop));
-    }
 }

@@ -125,8 +125,7 @@ public:
     int directed() const override;
 
 protected:
-    bool worksInArrays() const override;
-    RVServiceErrorCodeEnum algorithmBody() override;
+    std::optional<RVServiceErrorCodeEnum> answer() override;
     void generateOutputData() override;
     void parseInputData() override;
     RVAlgorithmData* newInternalData() override;

@@ -4,6 +4,7 @@
 
 #include "rv/foundation/graph_iterators.h"
 #include "rv/framework/input_fields.h"
+#include "rv/framework/run_pulse.h"
 
 RV_OBJECT_IMPL(RVNodeExtensionTraversal)
 RV_OBJECT_IMPL(RVEdgeExtensionTraversal)
@@ -120,6 +121,11 @@ void RVTraversalInternalData::sortUnvisited(int enough) {
 
 // RVTraversalAlgorithm
 
+struct RVTraversalAlgorithm::Run {
+    std::vector<RVEdge*> reverseEdges;  // detached, of a run on the caller's graph, which they do not outlive
+    bool hasReverseEdges = false;       // in the graph
+};
+
 void RVTraversalAlgorithm::parseTraversalInput(const RVTraversalInputData& input) {
     RVTraversalInternalData* data = pTraversalInternalData();
     data->pStartNode(data->pCopyNode(input.pStartNode()));
@@ -137,8 +143,6 @@ int RVTraversalAlgorithm::directed() const {
 RVAlgorithmData* RVTraversalAlgorithm::newInternalData() { return new RVTraversalInternalData(); }
 
 void RVTraversalAlgorithm::initialize() {
-    m_reverseEdges.get().clear();
-    m_hasReverseEdges = false;
     RVInternalGraphAlgorithm::initialize();
     pTraversalInternalData()->clearLists();
 }
@@ -162,8 +166,8 @@ void RVTraversalAlgorithm::addReverseEdges() {
     RVGraph* graph = pAssociatedGraph();
     noteOrders();
     prepareRemovals(graph->numberOfEdges());
-    m_reverseEdges.get().reserve(static_cast<std::size_t>(graph->numberOfEdges()));
-    m_hasReverseEdges = true;
+    m_run->reverseEdges.reserve(static_cast<std::size_t>(graph->numberOfEdges()));
+    m_run->hasReverseEdges = true;
     for (RVEdgeIter it(graph, RVBackward); it; it++) {
         RVEdge* edge = it.pEdge();
         RVEdge* reverse = graph->addEdge(edge->pTargetNode(), edge->pSourceNode(), 0);
@@ -194,7 +198,7 @@ void RVTraversalAlgorithm::privatePostprocessGraph() {
 }
 
 void RVTraversalAlgorithm::removeReverseEdges() {
-    if (!m_hasReverseEdges) return;
+    if (!m_run->hasReverseEdges) return;
     RVTraversalInternalData* data = pTraversalInternalData();
     data->wasMadeDirected(0);
     RVGraph* graph = pAssociatedGraph();
@@ -204,22 +208,24 @@ void RVTraversalAlgorithm::removeReverseEdges() {
         const auto* record = static_cast<const RVEdgeExtensionTraversal*>(data->pExistingExtension(edge));
         if (record == nullptr || record->dummyReversedEdge() == 0) continue;
         graph->removeEdge(edge);
-        m_reverseEdges.get().push_back(edge);
+        m_run->reverseEdges.push_back(edge);
     }
-    m_hasReverseEdges = false;
+    m_run->hasReverseEdges = false;
 }
 
 // Reverse edges that were added to the caller's graph would otherwise stay with it, detached, for ever.
 void RVTraversalAlgorithm::clearInputGraph() {
     if (pInternalData() != nullptr && pAssociatedGraph() == pInternalData()->pInputGraph()) {
         removeReverseEdges();  // unless an override kept privatePostprocessGraph from being called
-        for (RVEdge* edge : m_reverseEdges.get()) edge->pHomeGraph()->discardEdge(edge);
+        for (RVEdge* edge : m_run->reverseEdges) edge->pHomeGraph()->discardEdge(edge);
     }
-    m_reverseEdges.get().clear();
+    m_run->reverseEdges.clear();
 }
 
 RVServiceErrorCodeEnum RVTraversalAlgorithm::algorithmBody() {
+    rv::RunPulse pulse(pRunControl(), "search", pAssociatedGraph()->numberOfEdges());
     while (RVEdge* edge = pNextEdge()) {
+        pulse.beat();
         visitNodeBeforeTraverse(edge->pSourceNode(), edge);
         privateTraverseEdge(edge);
         visitNodeAfterTraverse(edge->pTargetNode(), edge);

@@ -250,7 +250,6 @@ private:
     void addReverseEdges();
     void removeReverseEdges();
 
-    // The detached reverse edges of a run on the caller's graph, which do not outlive it.
-    rv::Uncopied<std::vector<RVEdge*>> m_reverseEdges;
-    rv::Uncopied<bool> m_hasReverseEdges = false;
+    struct Run;
+    rv::RunState<Run> m_run{this};
 };

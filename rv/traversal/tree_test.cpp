@@ -34,7 +34,7 @@ RVServiceErrorCodeEnum RVTreeTestAlgorithm::checkTreeComplicated() {
     RVConnectedComponentsAlgorithm components;
     RVConnectedComponentsInputData input(graph);
     RVConnectedComponentsOutputData output;
-    RVServiceErrorCodeEnum code = rv::runPart(components, input, output);
+    RVServiceErrorCodeEnum code = rv::runPart(*this, components, input, output);
     if (code != RV_NO_ERROR) {
         code = RV_ALGORITHM_FAILURE;
         if (debugMode() != 0) wprintf_s(L"Error in cc alg. Return code is %d\n", static_cast<int>(code));
