@@ -29,6 +29,7 @@
 #include "rv/framework/base_graph_algorithm.h"
 #include "rv/framework/input_fields.h"
 #include "rv/framework/internal_graph_algorithm.h"
+#include "rv/framework/run_control.h"
 #include "rv/rootcause/reachable_nodes.h"
 #include "rv/rootcause/root_cause_analysis.h"
 #include "rv/shortestpaths/acyclic_shortest_paths.h"
