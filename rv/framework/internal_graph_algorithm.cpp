@@ -98,6 +98,7 @@ int RVInternalGraphAlgorithm::canUseOriginalGraph() const { return m_useOriginal
 RVAlgorithmData* RVInternalGraphAlgorithm::newInternalData() { return new RVAnalysisInternalData(); }
 
 void RVInternalGraphAlgorithm::initialize() {
+    m_run.make();  // so that restoring allocates nothing
     RVInternalAlgorithm::initialize();
     RVGraph* graph = pInputData()->pAssociatedGraph();
     pInternalData()->pAssociatedGraph(graph);
@@ -135,7 +136,7 @@ void RVInternalGraphAlgorithm::postprocess() {
 // nevertheless; an exception behind the first one is not passed on.
 void RVInternalGraphAlgorithm::restoreAfterFailure() {
     for (const bool asOverridden : {true, false}) {
-        if (m_run->orders == nullptr || m_run->isRestored) break;
+        if (m_run.get() == nullptr || m_run->orders == nullptr || m_run->isRestored) break;
         try {
             asOverridden ? privatePostprocessGraph() : restoreWorkingGraph();
         } catch (...) {  // NOLINT(bugprone-empty-catch)
@@ -147,7 +148,8 @@ void RVInternalGraphAlgorithm::restoreAfterFailure() {
 void RVInternalGraphAlgorithm::restoreWorkingGraph() { privatePostprocessGraph(pAssociatedGraph()); }
 
 void RVInternalGraphAlgorithm::restoreOrders() {
-    if (m_run->orders != nullptr) rv::GraphAccess::restoreOrders(pAssociatedGraph(), *m_run->orders);
+    if (m_run.get() == nullptr || m_run->orders == nullptr) return;
+    rv::GraphAccess::restoreOrders(pAssociatedGraph(), *m_run->orders);
     m_run->orders = nullptr;
 }
 

@@ -143,6 +143,7 @@ int RVTraversalAlgorithm::directed() const {
 RVAlgorithmData* RVTraversalAlgorithm::newInternalData() { return new RVTraversalInternalData(); }
 
 void RVTraversalAlgorithm::initialize() {
+    m_run.make();  // so that restoring allocates nothing
     RVInternalGraphAlgorithm::initialize();
     pTraversalInternalData()->clearLists();
 }
@@ -198,7 +199,7 @@ void RVTraversalAlgorithm::privatePostprocessGraph() {
 }
 
 void RVTraversalAlgorithm::removeReverseEdges() {
-    if (!m_run->hasReverseEdges) return;
+    if (m_run.get() == nullptr || !m_run->hasReverseEdges) return;
     RVTraversalInternalData* data = pTraversalInternalData();
     data->wasMadeDirected(0);
     RVGraph* graph = pAssociatedGraph();
@@ -215,6 +216,7 @@ void RVTraversalAlgorithm::removeReverseEdges() {
 
 // Reverse edges that were added to the caller's graph would otherwise stay with it, detached, for ever.
 void RVTraversalAlgorithm::clearInputGraph() {
+    if (m_run.get() == nullptr) return;
     if (pInternalData() != nullptr && pAssociatedGraph() == pInternalData()->pInputGraph()) {
         removeReverseEdges();  // unless an override kept privatePostprocessGraph from being called
         for (RVEdge* edge : m_run->reverseEdges) edge->pHomeGraph()->discardEdge(edge);
