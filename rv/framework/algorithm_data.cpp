@@ -9,6 +9,12 @@
 
 #include "rv/foundation/graph_access.h"
 #include "rv/foundation/slab.h"
+#include "rv/framework/columns.h"
+
+template <class F>
+void RVAlgorithmData::forEachColumn(F f) const {
+    for (rv::ColumnBase* column = m_pLastColumn; column != nullptr; column = column->m_previous) f(*column);
+}
 
 namespace rv {
 
@@ -81,6 +87,7 @@ private:
     std::vector<Record*> m_heapRecords;     // made by callers' factories
     std::vector<Record*> m_settledRecords;  // came with their objects, from the slabs of other graphs
     bool m_plain = true;                    // the destructors of the records in the slabs have nothing to do
+    bool m_hasRecords = false;              // there may be some
     bool m_recordsMovedAway = false;        // a record in the slabs may be one of another graph's objects
     Mapping m_copies[2];                    // of nodes and of edges
     Mapping m_originals[2];
@@ -130,6 +137,7 @@ public:
     void forgetGraph(DataGraph& dying);
 
     void remove(DataGraph& graph);
+    bool hasRecords() const { return m_graphsWithRecords != 0; }
 
 private:
     friend class DataGraph;
@@ -154,9 +162,31 @@ private:
     Graphs m_graphs;                                                // in the order in which they came
     std::unordered_map<const RVGraph*, Graphs::iterator> m_places;  // empty while there have been few
     mutable DataGraph* m_last = nullptr;
-    bool m_mixedTargets = false;    // some mapping may lead to several graphs
-    std::optional<Slab> m_kept[2];  // records whose objects have left a graph that died
+    std::size_t m_graphsWithRecords = 0;  // that may have some
+    bool m_mixedTargets = false;          // some mapping may lead to several graphs
+    std::optional<Slab> m_kept[2];        // records whose objects have left a graph that died
 };
+
+// Columns
+
+ColumnBase::ColumnBase(RVAlgorithmData* data, bool isOfNodes, bool hasRecords)
+    : m_data(data), m_previous(data->m_pLastColumn), m_isOfNodes(isOfNodes), m_hasRecords(hasRecords) {
+    data->m_pLastColumn = this;
+}
+
+// Members end in the reverse of the order in which they were made.
+ColumnBase::~ColumnBase() { m_data->m_pLastColumn = m_previous; }
+
+bool ColumnBase::usable() const { return !m_hasRecords || !m_data->mayHaveRecords(); }
+
+std::optional<RVAlgorithmExtension*> ColumnBase::recordOf(RVGraphObject* object) const {
+    if (usable()) return std::nullopt;
+    if (!m_data->hasStandardRecords()) return m_data->pAlgorithmExtension(object);
+    RVAlgorithmExtension* const record = m_data->pExistingExtension(object);
+    return record == nullptr ? std::nullopt : std::optional(record);
+}
+
+void ColumnBase::observe(RVGraph* graph) const { m_data->m_graphs->at(graph); }
 
 // Records
 
@@ -188,6 +218,12 @@ void DataGraph::enlist(Record* record) {
     }
     record->m_stamp = m_stamp;
     link(record);
+    if (m_hasRecords) return;
+    m_hasRecords = true;
+    ++m_owner.m_graphsWithRecords;
+    m_data->forEachColumn([](ColumnBase& column) {
+        if (column.m_hasRecords) column.m_quickGraph = nullptr;
+    });
 }
 
 void* DataGraph::memory(std::size_t kind, std::size_t size, bool plain) {
@@ -272,6 +308,8 @@ void DataGraph::release() {
         slab->releaseAll();
     }
     m_plain = true;
+    if (m_hasRecords) --m_owner.m_graphsWithRecords;
+    m_hasRecords = false;
     for (Record* record : m_settledRecords) endInPlace(record);
     m_settledRecords.clear();
     while (!m_heapRecords.empty()) {
@@ -286,6 +324,7 @@ void DataGraph::release() {
 
 void DataGraph::graphDies(RVGraph* graph) {
     release();
+    m_data->forEachColumn([graph](ColumnBase& column) { column.drop(graph); });
     RVAlgorithmData* const data = m_data;
     if (data->m_pAssociatedGraph == graph) data->m_pAssociatedGraph = nullptr;
     if (data->m_pInputGraph == graph) data->m_pInputGraph = nullptr;
@@ -302,11 +341,17 @@ void DataGraph::memberDies(RVGraphMember* member) {
         destroy(record);
         break;
     }
+    m_data->forEachColumn([member](ColumnBase& column) {
+        if (column.isOf(member)) column.erase(member);
+    });
     m_owner.forgetMember(member, *this);
 }
 
-void DataGraph::memberMoved(RVGraphMember* member, RVGraph*, int indexThere) {
+void DataGraph::memberMoved(RVGraphMember* member, RVGraph* from, int indexThere) {
     DataGraph& here = m_owner.at(member->pHomeGraph());
+    m_data->forEachColumn([&](ColumnBase& column) {
+        if (column.isOf(member)) column.move(member, from, static_cast<std::size_t>(indexThere));
+    });
     for (Record* record = *listHead(member); record != nullptr; record = record->m_pNext) {
         if (record->m_pData != m_data) continue;
         unlink(record);
@@ -618,6 +663,7 @@ RVAlgorithmData::RVAlgorithmData(const RVAlgorithmData& other, RVDeepFlagEnum) :
 
 RVAlgorithmData& RVAlgorithmData::operator=(const RVAlgorithmData& other) {
     if (this == &other) return *this;
+    forEachColumn([](rv::ColumnBase& column) { column.clear(); });
     m_graphs = std::make_unique<rv::DataGraphs>(this);
     pAssociatedGraph(other.m_pAssociatedGraph);
     pInputGraph(other.m_pInputGraph);
@@ -679,8 +725,15 @@ void RVAlgorithmData::copyGraph(const RVGraph* original, RVGraph* copy) {
 }
 
 void RVAlgorithmData::deleteDataReferences(RVGraph* graph) {
-    if (rv::DataGraph* found = m_graphs->find(graph)) found->dropRecords();
+    rv::DataGraph* const found = m_graphs->find(graph);
+    if (found == nullptr) return;
+    found->dropRecords();
+    forEachColumn([graph](rv::ColumnBase& column) {
+        if (column.m_hasRecords) column.drop(graph);
+    });
 }
+
+bool RVAlgorithmData::mayHaveRecords() const { return m_graphs->hasRecords() || !hasStandardRecords(); }
 
 RVNodeAlgorithmExtension* RVAlgorithmData::newNodeAlgorithmExtension(RVNode* node) {
     return newRecord<RVNodeAlgorithmExtension>(node);
@@ -716,7 +769,11 @@ RVAlgorithmExtension* RVAlgorithmData::makeExtension(RVGraphObject* object) cons
     if (record == nullptr) return nullptr;
     record->m_pOwner = object;
     record->m_pData = this;
-    m_graphs->at(static_cast<RVGraphMember*>(object)->pHomeGraph()).enlist(record);
+    auto* const member = static_cast<RVGraphMember*>(object);
+    m_graphs->at(member->pHomeGraph()).enlist(record);
+    forEachColumn([&](rv::ColumnBase& column) {
+        if (column.m_hasRecords && column.isOf(member)) column.giveTo(record);
+    });
     return record;
 }
 

@@ -28,6 +28,7 @@
 class RVAlgorithmData;
 
 namespace rv {
+class ColumnBase;
 class DataGraph;
 class DataGraphs;
 }  // namespace rv
@@ -164,7 +165,7 @@ public:
         while (record != nullptr && record->m_pData != this) record = record->m_pNext;
         return record;
     }
-    // Destroys this data's records on the objects of a graph.
+    // Destroys this data's records on the objects of a graph; values that records hold become the default.
     void deleteDataReferences(RVGraph* graph);
 
 protected:
@@ -201,9 +202,21 @@ protected:
         if (found == nullptr && object != nullptr && !hasStandardRecords()) found = makeExtension(object);
         return found == nullptr ? defaults : *static_cast<const Record*>(found);
     }
+    // Read a value of the record of an object, and store one and give it; nothing is stored without an
+    // object.
+    template <class Record, class T>
+    T load(RVGraphObject* object, T (Record::*read)() const) const {
+        return (constRecord<Record>(object).*read)();
+    }
+    template <class Record, class T>
+    T store(RVGraphObject* object, T (Record::*write)(T), std::type_identity_t<T> value) {
+        if (auto* own = record<Record>(object)) (own->*write)(value);
+        return value;
+    }
 
 private:
     friend class RVAlgorithmExtension;
+    friend class rv::ColumnBase;
     friend class rv::DataGraph;
     friend class rv::DataGraphs;
 
@@ -213,6 +226,9 @@ private:
     }
 
     RVAlgorithmExtension* makeExtension(RVGraphObject* object) const;
+    bool mayHaveRecords() const;
+    template <class F>
+    void forEachColumn(F f) const;
     void* recordMemory(RVGraphMember* object, std::size_t size, bool plain);
     void copyExtension(const RVAlgorithmExtension& source);
     void destroySecondaryGraphs();
@@ -220,6 +236,7 @@ private:
     RVGraph* m_pAssociatedGraph = nullptr;
     RVGraph* m_pInputGraph = nullptr;
     rv::Owned<RVGraphDList> m_secondaryGraphs;
+    rv::ColumnBase* m_pLastColumn = nullptr;  // each knows the one before
     std::unique_ptr<rv::DataGraphs> m_graphs;
 };
 
@@ -230,6 +247,25 @@ protected:                                                                      
     bool hasStandardRecords() const override { return typeid(*this) == typeid(C); } \
                                                                                     \
 private:
+
+// Declare what records of nodes or edges a class of the library makes; the class goes on with private
+// members.
+#define RV_NODE_RECORDS(Record)                                                  \
+protected:                                                                       \
+    RVNodeAlgorithmExtension* newNodeAlgorithmExtension(RVNode* node) override { \
+        return newRecord<Record>(node);                                          \
+    }                                                                            \
+                                                                                 \
+private:                                                                         \
+    using NodeRecord = Record;
+#define RV_EDGE_RECORDS(Record)                                                  \
+protected:                                                                       \
+    RVEdgeAlgorithmExtension* newEdgeAlgorithmExtension(RVEdge* edge) override { \
+        return newRecord<Record>(edge);                                          \
+    }                                                                            \
+                                                                                 \
+private:                                                                         \
+    using EdgeRecord = Record;
 
 // The question that a caller puts to an algorithm. Values can be asked for by name; the base knows none.
 class RV_EXPORT RVAlgorithmInputData : public RVAlgorithmData {

@@ -5,20 +5,6 @@
 RV_OBJECT_IMPL(RVEdgeExtensionShortestPathsInput)
 RV_OBJECT_IMPL(RVPathCostInputData)
 
-RVEdgeAlgorithmExtension* RVPathCostInputData::newEdgeAlgorithmExtension(RVEdge* edge) {
-    return newRecord<RVEdgeExtensionShortestPathsInput>(edge);
-}
-
-int RVPathCostInputData::undirected(RVEdge* edge, int flag) {
-    if (auto* own = record<RVEdgeExtensionShortestPathsInput>(edge)) own->directed(flag == 0 ? 1 : 0);
-    return flag == 0 ? 0 : 1;
-}
-
-int RVPathCostInputData::cost(RVEdge* edge, int value) {
-    if (auto* own = record<RVEdgeExtensionShortestPathsInput>(edge)) own->cost(value);
-    return value;
-}
-
 std::span<const RVInputField> RVPathCostInputData::inputFields() const {
     using namespace rv::field;
     using D = RVPathCostInputData;

@@ -6,8 +6,8 @@
 // -2147483648 is the least cost of all.
 #pragma once
 
-#include "rv/foundation/hash_map.h"
 #include "rv/framework/analysis_data.h"
+#include "rv/framework/columns.h"
 
 // Per edge of these inputs.
 class RV_EXPORT RVEdgeExtensionShortestPathsInput : public RVEdgeAlgorithmExtension {
@@ -33,6 +33,7 @@ private:
 // edge).
 class RV_EXPORT RVPathCostInputData : public RVAnalysisInputData {
     RV_DATA_OBJECT(RVPathCostInputData)
+    RV_EDGE_RECORDS(RVEdgeExtensionShortestPathsInput)
 
 public:
     explicit RVPathCostInputData(RVGraph* graph) : RVAnalysisInputData(graph) {}
@@ -44,25 +45,28 @@ public:
         return undirected();
     }
     // The same for one edge.
-    int undirected(RVEdge* edge) const { return edgeRecordToRead(edge).directed() == 0 ? 1 : 0; }
-    int undirected(RVEdge* edge, int flag);
+    int undirected(RVEdge* edge) const { return m_edgesDirected.get(edge) == 0 ? 1 : 0; }
+    int undirected(RVEdge* edge, int flag) { return 1 - m_edgesDirected.store(edge, flag == 0 ? 1 : 0); }
     // Default 0.
-    int cost(RVNode* node) const { return m_nodeCosts->getInt(node, 0); }
-    int cost(RVNode* node, int value) { return m_nodeCosts->putInt(node, value); }
-    int cost(RVEdge* edge) const { return edgeRecordToRead(edge).cost(); }
-    int cost(RVEdge* edge, int value);
+    int cost(RVNode* node) const { return m_nodeCosts.get(node); }
+    int cost(RVNode* node, int value) { return m_nodeCosts.store(node, value); }
+    int cost(RVEdge* edge) const { return m_edgeCosts.get(edge); }
+    int cost(RVEdge* edge, int value) { return m_edgeCosts.store(edge, value); }
+
+    // All of these values, for reading them at once.
+    const rv::NodeCosts& nodeCosts() const { return m_nodeCosts; }
+    const rv::EdgeCosts& edgeCosts() const { return m_edgeCosts; }
+    // 0 for an edge that is followed in both directions.
+    const rv::EdgeColumn<int>& edgesDirected() const { return m_edgesDirected; }
 
 protected:
     RVPathCostInputData() = default;
 
-    RVEdgeAlgorithmExtension* newEdgeAlgorithmExtension(RVEdge* edge) override;
     std::span<const RVInputField> inputFields() const override;
 
 private:
-    const RVEdgeExtensionShortestPathsInput& edgeRecordToRead(RVEdge* edge) const {
-        return constRecord<RVEdgeExtensionShortestPathsInput>(edge);
-    }
-
     int m_directed = 1;
-    rv::OwnedMap<rv::Values::Destroy> m_nodeCosts;
+    rv::NodeCosts m_nodeCosts{this};
+    rv::EdgeCosts m_edgeCosts{this, &EdgeRecord::cost, &EdgeRecord::cost};
+    rv::EdgeColumn<int> m_edgesDirected{this, &EdgeRecord::directed, &EdgeRecord::directed, 1};
 };

@@ -11,20 +11,6 @@ RV_OBJECT_IMPL(RVBiconnectedComponentsInputData)
 RV_OBJECT_IMPL(RVBiconnectedComponentsOutputData)
 RV_OBJECT_IMPL(RVBiconnectedComponentsAlgorithm)
 
-RVNodeAlgorithmExtension* RVBiconnectedComponentsInternalData::newNodeAlgorithmExtension(RVNode* node) {
-    return newRecord<RVNodeExtensionBiconnectedComponents>(node);
-}
-
-int RVBiconnectedComponentsInternalData::lowptr(RVNode* node, int number) {
-    if (auto* own = record<RVNodeExtensionBiconnectedComponents>(node)) own->lowptr(number);
-    return number;
-}
-
-int RVBiconnectedComponentsInternalData::isArticulationNode(RVNode* node, int flag) {
-    if (auto* own = record<RVNodeExtensionBiconnectedComponents>(node)) own->isArticulationNode(flag);
-    return flag;
-}
-
 void RVBiconnectedComponentsOutputData::buildComponentList(RVDList& list) const {
     m_components.buildCopies(list);
 }

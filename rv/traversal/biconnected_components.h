@@ -44,6 +44,7 @@ private:
 
 class RV_EXPORT RVBiconnectedComponentsInternalData : public RVDepthFirstSearchInternalData {
     RV_DATA_OBJECT(RVBiconnectedComponentsInternalData)
+    RV_NODE_RECORDS(RVNodeExtensionBiconnectedComponents)
 
 public:
     RVBiconnectedComponentsInternalData() = default;
@@ -61,17 +62,12 @@ public:
     RVNode* pJoiningRoot() const { return m_pJoiningRoot; }
     RVNode* pJoiningRoot(RVNode* node) { return m_pJoiningRoot = node; }
 
-    int lowptr(RVNode* node) const {
-        return constRecord<RVNodeExtensionBiconnectedComponents>(node).lowptr();
+    int lowptr(RVNode* node) const { return load(node, &NodeRecord::lowptr); }
+    int lowptr(RVNode* node, int number) { return store(node, &NodeRecord::lowptr, number); }
+    int isArticulationNode(RVNode* node) const { return load(node, &NodeRecord::isArticulationNode); }
+    int isArticulationNode(RVNode* node, int flag) {
+        return store(node, &NodeRecord::isArticulationNode, flag);
     }
-    int lowptr(RVNode* node, int number);
-    int isArticulationNode(RVNode* node) const {
-        return constRecord<RVNodeExtensionBiconnectedComponents>(node).isArticulationNode();
-    }
-    int isArticulationNode(RVNode* node, int flag);
-
-protected:
-    RVNodeAlgorithmExtension* newNodeAlgorithmExtension(RVNode* node) override;
 
 private:
     int m_nextComponentNumber = 1;

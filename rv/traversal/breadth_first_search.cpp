@@ -12,18 +12,9 @@ RV_OBJECT_IMPL(RVBreadthFirstSearchAlgorithm)
 
 void RVBreadthFirstSearchOutputData::buildNodeOrderList(RVNodeDList& list) const { list = *m_nodes; }
 
-int RVBreadthFirstSearchOutputData::orderNumber(RVNode* node, int number) {
-    if (auto* own = record<RVNodeExtensionTraversal>(node)) own->orderNumber(number);
-    return number;
-}
-
 void RVBreadthFirstSearchOutputData::reset() {
     m_nodes->deleteAllCells();
     deleteDataReferences(pAssociatedGraph());
-}
-
-RVNodeAlgorithmExtension* RVBreadthFirstSearchOutputData::newNodeAlgorithmExtension(RVNode* node) {
-    return newRecord<RVNodeExtensionTraversal>(node);
 }
 
 RVServiceErrorCodeEnum RVBreadthFirstSearchAlgorithm::checkData() {

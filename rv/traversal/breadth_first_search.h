@@ -32,6 +32,7 @@ public:
 
 class RV_EXPORT RVBreadthFirstSearchOutputData : public RVAnalysisOutputData {
     RV_DATA_OBJECT(RVBreadthFirstSearchOutputData)
+    RV_NODE_RECORDS(RVNodeExtensionTraversal)
 
 public:
     RVBreadthFirstSearchOutputData() = default;
@@ -41,16 +42,16 @@ public:
     // Empties the list, then fills it with the nodes in visiting order.
     void buildNodeOrderList(RVNodeDList& list) const;
     // From 1; 0 for a node that the search did not reach.
-    int orderNumber(RVNode* node) const { return constRecord<RVNodeExtensionTraversal>(node).orderNumber(); }
-    int orderNumber(RVNode* node, int number);
+    int orderNumber(RVNode* node) const { return m_orderNumbers.get(node); }
+    int orderNumber(RVNode* node, int number) { return m_orderNumbers.store(node, number); }
+    // The order numbers, for writing them all at once.
+    rv::NodeColumn<int>& orderNumbers() { return m_orderNumbers; }
 
     void reset() override;
 
-protected:
-    RVNodeAlgorithmExtension* newNodeAlgorithmExtension(RVNode* node) override;
-
 private:
     rv::Owned<RVNodeDList> m_nodes;
+    rv::NodeColumn<int> m_orderNumbers{this, &NodeRecord::orderNumber, &NodeRecord::orderNumber};
 };
 
 class RV_EXPORT RVBreadthFirstSearchAlgorithm : public RVTraversalAlgorithm {

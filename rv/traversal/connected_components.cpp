@@ -12,18 +12,9 @@ void RVConnectedComponentsOutputData::buildComponentList(RVDList& list) const {
     m_components.buildCopies(list);
 }
 
-int RVConnectedComponentsOutputData::componentNumber(RVNode* node, int number) {
-    if (auto* own = record<RVNodeExtensionTraversal>(node)) own->orderNumber(number);
-    return number;
-}
-
 void RVConnectedComponentsOutputData::reset() {
     m_components.clear();
     deleteDataReferences(pAssociatedGraph());
-}
-
-RVNodeAlgorithmExtension* RVConnectedComponentsOutputData::newNodeAlgorithmExtension(RVNode* node) {
-    return newRecord<RVNodeExtensionTraversal>(node);
 }
 
 RVServiceErrorCodeEnum RVConnectedComponentsAlgorithm::checkData() { return checkInputGraph(); }

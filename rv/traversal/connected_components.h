@@ -30,6 +30,7 @@ public:
 
 class RV_EXPORT RVConnectedComponentsOutputData : public RVAnalysisOutputData {
     RV_DATA_OBJECT(RVConnectedComponentsOutputData)
+    RV_NODE_RECORDS(RVNodeExtensionTraversal)
 
 public:
     RVConnectedComponentsOutputData() = default;
@@ -42,18 +43,16 @@ public:
     // A new empty component behind all others.
     RVNodeDList* addComponent() { return m_components.add(); }
     // From 1; 0 before a run.
-    int componentNumber(RVNode* node) const {
-        return constRecord<RVNodeExtensionTraversal>(node).orderNumber();
-    }
-    int componentNumber(RVNode* node, int number);
+    int componentNumber(RVNode* node) const { return m_componentNumbers.get(node); }
+    int componentNumber(RVNode* node, int number) { return m_componentNumbers.store(node, number); }
+    // The component numbers, for writing them all at once.
+    rv::NodeColumn<int>& componentNumbers() { return m_componentNumbers; }
 
     void reset() override;
 
-protected:
-    RVNodeAlgorithmExtension* newNodeAlgorithmExtension(RVNode* node) override;
-
 private:
     rv::OwnedLists<RVNodeDList> m_components;
+    rv::NodeColumn<int> m_componentNumbers{this, &NodeRecord::orderNumber, &NodeRecord::orderNumber};
 };
 
 class RV_EXPORT RVConnectedComponentsAlgorithm : public RVBreadthFirstSearchAlgorithm {

@@ -15,53 +15,11 @@ RV_OBJECT_IMPL(RVDepthFirstSearchAlgorithm)
 
 // Data
 
-RVNodeAlgorithmExtension* RVDepthFirstSearchInternalData::newNodeAlgorithmExtension(RVNode* node) {
-    return newRecord<RVNodeExtensionDepthFirstSearch>(node);
-}
-
-int RVDepthFirstSearchInternalData::completionNumber(RVNode* node, int number) {
-    if (auto* own = record<RVNodeExtensionDepthFirstSearch>(node)) own->completionNumber(number);
-    return number;
-}
-
-int RVDepthFirstSearchInternalData::firedNumber(RVNode* node, int number) {
-    if (auto* own = record<RVNodeExtensionDepthFirstSearch>(node)) own->firedNumber(number);
-    return number;
-}
-
 void RVDepthFirstSearchOutputData::buildNodeOrderList(RVNodeDList& list) const { list = *m_nodes; }
-
-int RVDepthFirstSearchOutputData::orderNumber(RVNode* node, int number) {
-    if (auto* own = record<RVNodeExtensionDepthFirstSearch>(node)) own->orderNumber(number);
-    return number;
-}
-
-int RVDepthFirstSearchOutputData::completionNumber(RVNode* node, int number) {
-    if (auto* own = record<RVNodeExtensionDepthFirstSearch>(node)) own->completionNumber(number);
-    return number;
-}
-
-RVNode* RVDepthFirstSearchOutputData::pParentNode(RVNode* node, RVNode* parent) {
-    if (auto* own = record<RVNodeExtensionDepthFirstSearch>(node)) own->pParentNode(parent);
-    return parent;
-}
-
-RVAnalysisEdgeTypeEnum RVDepthFirstSearchOutputData::edgeType(RVEdge* edge, RVAnalysisEdgeTypeEnum type) {
-    if (auto* own = record<RVEdgeExtensionDepthFirstSearch>(edge)) own->edgeType(type);
-    return type;
-}
 
 void RVDepthFirstSearchOutputData::reset() {
     m_nodes->deleteAllCells();
     deleteDataReferences(pAssociatedGraph());
-}
-
-RVNodeAlgorithmExtension* RVDepthFirstSearchOutputData::newNodeAlgorithmExtension(RVNode* node) {
-    return newRecord<RVNodeExtensionDepthFirstSearch>(node);
-}
-
-RVEdgeAlgorithmExtension* RVDepthFirstSearchOutputData::newEdgeAlgorithmExtension(RVEdge* edge) {
-    return newRecord<RVEdgeExtensionDepthFirstSearch>(edge);
 }
 
 // Algorithm

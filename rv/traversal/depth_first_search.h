@@ -69,23 +69,19 @@ private:
 
 class RV_EXPORT RVDepthFirstSearchInternalData : public RVTraversalInternalData {
     RV_DATA_OBJECT(RVDepthFirstSearchInternalData)
+    RV_NODE_RECORDS(RVNodeExtensionDepthFirstSearch)
 
 public:
     RVDepthFirstSearchInternalData() = default;
 
     int nextCompletionNumber() const { return m_nextCompletionNumber; }
     int nextCompletionNumber(int number) { return m_nextCompletionNumber = number; }
-    int completionNumber(RVNode* node) const {
-        return constRecord<RVNodeExtensionDepthFirstSearch>(node).completionNumber();
+    int completionNumber(RVNode* node) const { return load(node, &NodeRecord::completionNumber); }
+    int completionNumber(RVNode* node, int number) {
+        return store(node, &NodeRecord::completionNumber, number);
     }
-    int completionNumber(RVNode* node, int number);
-    int firedNumber(RVNode* node) const {
-        return constRecord<RVNodeExtensionDepthFirstSearch>(node).firedNumber();
-    }
-    int firedNumber(RVNode* node, int number);
-
-protected:
-    RVNodeAlgorithmExtension* newNodeAlgorithmExtension(RVNode* node) override;
+    int firedNumber(RVNode* node) const { return load(node, &NodeRecord::firedNumber); }
+    int firedNumber(RVNode* node, int number) { return store(node, &NodeRecord::firedNumber, number); }
 
 private:
     int m_nextCompletionNumber = 1;
@@ -101,6 +97,8 @@ public:
 
 class RV_EXPORT RVDepthFirstSearchOutputData : public RVAnalysisOutputData {
     RV_DATA_OBJECT(RVDepthFirstSearchOutputData)
+    RV_NODE_RECORDS(RVNodeExtensionDepthFirstSearch)
+    RV_EDGE_RECORDS(RVEdgeExtensionDepthFirstSearch)
 
 public:
     RVDepthFirstSearchOutputData() = default;
@@ -111,30 +109,32 @@ public:
     void buildNodeOrderList(RVNodeDList& list) const;
 
     // Discovery and completion number, from 1; 0 for a node that the search did not reach.
-    int orderNumber(RVNode* node) const { return nodeRecordToRead(node).orderNumber(); }
-    int orderNumber(RVNode* node, int number);
-    int completionNumber(RVNode* node) const { return nodeRecordToRead(node).completionNumber(); }
-    int completionNumber(RVNode* node, int number);
+    int orderNumber(RVNode* node) const { return m_orderNumbers.get(node); }
+    int orderNumber(RVNode* node, int number) { return m_orderNumbers.store(node, number); }
+    int completionNumber(RVNode* node) const { return m_completionNumbers.get(node); }
+    int completionNumber(RVNode* node, int number) { return m_completionNumbers.store(node, number); }
     // None for a node from which the search started or that it did not reach.
-    RVNode* pParentNode(RVNode* node) const { return nodeRecordToRead(node).pParentNode(); }
-    RVNode* pParentNode(RVNode* node, RVNode* parent);
-    RVAnalysisEdgeTypeEnum edgeType(RVEdge* edge) const {
-        return constRecord<RVEdgeExtensionDepthFirstSearch>(edge).edgeType();
+    RVNode* pParentNode(RVNode* node) const { return m_parentNodes.get(node); }
+    RVNode* pParentNode(RVNode* node, RVNode* parent) { return m_parentNodes.store(node, parent); }
+    RVAnalysisEdgeTypeEnum edgeType(RVEdge* edge) const { return m_edgeTypes.get(edge); }
+    RVAnalysisEdgeTypeEnum edgeType(RVEdge* edge, RVAnalysisEdgeTypeEnum type) {
+        return m_edgeTypes.store(edge, type);
     }
-    RVAnalysisEdgeTypeEnum edgeType(RVEdge* edge, RVAnalysisEdgeTypeEnum type);
+    // These values, for writing them all at once.
+    rv::NodeColumn<int>& orderNumbers() { return m_orderNumbers; }
+    rv::NodeColumn<int>& completionNumbers() { return m_completionNumbers; }
+    rv::NodeColumn<RVNode*>& parentNodes() { return m_parentNodes; }
+    rv::EdgeColumn<RVAnalysisEdgeTypeEnum>& edgeTypes() { return m_edgeTypes; }
 
     void reset() override;
 
-protected:
-    RVNodeAlgorithmExtension* newNodeAlgorithmExtension(RVNode* node) override;
-    RVEdgeAlgorithmExtension* newEdgeAlgorithmExtension(RVEdge* edge) override;
-
 private:
-    const RVNodeExtensionDepthFirstSearch& nodeRecordToRead(RVNode* node) const {
-        return constRecord<RVNodeExtensionDepthFirstSearch>(node);
-    }
-
     rv::Owned<RVNodeDList> m_nodes;
+    rv::NodeColumn<int> m_orderNumbers{this, &NodeRecord::orderNumber, &NodeRecord::orderNumber};
+    rv::NodeColumn<int> m_completionNumbers{this, &NodeRecord::completionNumber,
+                                            &NodeRecord::completionNumber};
+    rv::NodeColumn<RVNode*> m_parentNodes{this, &NodeRecord::pParentNode, &NodeRecord::pParentNode};
+    rv::EdgeColumn<RVAnalysisEdgeTypeEnum> m_edgeTypes{this, &EdgeRecord::edgeType, &EdgeRecord::edgeType};
 };
 
 class RV_EXPORT RVDepthFirstSearchAlgorithm : public RVTraversalAlgorithm {

@@ -10,20 +10,6 @@ RV_OBJECT_IMPL(RVStronglyConnectedComponentsInputData)
 RV_OBJECT_IMPL(RVStronglyConnectedComponentsOutputData)
 RV_OBJECT_IMPL(RVStronglyConnectedComponentsAlgorithm)
 
-RVNodeAlgorithmExtension* RVStronglyConnectedComponentsInternalData::newNodeAlgorithmExtension(RVNode* node) {
-    return newRecord<RVNodeExtensionStronglyConnectedComponents>(node);
-}
-
-int RVStronglyConnectedComponentsInternalData::inUnfinished(RVNode* node, int flag) {
-    if (auto* own = record<RVNodeExtensionStronglyConnectedComponents>(node)) own->inUnfinished(flag);
-    return flag;
-}
-
-int RVStronglyConnectedComponentsInternalData::touched(RVNode* node, int flag) {
-    if (auto* own = record<RVNodeExtensionStronglyConnectedComponents>(node)) own->touched(flag);
-    return flag;
-}
-
 void RVStronglyConnectedComponentsOutputData::buildComponentList(RVDList& list) const {
     m_components.buildCopies(list);
 }
@@ -32,19 +18,10 @@ void RVStronglyConnectedComponentsOutputData::buildEdgeComponentList(RVDList& li
     m_edgeComponents.buildCopies(list);
 }
 
-int RVStronglyConnectedComponentsOutputData::componentNumber(RVNode* node, int number) {
-    if (auto* own = record<RVNodeExtensionTraversal>(node)) own->orderNumber(number);
-    return number;
-}
-
 void RVStronglyConnectedComponentsOutputData::reset() {
     m_components.clear();
     m_edgeComponents.clear();
     deleteDataReferences(pAssociatedGraph());
-}
-
-RVNodeAlgorithmExtension* RVStronglyConnectedComponentsOutputData::newNodeAlgorithmExtension(RVNode* node) {
-    return newRecord<RVNodeExtensionTraversal>(node);
 }
 
 RVServiceErrorCodeEnum RVStronglyConnectedComponentsAlgorithm::checkData() { return checkInputGraph(); }

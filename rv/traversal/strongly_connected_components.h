@@ -42,6 +42,7 @@ private:
 
 class RV_EXPORT RVStronglyConnectedComponentsInternalData : public RVDepthFirstSearchInternalData {
     RV_DATA_OBJECT(RVStronglyConnectedComponentsInternalData)
+    RV_NODE_RECORDS(RVNodeExtensionStronglyConnectedComponents)
 
 public:
     RVStronglyConnectedComponentsInternalData() = default;
@@ -56,17 +57,10 @@ public:
     RVDList* pComponentList() const { return m_components.get(); }
     RVNodeDList* addComponent() { return m_components.add(); }
 
-    int inUnfinished(RVNode* node) const {
-        return constRecord<RVNodeExtensionStronglyConnectedComponents>(node).inUnfinished();
-    }
-    int inUnfinished(RVNode* node, int flag);
-    int touched(RVNode* node) const {
-        return constRecord<RVNodeExtensionStronglyConnectedComponents>(node).touched();
-    }
-    int touched(RVNode* node, int flag);
-
-protected:
-    RVNodeAlgorithmExtension* newNodeAlgorithmExtension(RVNode* node) override;
+    int inUnfinished(RVNode* node) const { return load(node, &NodeRecord::inUnfinished); }
+    int inUnfinished(RVNode* node, int flag) { return store(node, &NodeRecord::inUnfinished, flag); }
+    int touched(RVNode* node) const { return load(node, &NodeRecord::touched); }
+    int touched(RVNode* node, int flag) { return store(node, &NodeRecord::touched, flag); }
 
 private:
     int m_nextComponentNumber = 1;
@@ -85,6 +79,7 @@ public:
 
 class RV_EXPORT RVStronglyConnectedComponentsOutputData : public RVAnalysisOutputData {
     RV_DATA_OBJECT(RVStronglyConnectedComponentsOutputData)
+    RV_NODE_RECORDS(RVNodeExtensionTraversal)
 
 public:
     RVStronglyConnectedComponentsOutputData() = default;
@@ -101,19 +96,17 @@ public:
     void buildComponentList(RVDList& list) const;
     void buildEdgeComponentList(RVDList& list) const;
     // From 1; 0 before a run.
-    int componentNumber(RVNode* node) const {
-        return constRecord<RVNodeExtensionTraversal>(node).orderNumber();
-    }
-    int componentNumber(RVNode* node, int number);
+    int componentNumber(RVNode* node) const { return m_componentNumbers.get(node); }
+    int componentNumber(RVNode* node, int number) { return m_componentNumbers.store(node, number); }
+    // The component numbers, for writing them all at once.
+    rv::NodeColumn<int>& componentNumbers() { return m_componentNumbers; }
 
     void reset() override;
-
-protected:
-    RVNodeAlgorithmExtension* newNodeAlgorithmExtension(RVNode* node) override;
 
 private:
     rv::OwnedLists<RVNodeDList> m_components;
     rv::OwnedLists<RVEdgeDList> m_edgeComponents;
+    rv::NodeColumn<int> m_componentNumbers{this, &NodeRecord::orderNumber, &NodeRecord::orderNumber};
 };
 
 class RV_EXPORT RVStronglyConnectedComponentsAlgorithm : public RVDepthFirstSearchAlgorithm {

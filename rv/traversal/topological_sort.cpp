@@ -17,7 +17,7 @@ void RVTopologicalSortOutputData::buildNodeOrderList(RVNodeDList& list) const {
 void RVTopologicalSortOutputData::reset() {
     m_nodes->deleteAllCells();
     m_acyclic = 1;
-    m_orderNumbers->empty(1, 0);
+    m_orderNumbers.clear();
 }
 
 RVServiceErrorCodeEnum RVTopologicalSortAlgorithm::algorithmBody() {

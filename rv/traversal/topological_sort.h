@@ -20,8 +20,8 @@
 
 #include <vector>
 
-#include "rv/foundation/hash_map.h"
 #include "rv/framework/base_graph_algorithm.h"
+#include "rv/framework/columns.h"
 
 class RV_EXPORT RVTopologicalSortInputData : public RVAnalysisInputData {
     RV_DATA_OBJECT(RVTopologicalSortInputData)
@@ -42,20 +42,23 @@ public:
     int acyclic(int flag) { return m_acyclic = flag; }
 
     // The node's number, from 1; 0 for a node without one.
-    int orderNumber(RVNode* node) const { return m_orderNumbers->getInt(node, 0); }
-    int orderNumber(RVNode* node, int number) { return m_orderNumbers->putInt(node, number); }
+    int orderNumber(RVNode* node) const { return m_orderNumbers.get(node); }
+    int orderNumber(RVNode* node, int number) { return m_orderNumbers.store(node, number); }
 
     // The nodes in topological order; empty when the graph is not acyclic.
     RVNodeDList* pNodeList() const { return m_nodes.get(); }
     // Empties the list, then fills it with the nodes in topological order.
     void buildNodeOrderList(RVNodeDList& list) const;
 
+    // The order numbers, for writing them all at once.
+    rv::NodeColumn<int>& orderNumbers() { return m_orderNumbers; }
+
     void reset() override;
 
 private:
     rv::Owned<RVNodeDList> m_nodes;
     int m_acyclic = 1;
-    rv::OwnedMap<rv::Values::Destroy> m_orderNumbers;
+    rv::NodeColumn<int> m_orderNumbers{this};
 };
 
 // The number of a node, for callers' use; the algorithm makes no such records.

@@ -15,15 +15,6 @@ RV_OBJECT_IMPL(RVTraversalAlgorithm)
 
 // RVTraversalInputData
 
-int RVTraversalInputData::undirected(RVEdge* edge, int flag) {
-    if (auto* own = record<RVEdgeExtensionTraversalInput>(edge)) own->directed(flag == 0 ? 1 : 0);
-    return flag != 0 ? 1 : 0;
-}
-
-RVEdgeAlgorithmExtension* RVTraversalInputData::newEdgeAlgorithmExtension(RVEdge* edge) {
-    return newRecord<RVEdgeExtensionTraversalInput>(edge);
-}
-
 std::span<const RVInputField> RVTraversalInputData::inputFields() const {
     using namespace rv::field;
     using D = RVTraversalInputData;
@@ -36,39 +27,6 @@ std::span<const RVInputField> RVTraversalInputData::inputFields() const {
 }
 
 // RVTraversalInternalData
-
-RVNodeAlgorithmExtension* RVTraversalInternalData::newNodeAlgorithmExtension(RVNode* node) {
-    return newRecord<RVNodeExtensionTraversal>(node);
-}
-
-RVEdgeAlgorithmExtension* RVTraversalInternalData::newEdgeAlgorithmExtension(RVEdge* edge) {
-    return newRecord<RVEdgeExtensionTraversal>(edge);
-}
-
-int RVTraversalInternalData::counter(RVNode* node, int value) {
-    if (auto* own = record<RVNodeExtensionTraversal>(node)) own->counter(value);
-    return value;
-}
-
-int RVTraversalInternalData::orderNumber(RVNode* node, int value) {
-    if (auto* own = record<RVNodeExtensionTraversal>(node)) own->orderNumber(value);
-    return value;
-}
-
-RVNode* RVTraversalInternalData::pParentNode(RVNode* node, RVNode* parent) {
-    if (auto* own = record<RVNodeExtensionTraversal>(node)) own->pParentNode(parent);
-    return parent;
-}
-
-int RVTraversalInternalData::traversed(RVEdge* edge, int flag) {
-    if (auto* own = record<RVEdgeExtensionTraversal>(edge)) own->traversed(flag);
-    return flag;
-}
-
-int RVTraversalInternalData::dummyReversedEdge(RVEdge* edge, int flag) {
-    if (auto* own = record<RVEdgeExtensionTraversal>(edge)) own->dummyReversedEdge(flag);
-    return flag;
-}
 
 void RVTraversalInternalData::clearLists() {
     m_candidateEdges->deleteAllCells();

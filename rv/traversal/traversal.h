@@ -17,6 +17,7 @@
 
 #include <vector>
 
+#include "rv/framework/columns.h"
 #include "rv/framework/internal_graph_algorithm.h"
 #include "rv/traversal/pending_members.h"
 
@@ -85,6 +86,7 @@ private:
 // "startNode", "undirected" (of the graph), "edgeUndirected" (of an edge).
 class RV_EXPORT RVTraversalInputData : public RVAnalysisInputData {
     RV_DATA_OBJECT(RVTraversalInputData)
+    RV_EDGE_RECORDS(RVEdgeExtensionTraversalInput)
 
 public:
     RVTraversalInputData() = default;
@@ -100,23 +102,25 @@ public:
         return undirected();
     }
     // The same for one edge.
-    int undirected(RVEdge* edge) const {
-        return constRecord<RVEdgeExtensionTraversalInput>(edge).directed() == 0 ? 1 : 0;
-    }
-    int undirected(RVEdge* edge, int flag);
+    int undirected(RVEdge* edge) const { return m_edgesDirected.get(edge) == 0 ? 1 : 0; }
+    int undirected(RVEdge* edge, int flag) { return 1 - m_edgesDirected.store(edge, flag == 0 ? 1 : 0); }
+    // The same for reading all at once: 0 for an edge that is followed in both directions.
+    const rv::EdgeColumn<int>& edgesDirected() const { return m_edgesDirected; }
 
 protected:
-    RVEdgeAlgorithmExtension* newEdgeAlgorithmExtension(RVEdge* edge) override;
     std::span<const RVInputField> inputFields() const override;
 
 private:
     int m_directed = 1;
     RVNode* m_pStartNode = nullptr;
+    rv::EdgeColumn<int> m_edgesDirected{this, &EdgeRecord::directed, &EdgeRecord::directed, 1};
 };
 
 // What a search keeps for the time of a run. All nodes and edges are those of the working graph.
 class RV_EXPORT RVTraversalInternalData : public RVAnalysisInternalData {
     RV_DATA_OBJECT(RVTraversalInternalData)
+    RV_NODE_RECORDS(RVNodeExtensionTraversal)
+    RV_EDGE_RECORDS(RVEdgeExtensionTraversal)
 
 public:
     RVTraversalInternalData() = default;
@@ -143,16 +147,20 @@ public:
     RVNode* pStartNode() const { return m_pStartNode; }
     RVNode* pStartNode(RVNode* node) { return m_pStartNode = node; }
 
-    int counter(RVNode* node) const { return nodeRecordToRead(node).counter(); }
-    int counter(RVNode* node, int value);
-    int orderNumber(RVNode* node) const { return nodeRecordToRead(node).orderNumber(); }
-    int orderNumber(RVNode* node, int value);
-    RVNode* pParentNode(RVNode* node) const { return nodeRecordToRead(node).pParentNode(); }
-    RVNode* pParentNode(RVNode* node, RVNode* parent);
-    int traversed(RVEdge* edge) const { return edgeRecordToRead(edge).traversed(); }
-    int traversed(RVEdge* edge, int flag);
-    int dummyReversedEdge(RVEdge* edge) const { return edgeRecordToRead(edge).dummyReversedEdge(); }
-    int dummyReversedEdge(RVEdge* edge, int flag);
+    int counter(RVNode* node) const { return load(node, &NodeRecord::counter); }
+    int counter(RVNode* node, int value) { return store(node, &NodeRecord::counter, value); }
+    int orderNumber(RVNode* node) const { return load(node, &NodeRecord::orderNumber); }
+    int orderNumber(RVNode* node, int value) { return store(node, &NodeRecord::orderNumber, value); }
+    RVNode* pParentNode(RVNode* node) const { return load(node, &NodeRecord::pParentNode); }
+    RVNode* pParentNode(RVNode* node, RVNode* parent) {
+        return store(node, &NodeRecord::pParentNode, parent);
+    }
+    int traversed(RVEdge* edge) const { return load(edge, &EdgeRecord::traversed); }
+    int traversed(RVEdge* edge, int flag) { return store(edge, &EdgeRecord::traversed, flag); }
+    int dummyReversedEdge(RVEdge* edge) const { return load(edge, &EdgeRecord::dummyReversedEdge); }
+    int dummyReversedEdge(RVEdge* edge, int flag) {
+        return store(edge, &EdgeRecord::dummyReversedEdge, flag);
+    }
 
     // Empties the five lists and starts numbering from 1.
     void clearLists();
@@ -168,17 +176,7 @@ public:
     // list are not changed by others.
     RVNode* pFirstUnvisitedNode(int enough);
 
-protected:
-    RVNodeAlgorithmExtension* newNodeAlgorithmExtension(RVNode* node) override;
-    RVEdgeAlgorithmExtension* newEdgeAlgorithmExtension(RVEdge* edge) override;
-
 private:
-    const RVNodeExtensionTraversal& nodeRecordToRead(RVNode* node) const {
-        return constRecord<RVNodeExtensionTraversal>(node);
-    }
-    const RVEdgeExtensionTraversal& edgeRecordToRead(RVEdge* edge) const {
-        return constRecord<RVEdgeExtensionTraversal>(edge);
-    }
     void sortUnvisited(int enough);
 
     rv::Owned<RVEdgeDList> m_candidateEdges;

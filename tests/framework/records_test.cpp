@@ -1,11 +1,14 @@
-// Records and mappings of data objects: what they hold, and who outlives whom.
+// Records, columns and mappings of data objects: what they hold, and who outlives whom.
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <map>
 #include <memory>
 #include <optional>
 #include <random>
+#include <set>
+#include <type_traits>
 #include <utility>
 #include <vector>
 
@@ -70,6 +73,7 @@ class Notes : public RVAnalysisInputData {
 public:
     using RVAnalysisInputData::RVAnalysisInputData;
     static constexpr bool kCounts = std::is_same_v<NodeRecord, NodeMark>;
+    static constexpr bool kMakesRecords = true;
 
     int value(RVGraphMember* member) const {
         return member->isNode() ? constRecord<NodeRecord>(member).data()
@@ -98,9 +102,67 @@ using HeapNotes = Notes<NodeMark, EdgeMark, true>;
 using SlabNotes = Notes<NodeMark, EdgeMark, false>;
 using PlainNotes = Notes<RVNodeExtensionInteger, PlainEdgeMark, false>;  // released without a visit
 
+// The same with columns, for which records stand when they come, and another number in columns of its own.
+class ColumnNotes : public RVAnalysisInputData {
+    RV_DATA_OBJECT(ColumnNotes)
+    RV_NODE_RECORDS(NodeMark)
+    RV_EDGE_RECORDS(EdgeMark)
+public:
+    ColumnNotes() = default;
+    using RVAnalysisInputData::RVAnalysisInputData;
+    static constexpr bool kCounts = true;
+    static constexpr bool kMakesRecords = false;
+
+    int value(RVGraphMember* member) const { return get(member, m_nodes, m_edges); }
+    int value(RVGraphMember* member, int number) { return store(member, number, m_nodes, m_edges); }
+    int other(RVGraphMember* member) const { return get(member, m_otherNodes, m_otherEdges); }
+    int other(RVGraphMember* member, int number) { return store(member, number, m_otherNodes, m_otherEdges); }
+    std::size_t negatives() const { return m_nodes.negatives() + m_edges.negatives(); }
+    std::size_t otherNegatives() const { return m_otherNodes.negatives() + m_otherEdges.negatives(); }
+
+    // The numbers of a graph's nodes at once. Attached nodes that are not numbered have the number as it is.
+    void assign(RVGraph* graph, const std::vector<int>& numbers) {
+        rv::Buffer<int> buffer(numbers.begin(), numbers.end());
+        m_nodes.assign(graph, std::move(buffer));
+    }
+    std::vector<int> values(const RVGraph* graph) const {
+        rv::Buffer<int> space;
+        const std::span<const int> all = m_nodes.values(graph, space);
+        return {all.begin(), all.end()};
+    }
+
+private:
+    static int get(RVGraphMember* member, const rv::NodeCosts& nodes, const rv::EdgeCosts& edges) {
+        return member->isNode() ? nodes.get(static_cast<RVNode*>(member))
+                                : edges.get(static_cast<RVEdge*>(member));
+    }
+    static int store(RVGraphMember* member, int number, rv::NodeCosts& nodes, rv::EdgeCosts& edges) {
+        return member->isNode() ? nodes.store(static_cast<RVNode*>(member), number)
+                                : edges.store(static_cast<RVEdge*>(member), number);
+    }
+
+    rv::NodeCosts m_nodes{this, &NodeRecord::data, &NodeRecord::data};
+    rv::NodeCosts m_otherNodes{this};
+    rv::EdgeCosts m_edges{this, &EdgeRecord::data, &EdgeRecord::data};
+    rv::EdgeCosts m_otherEdges{this};
+};
+RV_OBJECT_IMPL(ColumnNotes)
+
+// Those of a caller, who makes the records of nodes.
+class CallersNotes : public ColumnNotes {
+public:
+    using ColumnNotes::ColumnNotes;
+    static constexpr bool kMakesRecords = true;
+
+protected:
+    RVNodeAlgorithmExtension* newNodeAlgorithmExtension(RVNode* node) override {
+        return new NodeMark(node, this);
+    }
+};
+
 template <class T>
 class Records : public testing::Test {};
-using AllNotes = testing::Types<HeapNotes, SlabNotes, PlainNotes>;
+using AllNotes = testing::Types<HeapNotes, SlabNotes, PlainNotes, ColumnNotes, CallersNotes>;
 TYPED_TEST_SUITE(Records, AllNotes);
 
 TYPED_TEST(Records, AreMadeOnceAndStay) {
@@ -155,8 +217,28 @@ public:
         if (roll < 12) return detach(at(i));
         if (roll < 14) return insert(at(i), graph);
         if (roll < 18) return map(data, i, below(count()), roll != 14, roll != 15);
-        m_models[data].values[i] = below(1000);
+        m_models[data].values[i] = kHasColumns ? below(1000) - 500 : below(1000);
+        if (Notes::kMakesRecords) m_models[data].records.insert(i);
         m_data[data]->value(at(i), m_models[data].values[i]);
+    }
+    // What only columns have.
+    void stepOfColumns() {
+        const int data = below(kCount);
+        const int graph = below(kCount);
+        const int i = below(count() + 1);
+        const int roll = below(4);
+        if (roll == 0) return assignAll(data, graph);
+        if (!isAlive(i)) return;
+        Model& model = m_models[data];
+        if (roll == 1) {
+            model.others[i] = m_data[data]->other(at(i), below(1000) - 500);
+        } else if (roll == 2) {
+            ASSERT_NE(m_data[data]->pAlgorithmExtension(at(i)), nullptr);
+            model.records.insert(i);
+        } else if (model.records.erase(i) != 0) {
+            delete m_data[data]->pExistingExtension(at(i));
+            model.values.erase(i);
+        }
     }
 
     void expectModel() const {
@@ -164,7 +246,8 @@ public:
         for (int d = 0; d < kCount; ++d) {
             const Model& model = m_models[d];
             const Notes& data = *m_data[d];
-            records += static_cast<int>(model.values.size());
+            records += static_cast<int>(model.records.size());
+            expectColumns(data, model);
             ASSERT_EQ(data.pAssociatedGraph(), model.graph < 0 ? nullptr : &*m_graphs[model.graph]);
             for (int i = 0; i < count(); ++i) {
                 if (!isAlive(i)) continue;
@@ -172,9 +255,10 @@ public:
                 const auto value = model.values.find(i);
                 ASSERT_EQ(copyOf(data, member), imageOf(model.copies, i)) << d << " of " << i;
                 ASSERT_EQ(originalOf(data, member), imageOf(model.originals, i)) << d << " of " << i;
-                ASSERT_EQ(data.pExistingExtension(member) != nullptr, value != model.values.end())
-                    << d << " of " << i;
-                ASSERT_TRUE(value == model.values.end() || data.value(member) == value->second)
+                const bool hasRecord = model.records.count(i) != 0;
+                ASSERT_EQ(data.pExistingExtension(member) != nullptr, hasRecord) << d << " of " << i;
+                if (Notes::kMakesRecords && !hasRecord) continue;  // reading makes one
+                ASSERT_EQ(data.value(member), value == model.values.end() ? 0 : value->second)
                     << d << " of " << i;
             }
         }
@@ -183,10 +267,13 @@ public:
 
 private:
     static constexpr int kCount = 3;  // of graphs and of data
+    static constexpr bool kHasColumns = std::is_base_of_v<ColumnNotes, Notes>;
     using Mapping = std::map<int, int>;
     struct Model {
         int graph = -1;
         Mapping values;
+        Mapping others;         // that are in columns only
+        std::set<int> records;  // the objects that have one
         Mapping copies;
         Mapping originals;
     };
@@ -223,7 +310,7 @@ private:
         for (Model& model : m_models) model.graph = model.graph == graph ? -1 : model.graph;
     }
     void newData(int data) {
-        m_models[data] = Model{below(kCount), {}, {}, {}};
+        m_models[data] = Model{below(kCount), {}, {}, {}, {}, {}};
         m_data[data].emplace(&*m_graphs[m_models[data].graph]);
     }
     void copyData(int data, int source) {
@@ -236,7 +323,45 @@ private:
     }
     void deleteReferences(int data, int graph) {
         m_data[data]->deleteDataReferences(&*m_graphs[graph]);
-        forEachOf(graph, [&](int i) { m_models[data].values.erase(i); });
+        forEachOf(graph, [&](int i) {
+            m_models[data].values.erase(i);
+            m_models[data].records.erase(i);
+        });
+    }
+    // Numbers for the attached nodes of a graph that have none.
+    void assignAll(int data, int graph) {
+        deleteReferences(data, graph);
+        std::vector<int> numbers(static_cast<std::size_t>(m_graphs[graph]->nodeIndexLimit()));
+        forEachOf(graph, [&](int i) {
+            if (!at(i)->isNode() || at(i)->pOwnerGraph() == nullptr || below(3) == 0) return;
+            numbers[rv::placeOf(at(i))] = m_models[data].values[i] = 1 + below(1000);
+            if (Notes::kMakesRecords) m_models[data].records.insert(i);
+        });
+        m_data[data]->assign(&*m_graphs[graph], numbers);
+    }
+    void expectColumns(const Notes& data, const Model& model) const {
+        if constexpr (kHasColumns) {
+            const auto negatives = [](const Mapping& values, const std::set<int>& except) {
+                return static_cast<std::size_t>(
+                    std::count_if(values.begin(), values.end(), [&except](const auto& value) {
+                        return value.second < 0 && except.count(value.first) == 0;
+                    }));
+            };
+            ASSERT_EQ(data.negatives(), negatives(model.values, model.records));
+            ASSERT_EQ(data.otherNegatives(), negatives(model.others, {}));
+            for (int i = 0; i < count(); ++i) {
+                if (!isAlive(i)) continue;
+                ASSERT_EQ(data.other(at(i)), model.others.count(i) == 0 ? 0 : model.others.at(i)) << i;
+            }
+            if (Notes::kMakesRecords) return;
+            for (int graph = 0; graph < kCount; ++graph) {
+                const std::vector<int> values = data.values(&*m_graphs[graph]);
+                for (RVNode* node : *m_graphs[graph]->pNodeList()) {
+                    const bool isInside = rv::placeOf(node) < values.size();
+                    ASSERT_EQ(isInside ? values[rv::placeOf(node)] : 0, data.value(node));
+                }
+            }
+        }
     }
     void copyGraph(int data, int original, int copy) {
         newGraph(copy);
@@ -255,6 +380,8 @@ private:
         m_members[static_cast<std::size_t>(i)] = nullptr;
         for (Model& model : m_models) {
             model.values.erase(i);
+            model.others.erase(i);
+            model.records.erase(i);
             for (Mapping* mapping : {&model.copies, &model.originals}) {
                 std::erase_if(*mapping,
                               [i](const auto& entry) { return entry.first == i || entry.second == i; });
@@ -314,6 +441,7 @@ TYPED_TEST(Records, FollowAModelThroughRandomChanges) {
         auto world = std::make_unique<World<TypeParam>>(seed);
         for (int i = 0; i < 120; ++i) {
             world->step();
+            if constexpr (std::is_base_of_v<ColumnNotes, TypeParam>) world->stepOfColumns();
             world->expectModel();
             if (this->HasFailure()) FAIL() << "in step " << i;
         }
