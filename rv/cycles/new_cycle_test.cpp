@@ -1,9 +1,12 @@
 #include "rv/cycles/new_cycle_test.h"
 
 #include "rv/framework/check_input.h"
+#include "rv/framework/graph_snapshot.h"
 #include "rv/framework/input_fields.h"
-#include "rv/framework/sub_algorithm.h"
-#include "rv/traversal/path_exists_test.h"
+#include "rv/framework/live_neighbours.h"
+#include "rv/framework/run_pulse.h"
+#include "rv/kernels/flat_graph.h"
+#include "rv/kernels/two_sided.h"
 
 RV_OBJECT_IMPL(RVNewCycleTestInputData)
 RV_OBJECT_IMPL(RVNewCycleTestOutputData)
@@ -31,33 +34,22 @@ RVServiceErrorCodeEnum RVNewCycleTestAlgorithm::checkData() {
     return rv::checkNode(input.pTargetNode(), input, RV_NO_TARGET_NODE, RV_TARGET_NODE_NOT_IN_GRAPH);
 }
 
-RVAlgorithmData* RVNewCycleTestAlgorithm::newInternalData() { return new RVNewCycleTestInternalData(); }
-
-void RVNewCycleTestAlgorithm::preprocessGraph() {}
-
-void RVNewCycleTestAlgorithm::postprocessGraph() {}
-
-void RVNewCycleTestAlgorithm::parseInputData() {
+std::optional<RVServiceErrorCodeEnum> RVNewCycleTestAlgorithm::answer() {
+    if (!isExactly<RVNewCycleTestAlgorithm>()) return std::nullopt;
     const auto* input = RVNewCycleTestInputData::castDown(pInputData());
-    pData()->pSourceNode(pData()->pCopyNode(input->pSourceNode()));
-    pData()->pTargetNode(pData()->pCopyNode(input->pTargetNode()));
-}
-
-RVServiceErrorCodeEnum RVNewCycleTestAlgorithm::algorithmBody() {
-    RVPathExistsTestInputData input(pAssociatedGraph());
-    RVPathExistsTestOutputData output;
-    RVPathExistsTestAlgorithm test;
-    test.useOriginalGraph(1);
-    input.pStartNode(pData()->pTargetNode());
-    input.pFinishNode(pData()->pSourceNode());
-    rv::noteFailure(*pData(), rv::runPart(*this, test, input, output), debugMode(),
-                    L"Error in path exists. Return code = %d\n");
-    pData()->pathFound(output.pathExists());
-    return pData()->returnCode();
-}
-
-void RVNewCycleTestAlgorithm::generateOutputData() {
-    auto* output = RVNewCycleTestOutputData::castDown(pOutputData());
-    output->pAssociatedGraph(pData()->pInputGraph());
-    output->willCreateCycle(pData()->pathFound());
+    const RVGraph* graph = input->pAssociatedGraph();
+    const rv::Index from = rv::indexOf(input->pTargetNode());
+    const rv::Index to = rv::indexOf(input->pSourceNode());
+    rv::RunPulse pulse(pRunControl(), "new cycle test");
+    const rv::GraphScratch scratch(graph);
+    bool isReached = false;
+    if (rv::isSnapshotWorthwhile(graph)) {
+        const auto flat = rv::snapshotOf(graph);
+        isReached = rv::connects(rv::ArcNeighbours(flat->out(), flat->in()), from, to, *scratch, pulse);
+    } else {
+        isReached = rv::connects(rv::LiveNeighbours(graph), from, to, *scratch, pulse);
+        rv::noteWalk(graph, scratch->steps);
+    }
+    RVNewCycleTestOutputData::castDown(pOutputData())->willCreateCycle(isReached ? 1 : 0);
+    return RV_NO_ERROR;
 }

@@ -1,7 +1,9 @@
 #include "rv/traversal/acyclic_test.h"
 
-#include "rv/framework/sub_algorithm.h"
-#include "rv/traversal/topological_sort.h"
+#include "rv/framework/graph_snapshot.h"
+#include "rv/framework/run_pulse.h"
+#include "rv/kernels/flat_graph.h"
+#include "rv/kernels/topological_order.h"
 
 RV_OBJECT_IMPL(RVAcyclicTestInputData)
 RV_OBJECT_IMPL(RVAcyclicTestOutputData)
@@ -9,22 +11,13 @@ RV_OBJECT_IMPL(RVAcyclicTestAlgorithm)
 
 void RVAcyclicTestOutputData::reset() { m_acyclic = 1; }
 
-void RVAcyclicTestAlgorithm::parseInputData() {}
-
-RVAlgorithmData* RVAcyclicTestAlgorithm::newInternalData() { return new RVAnalysisInternalData(); }
-
-void RVAcyclicTestAlgorithm::preprocessReflexiveEdges() {}
-
-RVServiceErrorCodeEnum RVAcyclicTestAlgorithm::algorithmBody() {
-    RVTopologicalSortAlgorithm sort;
-    RVTopologicalSortInputData input(pAssociatedGraph());
-    RVTopologicalSortOutputData output;
-    const RVServiceErrorCodeEnum code = rv::runPart(*this, sort, input, output);
-    rv::noteFailure(*pAnalysisInternalData(), code, debugMode(), L"Error in Top Sort. Return code = %d\n");
-    RVAcyclicTestOutputData::castDown(pOutputData())->acyclic(output.acyclic());
-    return pAnalysisInternalData()->returnCode();
-}
-
-void RVAcyclicTestAlgorithm::generateOutputData() {
-    pOutputData()->pAssociatedGraph(pInputData()->pAssociatedGraph());
+// Parallel edges make no cycle, and loops are ones: the graph need not be normalised.
+std::optional<RVServiceErrorCodeEnum> RVAcyclicTestAlgorithm::answer() {
+    if (!isExactly<RVAcyclicTestAlgorithm>()) return std::nullopt;
+    const RVGraph* graph = pInputData()->pAssociatedGraph();
+    rv::RunPulse pulse(pRunControl(), "acyclic test", graph->numberOfEdges());
+    const auto flat = rv::snapshotOf(graph);
+    const bool isAcyclic = rv::topologicalOrder(flat->out(), flat->order(), {}, pulse).isComplete;
+    RVAcyclicTestOutputData::castDown(pOutputData())->acyclic(isAcyclic ? 1 : 0);
+    return RV_NO_ERROR;
 }

@@ -46,6 +46,7 @@ public:
     RVAcyclicTestAlgorithm() = default;
 
 protected:
+    std::optional<RVServiceErrorCodeEnum> answer() override;
     RVServiceErrorCodeEnum algorithmBody() override;
     void generateOutputData() override;
     void parseInputData() override;

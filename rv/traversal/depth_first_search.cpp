@@ -1,10 +1,13 @@
 #include "rv/traversal/depth_first_search.h"
 
-#include <vector>
+#include <algorithm>
+#include <utility>
 
 #include "rv/framework/check_input.h"
-#include "rv/traversal/depth_first_walk.h"
-#include "rv/traversal/edge_types.h"
+#include "rv/framework/member_lists.h"
+#include "rv/framework/run_pulse.h"
+#include "rv/kernels/depth_first.h"
+#include "rv/traversal/search_view.h"
 
 RV_OBJECT_IMPL(RVNodeExtensionDepthFirstSearch)
 RV_OBJECT_IMPL(RVEdgeExtensionDepthFirstSearch)
@@ -33,60 +36,26 @@ RVServiceErrorCodeEnum RVDepthFirstSearchAlgorithm::checkData() {
 
 namespace {
 
-class KindSearch : public rv::DepthFirstWalk<KindSearch> {
-public:
-    explicit KindSearch(const rv::SearchGraph& graph) : DepthFirstWalk(graph), m_completions(graph.size()) {}
+using Kinds = rv::Buffer<RVAnalysisEdgeTypeEnum>;
 
-    void reach(Index node) { m_order.push_back(node); }
-    void traverse(Index node, const rv::SearchGraph::OutEdge& edge) {
-        m_traversed.push_back({node, edge.target, edge.edge});
+// The kinds of what was left out of the search: the loops of nodes, and the parallels of edges, that it reached.
+void addKindsOfLeftOut(const rv::SearchView& view, const rv::DepthFirst& search, Kinds& kinds) {
+    const rv::SimpleGraph& graph = view.graph();
+    for (const rv::Index node : search.order) {
+        graph.forEachLoop(node, [&](rv::Index loop) { kinds[loop] = RVBackEdge; });
     }
-    void meet(Index, Index) {}
-    void complete(Index node) { m_completions[node] = ++m_completed; }
-
-    void describe(const RVDepthFirstSearchInputData& input, RVDepthFirstSearchOutputData& output) const;
-
-private:
-    struct Edge {
-        Index source;
-        Index target;
-        Index edge;
-    };
-
-    rv::DepthFirstVisit visit(Index node) const {
-        return {static_cast<int>(number(node)), m_completions[node]};
-    }
-
-    std::vector<Index> m_order;
-    std::vector<Edge> m_traversed;
-    std::vector<int> m_completions;
-    int m_completed = 0;
-};
-
-void KindSearch::describe(const RVDepthFirstSearchInputData& input,
-                          RVDepthFirstSearchOutputData& output) const {
-    for (const Index index : m_order) {
-        RVNode* node = graph().pNode(index);
-        output.pNodeList()->appendNode(node);
-        output.orderNumber(node, visit(index).order);
-        output.completionNumber(node, visit(index).completion);
-        output.pParentNode(node, parent(index) == kNone ? nullptr : graph().pNode(parent(index)));
-        graph().forEachLoop(index, [&](RVEdge* loop) { output.edgeType(loop, RVBackEdge); });
-    }
-    const auto isUndirected = [&](RVEdge* edge) {
-        return input.undirected() != 0 || input.undirected(edge) != 0;
-    };
-    for (const Edge& traversed : m_traversed) {
-        RVEdge* edge = graph().pEdge(traversed.edge);
-        const RVAnalysisEdgeTypeEnum type =
-            rv::typeOf(parent(traversed.target) == traversed.source, visit(traversed.source),
-                       visit(traversed.target), isUndirected(edge));
-        rv::writeType(output, edge, type);
-        const bool pointsForward = number(traversed.source) < number(traversed.target);
-        graph().forEachParallel(traversed.edge, [&](RVEdge* parallel) {
-            rv::writeType(output, parallel, rv::typeOfParallel(type, pointsForward, isUndirected(parallel)));
-        });
-    }
+    graph.space.order.forEachEdge([&](rv::Index edge) {
+        if (kinds[edge] == RVNoEdgeType) return;
+        const rv::Ends ends = graph.space.order.ends[edge];
+        const auto add = [&](rv::Index parallel, bool pointsForward) {
+            if (kinds[parallel] == RVTreeEdge) return;  // its own other arc
+            kinds[parallel] = static_cast<RVAnalysisEdgeTypeEnum>(
+                rv::kindOfParallel(kinds[edge], pointsForward, view.isUndirected(parallel)));
+        };
+        const bool pointsForward = search.numbers[ends.source] < search.numbers[ends.target];
+        graph.forEachParallel(edge, [&](rv::Index parallel) { add(parallel, pointsForward); });
+        graph.forEachReverseParallel(edge, [&](rv::Index parallel) { add(parallel, !pointsForward); });
+    });
 }
 
 }  // namespace
@@ -94,10 +63,26 @@ void KindSearch::describe(const RVDepthFirstSearchInputData& input,
 std::optional<RVServiceErrorCodeEnum> RVDepthFirstSearchAlgorithm::answer() {
     if (!isExactly<RVDepthFirstSearchAlgorithm>()) return std::nullopt;
     const auto* input = RVDepthFirstSearchInputData::castDown(pInputData());
-    const auto graph = rv::SearchGraph::of(*input);
-    KindSearch search(graph);
+    auto* output = RVDepthFirstSearchOutputData::castDown(pOutputData());
+    RVGraph* const graph = input->pAssociatedGraph();
+    rv::RunPulse pulse(pRunControl(), "depth-first search", graph->numberOfEdges());
+    const rv::SearchView view(*input);
     const RVNode* start = input->pStartNode();
-    start != nullptr ? search.searchFrom(graph.indexOf(start)) : search.searchAll();
-    search.describe(*input, *RVDepthFirstSearchOutputData::castDown(pOutputData()));
+    rv::DepthFirst search = start == nullptr
+                                ? rv::depthFirst(view.space(), pulse)
+                                : rv::depthFirst(view.space().arcs, rv::indexOf(start), pulse);
+    Kinds kinds = rv::edgeKinds<RVAnalysisEdgeTypeEnum>(
+        view.space(), search, [&](rv::Index edge) { return view.isUndirected(edge); }, pulse);
+    if (view.graph().leavesOut()) addKindsOfLeftOut(view, search, kinds);
+
+    const rv::Members members(graph);
+    members.append(search.order, *output->pNodeList());
+    rv::Buffer<RVNode*> parents(search.parents.size());
+    std::transform(search.parents.begin(), search.parents.end(), parents.begin(),
+                   [&](rv::Index parent) { return members.node(parent); });
+    output->orderNumbers().assign(graph, std::move(search.numbers));
+    output->completionNumbers().assign(graph, std::move(search.completions));
+    output->parentNodes().assign(graph, std::move(parents));
+    output->edgeTypes().assign(graph, std::move(kinds));
     return RV_NO_ERROR;
 }

@@ -2,6 +2,9 @@
 
 #include "rv/framework/check_input.h"
 #include "rv/framework/input_fields.h"
+#include "rv/framework/member_lists.h"
+#include "rv/framework/run_pulse.h"
+#include "rv/traversal/path_search.h"
 
 RV_OBJECT_IMPL(RVPathExistsTestInternalData)
 RV_OBJECT_IMPL(RVPathExistsTestInputData)
@@ -34,40 +37,15 @@ RVServiceErrorCodeEnum RVPathExistsTestAlgorithm::checkData() {
     return code != RV_NO_ERROR ? code : rv::checkEnds(*RVPathExistsTestInputData::castDown(pInputData()));
 }
 
-RVAlgorithmData* RVPathExistsTestAlgorithm::newInternalData() { return new RVPathExistsTestInternalData(); }
-
-void RVPathExistsTestAlgorithm::parseInputData() {
+std::optional<RVServiceErrorCodeEnum> RVPathExistsTestAlgorithm::answer() {
+    if (!isExactly<RVPathExistsTestAlgorithm>()) return std::nullopt;
     const auto* input = RVPathExistsTestInputData::castDown(pInputData());
-    parseTraversalInput(*input);
-    pData()->pFinishNode(pData()->pCopyNode(input->pFinishNode()));
-}
-
-RVNode* RVPathExistsTestAlgorithm::findStartNode() { return pData()->pStartNode(); }
-
-RVEdge* RVPathExistsTestAlgorithm::findStartEdge() { return nullptr; }
-
-RVEdge* RVPathExistsTestAlgorithm::pNextEdge() {
-    return pData()->reached() != 0 ? nullptr : RVBreadthFirstSearchAlgorithm::pNextEdge();
-}
-
-void RVPathExistsTestAlgorithm::visitNodeAfterTraverse(RVNode* node, RVEdge* edge) {
-    RVBreadthFirstSearchAlgorithm::visitNodeAfterTraverse(node, edge);
-    if (node == pData()->pFinishNode()) pData()->reached(1);
-}
-
-void RVPathExistsTestAlgorithm::generateOutputData() {
-    const RVPathExistsTestInternalData* data = pData();
     auto* output = RVPathExistsTestOutputData::castDown(pOutputData());
-    output->pAssociatedGraph(data->pInputGraph());
-    output->pathExists(data->reached());
-    if (data->reached() == 0) {
-        for (RVNode* node : *data->pVisitedNodeList())
-            output->pVisitedNodeList()->appendNode(data->pOriginalNode(node));
-        return;
-    }
-    for (RVNode* node = data->pFinishNode(); node != data->pStartNode();) {
-        RVNode* parent = data->pParentNode(node);
-        output->pEdgeList()->prependEdge(data->pOriginalEdge(findEdgeBetween(parent, node)));
-        node = parent;
-    }
+    rv::RunPulse pulse(pRunControl(), "path exists test");
+    const rv::PathSearch search(*input, input->pStartNode(), input->pFinishNode(), pulse);
+    const rv::Members members(input->pAssociatedGraph());
+    output->pathExists(search.isFound() ? 1 : 0);
+    search.isFound() ? members.append(search.edges(), *output->pEdgeList())
+                     : members.append(search.reachedNodes(), *output->pVisitedNodeList());
+    return RV_NO_ERROR;
 }

@@ -1,8 +1,12 @@
 #include "rv/traversal/strongly_connected_components.h"
 
-#include <vector>
+#include <utility>
 
-#include "rv/traversal/depth_first_walk.h"
+#include "rv/framework/graph_snapshot.h"
+#include "rv/framework/member_lists.h"
+#include "rv/framework/run_pulse.h"
+#include "rv/kernels/flat_graph.h"
+#include "rv/kernels/strong_components.h"
 
 RV_OBJECT_IMPL(RVNodeExtensionStronglyConnectedComponents)
 RV_OBJECT_IMPL(RVStronglyConnectedComponentsInternalData)
@@ -28,58 +32,21 @@ RVServiceErrorCodeEnum RVStronglyConnectedComponentsAlgorithm::checkData() { ret
 
 namespace {
 
-class StrongSearch : public rv::DepthFirstWalk<StrongSearch> {
-public:
-    StrongSearch(const rv::SearchGraph& graph, RVStronglyConnectedComponentsOutputData& output)
-        : DepthFirstWalk(graph), m_output(output), m_components(graph.size()) {}
-
-    void reach(Index node) {
-        m_unfinished.push_back(node);
-        m_roots.push_back(node);
-    }
-    void traverse(Index, const rv::SearchGraph::OutEdge&) {}
-    void meet(Index, Index target) {
-        if (m_components[target] != 0) return;
-        while (number(m_roots.back()) > number(target)) m_roots.pop_back();
-    }
-    void complete(Index node) {
-        if (m_roots.back() != node) return;
-        m_roots.pop_back();
-        closeComponent(node);
-    }
-
-private:
-    void closeComponent(Index root);
-
-    RVStronglyConnectedComponentsOutputData& m_output;
-    std::vector<int> m_components;  // by node: its number, 0 while it is unfinished
-    int m_closed = 0;
-    std::vector<Index> m_unfinished;  // the top is the last
-    std::vector<Index> m_roots;
-    std::vector<Index> m_members;  // of the component that is being closed
-};
-
-void StrongSearch::closeComponent(Index root) {
-    ++m_closed;
-    RVNodeDList* nodes = m_output.addComponent();
-    m_members.clear();
-    for (Index top = kNone; top != root;) {
-        top = m_unfinished.back();
-        m_unfinished.pop_back();
-        m_components[top] = m_closed;
-        m_members.push_back(top);
-        nodes->appendNode(graph().pNode(top));
-        m_output.componentNumber(graph().pNode(top), m_closed);
-    }
-    RVEdgeDList* edges = m_output.addEdgeComponent();
-    const auto append = [edges](RVEdge* edge) { edges->appendEdge(edge); };
-    for (const Index node : m_members) {
-        for (const rv::SearchGraph::OutEdge& out : graph().outEdges(node)) {
-            if (m_components[out.target] != m_closed) continue;
-            append(graph().pEdge(out.edge));
-            graph().forEachParallel(out.edge, append);
+// The edges inside a component, node after node: each node's kept edges, every one followed by its parallels, and then
+// its loops.
+void listEdges(const rv::SimpleGraph& graph, const rv::Components& components, rv::Index group,
+               rv::Buffer<rv::Index>& edges) {
+    const rv::Arcs& arcs = graph.space.arcs;
+    const auto add = [&](rv::Index edge) { edges.push_back(edge); };
+    edges.clear();
+    const int number = static_cast<int>(group) + 1;
+    for (const rv::Index node : components.groups[group]) {
+        for (rv::Index arc = arcs.first[node]; arc < arcs.last[node]; ++arc) {
+            if (components.numbers[arcs.targets[arc]] != number) continue;
+            add(arcs.edges[arc]);
+            graph.forEachParallel(arcs.edges[arc], add);
         }
-        graph().forEachLoop(node, append);
+        graph.forEachLoop(node, add);
     }
 }
 
@@ -87,8 +54,19 @@ void StrongSearch::closeComponent(Index root) {
 
 std::optional<RVServiceErrorCodeEnum> RVStronglyConnectedComponentsAlgorithm::answer() {
     if (!isExactly<RVStronglyConnectedComponentsAlgorithm>()) return std::nullopt;
+    RVGraph* const graph = pInputData()->pAssociatedGraph();
     auto* output = RVStronglyConnectedComponentsOutputData::castDown(pOutputData());
-    const auto graph = rv::SearchGraph::directed(pInputData()->pAssociatedGraph());
-    StrongSearch(graph, *output).searchAll();
+    rv::RunPulse pulse(pRunControl(), "strong components", graph->numberOfEdges());
+    const auto flat = rv::snapshotOf(graph);
+    const rv::SimpleGraph& simple = flat->directed();
+    rv::Components components = rv::strongComponents(simple.space, pulse);
+    const rv::Members members(graph);
+    members.append(components.groups, *output);
+    rv::Buffer<rv::Index> edges;
+    for (rv::Index group = 0; group < components.groups.size(); ++group) {
+        listEdges(simple, components, group, edges);
+        members.append(edges, *output->addEdgeComponent());
+    }
+    output->componentNumbers().assign(graph, std::move(components.numbers));
     return RV_NO_ERROR;
 }

@@ -1,7 +1,12 @@
-// Kahn's method, with the resulting list as its own queue: a node joins the list when the last of its
-// in-edges is consumed, and consumes its out-edges when the walk over the list reaches it.
-
 #include "rv/traversal/topological_sort.h"
+
+#include <utility>
+
+#include "rv/framework/graph_snapshot.h"
+#include "rv/framework/member_lists.h"
+#include "rv/framework/run_pulse.h"
+#include "rv/kernels/flat_graph.h"
+#include "rv/kernels/topological_order.h"
 
 RV_OBJECT_IMPL(RVTopologicalSortInputData)
 RV_OBJECT_IMPL(RVTopologicalSortOutputData)
@@ -21,33 +26,17 @@ void RVTopologicalSortOutputData::reset() {
 }
 
 RVServiceErrorCodeEnum RVTopologicalSortAlgorithm::algorithmBody() {
-    RVGraph* graph = pInputData()->pAssociatedGraph();
+    RVGraph* const graph = pInputData()->pAssociatedGraph();
     auto* output = RVTopologicalSortOutputData::castDown(pOutputData());
-    m_inDegrees.resize(static_cast<std::size_t>(graph->nodeIndexLimit()));
-
-    RVNodeDList order;
-    for (RVNode* node : *graph->pNodeList()) {
-        if (inDegree(node, node->inDegree()) == 0) order.appendNode(node);
-    }
-    for (const RVNode* node : order) {
-        for (const RVEdge* edge : *node->pOutEdgeList()) {
-            RVNode* target = edge->pTargetNode();
-            const int remaining = inDegree(target);
-            if (remaining == 1) {
-                order.appendNode(target);
-            } else {
-                inDegree(target, remaining - 1);
-            }
-        }
-    }
-
-    if (order.length() != graph->numberOfNodes()) {
-        output->acyclic(0);
-        return RV_NO_ERROR;
-    }
-    output->acyclic(1);
-    output->pNodeList()->copyAppendList(&order);
+    rv::RunPulse pulse(pRunControl(), "topological sort", graph->numberOfEdges());
+    const auto flat = rv::snapshotOf(graph);
+    const rv::TopologicalOrder sorted = rv::topologicalOrder(flat->out(), flat->order(), {}, pulse);
+    output->acyclic(sorted.isComplete ? 1 : 0);
+    if (!sorted.isComplete) return RV_NO_ERROR;
+    rv::Members(graph).append(sorted.nodes, *output->pNodeList());
+    rv::Buffer<int> numbers(rv::nodeLimitOf(graph), 0);
     int number = 0;
-    for (RVNode* node : order) output->orderNumber(node, ++number);
+    for (const rv::Index node : sorted.nodes) numbers[node] = ++number;
+    output->orderNumbers().assign(graph, std::move(numbers));
     return RV_NO_ERROR;
 }

@@ -18,8 +18,6 @@
 //   if (sort.run() == RV_NO_ERROR && output.acyclic()) use(*output.pNodeList());
 #pragma once
 
-#include <vector>
-
 #include "rv/framework/base_graph_algorithm.h"
 #include "rv/framework/columns.h"
 
@@ -84,10 +82,4 @@ public:
 
 protected:
     RVServiceErrorCodeEnum algorithmBody() override;
-
-private:
-    int inDegree(const RVNode* node) const { return m_inDegrees[rv::placeOf(node)]; }
-    int inDegree(const RVNode* node, int value) { return m_inDegrees[rv::placeOf(node)] = value; }
-
-    std::vector<int> m_inDegrees;  // in-edges of a node that have not been consumed, by dense index
 };

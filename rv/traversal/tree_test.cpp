@@ -1,8 +1,12 @@
 #include "rv/traversal/tree_test.h"
 
+#include <vector>
+
+#include "rv/framework/graph_snapshot.h"
 #include "rv/framework/input_fields.h"
-#include "rv/framework/sub_algorithm.h"
-#include "rv/traversal/connected_components.h"
+#include "rv/framework/run_pulse.h"
+#include "rv/kernels/disjoint_sets.h"
+#include "rv/kernels/flat_graph.h"
 
 RV_OBJECT_IMPL(RVTreeTestInputData)
 RV_OBJECT_IMPL(RVTreeTestOutputData)
@@ -21,43 +25,27 @@ void RVTreeTestOutputData::reset() { m_isTree = m_isForest = 1; }
 
 RVServiceErrorCodeEnum RVTreeTestAlgorithm::algorithmBody() {
     const RVGraph* graph = pInputData()->pAssociatedGraph();
-    m_isForest = 1;
-    if (graph->numberOfEdges() < graph->numberOfNodes()) return checkTreeComplicated();
-    m_isForest = 0;
+    m_isForest = graph->numberOfEdges() < graph->numberOfNodes() && isForest(graph) ? 1 : 0;
     return RV_NO_ERROR;
 }
 
-// A graph of n nodes, m edges and k components is a forest exactly when m = n - k.
-RVServiceErrorCodeEnum RVTreeTestAlgorithm::checkTreeComplicated() {
-    const auto* ownInput = RVTreeTestInputData::castDown(pInputData());
-    RVGraph* graph = ownInput->pAssociatedGraph();
-    RVConnectedComponentsAlgorithm components;
-    RVConnectedComponentsInputData input(graph);
-    RVConnectedComponentsOutputData output;
-    RVServiceErrorCodeEnum code = rv::runPart(*this, components, input, output);
-    if (code != RV_NO_ERROR) {
-        code = RV_ALGORITHM_FAILURE;
-        if (debugMode() != 0) wprintf_s(L"Error in cc alg. Return code is %d\n", static_cast<int>(code));
-    }
-    const RVDList* list = output.pComponentList();
-    if (graph->numberOfEdges() != graph->numberOfNodes() - list->length()) m_isForest = 0;
-    if (ownInput->directed() != 0) {
-        for (RVDListIter it(list); it && m_isForest != 0; it++) {
-            if (!isRootedTree(*RVNodeDList::castDown(it.pObject()))) m_isForest = 0;
-        }
-    }
-    return code;
-}
-
-bool RVTreeTestAlgorithm::isRootedTree(const RVNodeDList& nodes) {
-    bool hasRoot = false;
-    for (const RVNode* node : nodes) {
-        if (node->inDegree() > 1) return false;
-        if (node->inDegree() == 1) continue;
-        if (hasRoot) return false;
-        hasRoot = true;
-    }
-    return true;
+// Without a cycle no edge joins what hangs together already. If no node has more than one in-edge, every tree has one
+// node without: it has one edge less than it has nodes.
+bool RVTreeTestAlgorithm::isForest(const RVGraph* graph) const {
+    const auto flat = rv::snapshotOf(graph);
+    const rv::GraphOrder order = flat->order();
+    const bool isRooted = RVTreeTestInputData::castDown(pInputData())->directed() != 0;
+    rv::RunPulse pulse(pRunControl(), "tree test", graph->numberOfEdges());
+    rv::DisjointSets sets(rv::nodeLimitOf(graph));
+    std::vector<bool> hasInEdge(rv::nodeLimitOf(graph));
+    bool isForest = true;
+    order.forEachEdge([&](rv::Index edge) {
+        pulse.beat();
+        const rv::Ends ends = order.ends[edge];
+        if (!sets.join(ends.source, ends.target) || (isRooted && hasInEdge[ends.target])) isForest = false;
+        hasInEdge[ends.target] = true;
+    });
+    return isForest;
 }
 
 void RVTreeTestAlgorithm::generateOutputData() {

@@ -4,8 +4,7 @@
 // node without in-edges, and no node more than one in-edge. Self-loops and parallel edges count as edges, so
 // a graph with either is neither. The empty graph is a tree but no forest.
 //
-// Codes of run: RV_NO_ERROR, RV_NO_INPUT_GRAPH, RV_NO_GRAPH_FACTORY, RV_ALGORITHM_FAILURE when the component
-// search that it runs fails, and the framework's. Debug mode then prints the code.
+// Codes of run: RV_NO_ERROR, RV_NO_INPUT_GRAPH, RV_NO_GRAPH_FACTORY, and the framework's.
 // O(n) time and space where there are fewer edges than nodes, otherwise O(1).
 //
 //   RVTreeTestAlgorithm test;
@@ -67,8 +66,7 @@ protected:
     void generateOutputData() override;
 
 private:
-    RVServiceErrorCodeEnum checkTreeComplicated();
-    static bool isRootedTree(const RVNodeDList& nodes);
+    bool isForest(const RVGraph* graph) const;
 
     int m_isForest = 1;
 };
