@@ -1,5 +1,5 @@
-// Components, blocks and topological orders in arrays, found again by their definitions; the orders in which
-// they stand follow from the numbers of a depth-first search.
+// Components, blocks, reach and topological orders in arrays, found again by their definitions; the orders in
+// which they stand follow from the numbers of a depth-first search.
 
 #include <gtest/gtest.h>
 
@@ -11,6 +11,7 @@
 #include "rv/kernels/blocks.h"
 #include "rv/kernels/connected_components.h"
 #include "rv/kernels/depth_first.h"
+#include "rv/kernels/reach_marks.h"
 #include "rv/kernels/strong_components.h"
 #include "rv/kernels/topological_order.h"
 #include "tests/kernels/array_graph.h"
@@ -180,6 +181,28 @@ void expectTopologicalOrder(const ArrayGraph& graph) {
     }
 }
 
+// Which of some nodes, among them numbers that no node has, every node reaches.
+void expectReach(const ArrayGraph& graph, const rv::SearchSpace& space, Dice& dice) {
+    rv::Pulse pulse;
+    rv::ReachMarks marks(space, pulse);
+    for (const Index count : {Index{64}, dice.below(4)}) {
+        std::vector<Index> targets(count);
+        for (Index& target : targets) target = dice.oneIn(9) ? kNoIndex : dice.below(graph.nodeLimit + 1);
+        std::map<Index, std::uint64_t> expected;
+        for (const Index node : graph.nodes) {
+            const std::set<Index> reached = reachedFrom(node, space.arcs);
+            for (std::size_t i = 0; i < targets.size(); ++i) {
+                if (reached.count(targets[i]) != 0) expected[node] |= std::uint64_t{1} << i;
+            }
+        }
+        marks.ask(targets, pulse);
+        std::map<Index, std::uint64_t> found;
+        marks.forEachNode(
+            [&](Index node, std::uint64_t bits) { EXPECT_TRUE(found.emplace(node, bits).second) << node; });
+        EXPECT_EQ(found, expected);
+    }
+}
+
 TEST(Components, AreThoseOfTheirDefinitions) {
     rv::Pulse pulse;
     for (std::uint64_t seed = 0; seed < 1500; ++seed) {
@@ -196,6 +219,7 @@ TEST(Components, AreThoseOfTheirDefinitions) {
         expectNumbers(connected, graph.nodeLimit);
         expectBlocks(graph, *undirected);
         expectTopologicalOrder(graph);
+        expectReach(graph, *mixed, dice);
         if (HasFailure()) return;
     }
 }
@@ -220,6 +244,7 @@ TEST(Components, CanBeBrokenOff) {
     const ArraySpace directed = graph.mixed();
     const ArraySpace undirected = graph.undirected();
     breakOffEverywhere([&](rv::Pulse& pulse) { rv::strongComponents(*directed, pulse); });
+    breakOffEverywhere([&](rv::Pulse& pulse) { rv::ReachMarks(*directed, pulse).ask({}, pulse); });
     breakOffEverywhere([&](rv::Pulse& pulse) { rv::connectedComponents(graph.order(), 6, pulse); });
     breakOffEverywhere([&](rv::Pulse& pulse) { rv::blocks(*undirected, pulse); });
     breakOffEverywhere(
