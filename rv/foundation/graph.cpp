@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "rv/foundation/graph_access.h"
+#include "rv/foundation/prefetch.h"
 #include "rv/foundation/slab.h"
 
 RV_OBJECT_IMPL(RVNodeDList)
@@ -38,6 +39,16 @@ struct FactoryLink {
 };
 
 }  // namespace rv
+
+void RVGraph::releaseSnapshot() {
+    const std::lock_guard lock(m_mutex);
+    m_cache.reset();
+    m_nodeAt = {};
+    m_edgeAt = {};
+    m_ends = {};
+    m_newNodes = numberOfNodes();
+    m_newEdges = numberOfEdges();
+}
 
 // Members: fields that live in the graph
 
@@ -91,11 +102,7 @@ RVNode::RVNode() { m_outEdges.m_readOnly = m_inEdges.m_readOnly = true; }
 
 // Takes the edge out of whatever lists and chains it stands in.
 void RVEdge::leaveLists() {
-    if (m_attached) {
-        m_pGraph->m_edges.unlink(&m_graphCell);
-        m_graphCell.setOut(nullptr);
-        m_attached = false;
-    }
+    if (m_attached) m_pGraph->leaveGraph(this);
     leaveSource();
     leaveTarget();
 }
@@ -157,6 +164,7 @@ void RVEdge::changeSourceNode(RVNode* node) {
         m_pSource->m_outEdges.unlink(&m_outCell);
         m_pSource = node;
         node->m_outEdges.linkLast(&m_outCell);
+        m_pGraph->note(this, 0);
         return;
     }
     m_pGraph->prepareWaits(2);
@@ -183,6 +191,7 @@ void RVEdge::changeTargetNode(RVNode* node) {
         m_pTarget->m_inEdges.unlink(&m_inCell);
         m_pTarget = node;
         node->m_inEdges.linkLast(&m_inCell);
+        m_pGraph->note(this, 0);
         return;
     }
     m_pGraph->prepareWaits(2);
@@ -210,6 +219,7 @@ void RVEdge::invertDirection() {
         std::swap(m_pSource, m_pTarget);
         m_pSource->m_outEdges.linkLast(&m_outCell);
         m_pTarget->m_inEdges.linkLast(&m_inCell);
+        m_pGraph->note(this, 0);
         return;
     }
     RVNode* const host = m_outCell.isInList() ? m_pSource : nullptr;
@@ -247,7 +257,7 @@ RVGraph::~RVGraph() {
     while (!m_observers.empty()) {
         rv::GraphObserver* observer = m_observers.back();
         m_observers.pop_back();
-        observer->graphDies(this);
+        if (observer != nullptr) observer->graphDies(this);
     }
     for (Fields* fields : {&m_nodeFields, &m_edgeFields}) {
         for (const std::wstring* name : fields->names.values()) delete name;
@@ -257,6 +267,14 @@ RVGraph::~RVGraph() {
         const auto disown = [](RVGraphMember* member) { member->m_pGraph = nullptr; };
         forEachMember<RVNode>(&rv::GraphStorage::nodes, disown);
         forEachMember<RVEdge>(&rv::GraphStorage::edges, disown);
+    }
+}
+
+// Those that came last first; some may go meanwhile.
+template <class F>
+void RVGraph::tellObservers(F tell) {
+    for (std::size_t i = m_observers.size(); i > 0; --i) {
+        if (i <= m_observers.size() && m_observers[i - 1] != nullptr) tell(*m_observers[i - 1]);
     }
 }
 
@@ -278,8 +296,7 @@ Member* RVGraph::makeMember(void* memory, Indices& indices, std::uint32_t salt) 
 
 RVNode* RVGraph::addNode(int) {
     auto* node = makeMember<RVNode>(m_storage->nodes.allocate(), m_nodeIndices, m_hashSalt);
-    m_nodes.linkLast(&node->m_graphCell);
-    node->m_attached = true;
+    enterGraph(node);
     ++m_modifications;
     return node;
 }
@@ -297,10 +314,93 @@ RVEdge* RVGraph::addEdge(RVNode* source, RVNode* target, int) {
 
 // Puts an edge between two attached nodes at the end of all three lists.
 void RVGraph::attach(RVEdge* edge) {
-    m_edges.linkLast(&edge->m_graphCell);
+    enterGraph(edge);
     edge->m_pSource->m_outEdges.linkLast(&edge->m_outCell);
     edge->m_pTarget->m_inEdges.linkLast(&edge->m_inCell);
+}
+
+void RVGraph::enterGraph(RVNode* node) {
+    const RVNode* last = m_nodes.pLastNode();
+    m_nodesInIndexOrder = last == nullptr || (m_nodesInIndexOrder && last->m_index < node->m_index);
+    m_nodes.linkLast(&node->m_graphCell);
+    node->m_attached = true;
+    note(node, 1);
+}
+
+void RVGraph::leaveGraph(RVNode* node) {
+    m_nodes.unlink(&node->m_graphCell);
+    node->m_graphCell.setOut(nullptr);
+    node->m_attached = false;
+    note(node, -1);
+}
+
+// The lists of the edge's ends are the caller's affair.
+void RVGraph::enterGraph(RVEdge* edge) {
+    const RVEdge* last = m_edges.pLastEdge();
+    m_edgesInIndexOrder = last == nullptr || (m_edgesInIndexOrder && last->m_index < edge->m_index);
+    m_edges.linkLast(&edge->m_graphCell);
     edge->m_attached = true;
+    note(edge, 1);
+}
+
+void RVGraph::leaveGraph(RVEdge* edge) {
+    m_edges.unlink(&edge->m_graphCell);
+    edge->m_graphCell.setOut(nullptr);
+    edge->m_attached = false;
+    note(edge, -1);
+}
+
+// Writes down what has become of an attached object, for the arrays: that it has come (1), is about to
+// leave (-1) or has other ends (0).
+void RVGraph::note(RVNode* node, int change) {
+    const std::size_t place = rv::placeOf(node);
+    if (place < m_nodeAt.size()) {
+        m_nodeAt[place] = change < 0 ? nullptr : node;
+    } else {
+        m_newNodes += change;
+    }
+}
+
+void RVGraph::note(RVEdge* edge, int change) {
+    const std::size_t place = rv::placeOf(edge);
+    if (place >= m_ends.size()) {
+        m_newEdges += change;
+        return;
+    }
+    m_edgeAt[place] = edge;
+    m_ends[place] = change < 0 ? rv::Ends{} : edge->denseEnds();
+}
+
+// What is new stands at the ends of the lists, with what went and came back. Ends are read some steps after
+// they have been asked for, so that the memory has time to answer.
+void RVGraph::coverIndices() {
+    const std::size_t coveredNodes = m_nodeAt.size();
+    m_nodeAt.resize(static_cast<std::size_t>(nodeIndexLimit()), nullptr);
+    for (const RVDListCell* cell = m_nodes.m_pLast; m_newNodes > 0; cell = cell->pPrevCell()) {
+        auto* node = static_cast<RVNode*>(cell->m_pObject);
+        if (rv::placeOf(node) < coveredNodes) continue;
+        note(node, 0);
+        --m_newNodes;
+    }
+
+    const std::size_t coveredEdges = m_ends.size();
+    m_edgeAt.resize(static_cast<std::size_t>(edgeIndexLimit()));
+    m_ends.resize(m_edgeAt.size());
+    constexpr std::size_t kAhead = 16;
+    RVEdge* asked[kAhead] = {};
+    const auto write = [this](RVEdge* edge) {
+        if (edge != nullptr) note(edge, 0);
+    };
+    std::size_t next = 0;
+    for (const RVDListCell* cell = m_edges.m_pLast; m_newEdges > 0; cell = cell->pPrevCell()) {
+        auto* edge = static_cast<RVEdge*>(cell->m_pObject);
+        if (rv::placeOf(edge) < coveredEdges) continue;
+        rv::prefetch(&edge->m_pSource->m_index);
+        rv::prefetch(&edge->m_pTarget->m_index);
+        write(std::exchange(asked[next++ % kAhead], edge));
+        --m_newEdges;
+    }
+    for (RVEdge* edge : asked) write(edge);
 }
 
 RVNode* RVGraph::removeNode(RVNode* node) {
@@ -309,9 +409,7 @@ RVNode* RVGraph::removeNode(RVNode* node) {
     prepareWaits(static_cast<std::size_t>(node->degree()));
     for (RVDListCell* cell = node->m_outEdges.m_pFirst; cell != nullptr; cell = cell->m_pNext) {
         auto* edge = static_cast<RVEdge*>(cell->m_pObject);
-        m_edges.unlink(&edge->m_graphCell);
-        edge->m_graphCell.setOut(nullptr);
-        edge->m_attached = false;
+        leaveGraph(edge);
         if (edge->m_pTarget == node) continue;
         edge->m_pTarget->m_inEdges.unlink(&edge->m_inCell);
         wait(edge->m_pTarget, &edge->m_inCell);
@@ -319,15 +417,11 @@ RVNode* RVGraph::removeNode(RVNode* node) {
     for (RVDListCell* cell = node->m_inEdges.m_pFirst; cell != nullptr; cell = cell->m_pNext) {
         auto* edge = static_cast<RVEdge*>(cell->m_pObject);
         if (edge->m_pSource == node) continue;
-        m_edges.unlink(&edge->m_graphCell);
-        edge->m_graphCell.setOut(nullptr);
-        edge->m_attached = false;
+        leaveGraph(edge);
         edge->m_pSource->m_outEdges.unlink(&edge->m_outCell);
         wait(edge->m_pSource, &edge->m_outCell);
     }
-    m_nodes.unlink(&node->m_graphCell);
-    node->m_graphCell.setOut(nullptr);
-    node->m_attached = false;
+    leaveGraph(node);
     return node;
 }
 
@@ -337,8 +431,7 @@ RVNode* RVGraph::insertNode(RVNode* node) {
     if (node->m_pGraph != this || m_hasForeignEdges) prepareWaits(static_cast<std::size_t>(node->degree()));
     if (node->m_pGraph != this) adopt(node);
     ++m_modifications;
-    m_nodes.linkLast(&node->m_graphCell);
-    node->m_attached = true;
+    enterGraph(node);
     reviveEdges(node);
     return node;
 }
@@ -364,8 +457,7 @@ void RVGraph::reviveEdges(RVNode* node) {
                 stopWaiting(other, &edge->m_inCell);
                 other->m_inEdges.linkLast(&edge->m_inCell);
             }
-            m_edges.linkLast(&edge->m_graphCell);
-            edge->m_attached = true;
+            enterGraph(edge);
         } else {
             handOver(edge, other);
         }
@@ -379,8 +471,7 @@ void RVGraph::reviveEdges(RVNode* node) {
             if (edge->m_pGraph != this) adopt(edge);
             stopWaiting(other, &edge->m_outCell);
             other->m_outEdges.linkLast(&edge->m_outCell);
-            m_edges.linkLast(&edge->m_graphCell);
-            edge->m_attached = true;
+            enterGraph(edge);
         } else {
             handOver(edge, other);
         }
@@ -434,15 +525,13 @@ void RVGraph::discardNode(RVNode* node) {
             edge->m_pGraph->discardEdge(edge);
         }
     }
-    if (node->m_attached) m_nodes.unlink(&node->m_graphCell);
+    if (node->m_attached) leaveGraph(node);
     destroyMember(node, m_storage->nodes);
 }
 
 // Ends a member that stands in no list any more.
 void RVGraph::destroyMember(RVGraphMember* member, rv::Slab& slab) {
-    for (std::size_t i = m_observers.size(); i > 0; --i) {
-        if (i <= m_observers.size()) m_observers[i - 1]->memberDies(member);  // some may go meanwhile
-    }
+    tellObservers([member](rv::GraphObserver& observer) { observer.memberDies(member); });
     Fields& fields = fieldsOf(member);
     Indices& indices = indicesOf(member);
     const int index = member->m_index;
@@ -503,9 +592,7 @@ void RVGraph::adopt(RVGraphMember* member) {
         m_hasForeignEdges = from->m_hasForeignEdges = true;
         for (RVDListCell* cell : waiting) wait(static_cast<RVNode*>(member), cell);
     }
-    for (std::size_t i = from->m_observers.size(); i > 0; --i) {
-        from->m_observers[i - 1]->memberMoved(member, from, indexThere);
-    }
+    from->tellObservers([&](rv::GraphObserver& observer) { observer.memberMoved(member, from, indexThere); });
 }
 
 void RVGraph::setName(RVGraphMember* member, const wchar_t* text) {
@@ -520,6 +607,32 @@ void RVGraph::setName(RVGraphMember* member, const wchar_t* text) {
         auto made = std::make_unique<std::wstring>(text);
         names.set(member->m_index, made.get(), indicesOf(member).limit);
         static_cast<void>(made.release());
+    }
+}
+
+// Observers
+
+std::uint32_t RVGraph::addObserver(rv::GraphObserver* observer) {
+    const std::lock_guard lock(m_mutex);
+    if (m_goneObservers > m_observers.size() / 2) {
+        std::erase(m_observers, nullptr);
+        m_goneObservers = 0;
+        for (std::size_t i = 0; i < m_observers.size(); ++i) m_observers[i]->m_place = i;
+    }
+    observer->m_place = m_observers.size();
+    m_observers.push_back(observer);
+    return m_nextObserverStamp++;
+}
+
+void RVGraph::removeObserver(rv::GraphObserver* observer) {
+    const std::lock_guard lock(m_mutex);
+    const std::size_t place = observer->m_place;
+    if (place >= m_observers.size() || m_observers[place] != observer) return;
+    m_observers[place] = nullptr;
+    ++m_goneObservers;
+    while (!m_observers.empty() && m_observers.back() == nullptr) {
+        m_observers.pop_back();
+        --m_goneObservers;
     }
 }
 
@@ -648,17 +761,6 @@ RVGraph* RVAFactory::newGraph() { return new RVGraph(this); }
 
 namespace rv {
 
-std::uint32_t GraphAccess::addObserver(RVGraph* graph, GraphObserver* observer) {
-    graph->m_observers.push_back(observer);
-    return graph->m_nextObserverStamp++;
-}
-
-void GraphAccess::removeObserver(RVGraph* graph, GraphObserver* observer) {
-    auto& observers = graph->m_observers;
-    const auto found = std::find(observers.rbegin(), observers.rend(), observer);
-    if (found != observers.rend()) observers.erase(std::next(found).base());
-}
-
 void GraphAccess::copyGraph(const RVGraph* source, RVGraph* target, std::vector<RVGraphMember*>& nodeCopies,
                             std::vector<RVGraphMember*>& edgeCopies) {
     const auto place = [](const RVGraphMember* member) { return static_cast<std::size_t>(member->m_index); };
@@ -753,15 +855,31 @@ RVDListCell* GraphAccess::restoreOrder(List& list, GraphOrders::Order<Member>& o
     return firstOther;
 }
 
+namespace {
+
+template <class List>
+bool isInIndexOrder(const List& list) {
+    int last = -1;
+    for (const auto* member : list) {
+        if (member->denseIndex() < last) return false;
+        last = member->denseIndex();
+    }
+    return true;
+}
+
+}  // namespace
+
 void GraphAccess::restoreOrders(RVGraph* graph, GraphOrders& orders) noexcept {
     ++graph->m_modifications;
     graph->m_listsInGraphOrder = orders.listsInGraphOrder;
     restoreOrder(graph->m_nodes, orders.nodes);
+    graph->m_nodesInIndexOrder = isInIndexOrder(graph->m_nodes);
     for (RVNode* node : graph->m_nodes) {
         node->m_outEdges.forgetCells();
         node->m_inEdges.forgetCells();
     }
     RVDListCell* rest = restoreOrder(graph->m_edges, orders.edges);
+    graph->m_edgesInIndexOrder = isInIndexOrder(graph->m_edges);
     if (orders.listsInGraphOrder) {
         rest = graph->m_edges.m_pFirst;
     } else {

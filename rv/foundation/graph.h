@@ -33,10 +33,13 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <mutex>
 #include <new>
 #include <string>
 #include <vector>
 
+#include "rv/foundation/buffer.h"
+#include "rv/foundation/ends.h"
 #include "rv/foundation/list.h"
 
 class RVAFactory;
@@ -260,6 +263,9 @@ private:
     friend class rv::GraphAccess;
     RVEdge() = default;
 
+    rv::Ends denseEnds() const {
+        return {static_cast<rv::Index>(m_pSource->m_index), static_cast<rv::Index>(m_pTarget->m_index)};
+    }
     void leaveLists();
     void leaveSource();
     void leaveTarget();
@@ -276,7 +282,8 @@ namespace rv {
 
 class Slab;
 
-// Whoever keeps something about a graph's objects hears of their end. Internal to the library.
+// Whoever keeps something about a graph's objects hears of their end. Each watches one graph at a time.
+// Internal to the library.
 class RV_EXPORT GraphObserver {
 public:
     virtual void graphDies(RVGraph* graph) = 0;
@@ -286,8 +293,13 @@ public:
 
 protected:
     ~GraphObserver() = default;
+
+private:
+    friend class ::RVGraph;
+    std::size_t m_place = 0;  // among the observers of the graph
 };
 
+class GraphCache;
 struct GraphStorage;
 struct FactoryLink;
 
@@ -368,6 +380,11 @@ public:
     // Grows with every change of the graph's nodes, edges, ends or orders.
     std::uint64_t modificationCount() const { return m_modifications; }
 
+    // Algorithms keep a copy of the graph as arrays with it, for questions to come, until it changes: some
+    // 30 to 60 bytes an edge. This gives the memory back; the next question makes the arrays again.
+    // REQUIRES: no algorithm is running on the graph.
+    void releaseSnapshot();
+
     const wchar_t* pNameString() const override;
     const wchar_t* pNameString(const wchar_t* text) override;
     void* pUserField() const override;
@@ -418,11 +435,22 @@ private:
     void setName(RVGraphMember* member, const wchar_t* text);
 
     void attach(RVEdge* edge);
+    void enterGraph(RVNode* node);
+    void leaveGraph(RVNode* node);
+    void enterGraph(RVEdge* edge);
+    void leaveGraph(RVEdge* edge);
+    void note(RVNode* node, int change);
+    void note(RVEdge* edge, int change);
+    void coverIndices();
     void reviveEdges(RVNode* node);
     void prepareWaits(std::size_t count);
     void wait(RVNode* node, RVDListCell* cell);
     void stopWaiting(RVNode* node, RVDListCell* cell);
     std::vector<RVDListCell*> takeWaits(RVNode* node);
+    std::uint32_t addObserver(rv::GraphObserver* observer);
+    void removeObserver(rv::GraphObserver* observer);
+    template <class F>
+    void tellObservers(F tell);
     void noteForeignEdge(RVEdge* edge, RVNode* other);
     void severForeignEdges();
     template <class Member, class F>
@@ -435,6 +463,16 @@ private:
     Indices m_edgeIndices;
     std::uint32_t m_hashSalt;
     std::uint64_t m_modifications = 0;
+    // What is attached, by dense index: the node, or nullptr; the edge, or anything; its ends, or kNoIndex.
+    // The arrays cover all indices when they are asked for. From then on they change with their objects;
+    // what comes with an index beyond them is counted, and stands at the end of its list.
+    rv::Buffer<RVNode*> m_nodeAt;
+    rv::Buffer<RVEdge*> m_edgeAt;
+    rv::Buffer<rv::Ends> m_ends;
+    int m_newNodes = 0;
+    int m_newEdges = 0;
+    bool m_nodesInIndexOrder = true;  // the node list stands in the order of dense indices
+    bool m_edgesInIndexOrder = true;  // the edge list likewise
     bool m_listsInGraphOrder = true;  // every in- and out-list stands in the order of the edge list
     bool m_hasForeignEdges = false;   // some detached edge may join nodes of this and of another graph
 
@@ -445,9 +483,13 @@ private:
     std::uint32_t m_freeWait = 0;           // position + 1, 0 for none
     rv::Column<std::uint32_t> m_waitHeads;  // by node; position + 1, 0 for none
 
-    std::vector<rv::GraphObserver*> m_observers;
+    std::vector<rv::GraphObserver*> m_observers;  // nullptr where one has gone, but for the last
+    std::size_t m_goneObservers = 0;
     std::uint32_t m_nextObserverStamp = 1;
     std::vector<std::shared_ptr<rv::GraphStorage>> m_adoptedStorage;
+
+    mutable std::mutex m_mutex;  // for what changes while the graph does not
+    mutable std::unique_ptr<rv::GraphCache> m_cache;
 
     std::shared_ptr<rv::FactoryLink> m_factory;
     std::wstring m_name;

@@ -5,6 +5,8 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <mutex>
+#include <span>
 #include <vector>
 
 #include "rv/foundation/graph.h"
@@ -33,11 +35,23 @@ struct GraphOrders {
     bool listsInGraphOrder = true;
 };
 
+// What layers above keep with a graph to answer questions faster.
+class GraphCache {
+public:
+    GraphCache() = default;
+    GraphCache(const GraphCache&) = delete;
+    GraphCache& operator=(const GraphCache&) = delete;
+    virtual ~GraphCache() = default;
+};
+
 class GraphAccess {
 public:
-    // Stamps of observers grow in the order in which they came to the graph.
-    static std::uint32_t addObserver(RVGraph* graph, GraphObserver* observer);
-    static void removeObserver(RVGraph* graph, GraphObserver* observer);
+    // Stamps of observers grow in the order in which they came to the graph. Several threads may come and
+    // go at once while nobody changes the graph.
+    static std::uint32_t addObserver(RVGraph* graph, GraphObserver* observer) {
+        return graph->addObserver(observer);
+    }
+    static void removeObserver(RVGraph* graph, GraphObserver* observer) { graph->removeObserver(observer); }
 
     // Fills an empty graph with a copy of what is attached in another: names and all orders, those of the
     // nodes' in- and out-lists included. nodeCopies and edgeCopies give the copies by the dense index of
@@ -48,10 +62,28 @@ public:
     // Whether every in- and out-list is known to stand in the order of the edge list.
     static bool areListsInGraphOrder(const RVGraph* graph) { return graph->m_listsInGraphOrder; }
 
+    // Whether the list of nodes (edges) is known to stand in the order of dense indices.
+    static bool areNodesInIndexOrder(const RVGraph* graph) { return graph->m_nodesInIndexOrder; }
+    static bool areEdgesInIndexOrder(const RVGraph* graph) { return graph->m_edgesInIndexOrder; }
+
+    // By dense index: the nodes, nullptr where none is attached; the edges, of use where one is attached; and
+    // the dense indices of the edges' ends, kNoIndex where no edge is attached. To be read until the graph
+    // changes.
+    // REQUIRES: coverIndices since the last change. It costs what has been added since the last time.
+    static void coverIndices(RVGraph* graph) { graph->coverIndices(); }
+    static std::span<RVNode* const> nodes(const RVGraph* graph) { return graph->m_nodeAt; }
+    static std::span<RVEdge* const> edges(const RVGraph* graph) { return graph->m_edgeAt; }
+    static std::span<const Ends> ends(const RVGraph* graph) { return graph->m_ends; }
+
     static GraphOrders noteOrders(const RVGraph* graph);
     // Puts what is attached back into the noted orders; objects that were not noted go behind all others.
     // Allocates nothing.
     static void restoreOrders(RVGraph* graph, GraphOrders& orders) noexcept;
+
+    // A graph that nobody changes may be asked from several threads, so all use of the cache is behind the
+    // mutex. Empty until something is put there.
+    static std::mutex& mutex(const RVGraph* graph) { return graph->m_mutex; }
+    static std::unique_ptr<GraphCache>& cache(const RVGraph* graph) { return graph->m_cache; }
 
     // Makes room for so many removals of attached edges, which then allocate nothing.
     static void prepareRemovals(RVGraph* graph, std::size_t edges) { graph->prepareWaits(2 * edges); }

@@ -5,19 +5,11 @@
 // two.
 #pragma once
 
-#include <cstdint>
 #include <span>
 
+#include "rv/foundation/ends.h"
+
 namespace rv {
-
-using Index = std::uint32_t;
-inline constexpr Index kNoIndex = 0xFFFFFFFF;
-
-// An edge's nodes; both kNoIndex for a number that no edge has.
-struct Ends {
-    Index source = kNoIndex;
-    Index target = kNoIndex;
-};
 
 // The arcs of every node, in the order in which they are followed: those of node v are first[v] up to
 // last[v].

@@ -16,6 +16,7 @@
 #include <utility>
 #include <vector>
 
+#include "rv/foundation/graph_access.h"
 #include "rv/foundation/graph_iterators.h"
 #include "rv/framework/analysis_data.h"
 #include "tests/small_stack.h"
@@ -135,6 +136,7 @@ public:
             EXPECT_EQ(ids(*graph.pNodeList()), m_orders[g].nodes);
             EXPECT_EQ(ids(*graph.pEdgeList()), m_orders[g].edges);
             EXPECT_EQ(graph.numberOfEdges(), static_cast<int>(m_orders[g].edges.size()));
+            if (m_random() % 4 == 0) checkArrays(*m_real[g]);
         }
         for (const auto& [id, node] : m_nodes) {
             SCOPED_TRACE(testing::Message() << "node " << id);
@@ -184,6 +186,34 @@ private:
         return i == map.size() ? kNone : std::next(map.begin(), static_cast<std::ptrdiff_t>(i))->first;
     }
 
+    // The arrays say what the objects say.
+    static void checkArrays(RVGraph& graph) {
+        using rv::GraphAccess;
+        GraphAccess::coverIndices(&graph);
+        const auto limit = [](int value) { return static_cast<std::size_t>(value); };
+        std::vector<RVNode*> nodes(limit(graph.nodeIndexLimit()));
+        Ids nodeIndices;
+        for (RVNode* node : *graph.pNodeList()) {
+            nodes[rv::placeOf(node)] = node;
+            nodeIndices.push_back(node->denseIndex());
+        }
+        EXPECT_TRUE(std::ranges::equal(GraphAccess::nodes(&graph), nodes));
+        EXPECT_TRUE(!GraphAccess::areNodesInIndexOrder(&graph) || std::ranges::is_sorted(nodeIndices));
+
+        std::vector<rv::Ends> ends(limit(graph.edgeIndexLimit()));
+        Ids edgeIndices;
+        for (const RVEdge* edge : *graph.pEdgeList()) {
+            const auto index = [](const RVNode* end) { return static_cast<rv::Index>(end->denseIndex()); };
+            ends[rv::placeOf(edge)] = {index(edge->pSourceNode()), index(edge->pTargetNode())};
+            EXPECT_EQ(GraphAccess::edges(&graph)[rv::placeOf(edge)], edge);
+            edgeIndices.push_back(edge->denseIndex());
+        }
+        const auto same = [](const rv::Ends& a, const rv::Ends& b) {
+            return a.source == b.source && a.target == b.target;
+        };
+        EXPECT_TRUE(std::ranges::equal(GraphAccess::ends(&graph), ends, same));
+        EXPECT_TRUE(!GraphAccess::areEdgesInIndexOrder(&graph) || std::ranges::is_sorted(edgeIndices));
+    }
     void checkMember(const RVGraphMember& member, int id, std::size_t home, bool in) {
         RVGraph& graph = *m_real[home];
         EXPECT_EQ(member.pHomeGraph(), &graph);
@@ -375,6 +405,28 @@ TEST(Graph, SurgeryAgreesWithAModel) {
         if (!HasFailure()) surgery.finish();
         ASSERT_FALSE(HasFailure()) << "seed " << seed << "; " << surgery.log.str();
     }
+}
+
+TEST(Graph, KnowsWhereItsListsStandInTheOrderOfIndices) {
+    using rv::GraphAccess;
+    rvtest::TestGraph graph("a->b b->c c->d");
+    RVNode* const a = graph.node("a");
+    const auto flags = [&] {
+        return std::pair(GraphAccess::areNodesInIndexOrder(graph), GraphAccess::areEdgesInIndexOrder(graph));
+    };
+    EXPECT_EQ(flags(), std::pair(true, true));
+    graph->insertNode(graph->removeNode(graph.node("d")));
+    EXPECT_EQ(flags(), std::pair(true, true)) << "the last ones went and came back";
+    graph->insertNode(graph->removeNode(a));
+    EXPECT_EQ(flags(), std::pair(false, false));
+    RVGraph copy;
+    RVAlgorithmData().copyGraph(graph, &copy);
+    EXPECT_TRUE(GraphAccess::areNodesInIndexOrder(&copy)) << "a copy has indices of its own";
+    while (graph->numberOfNodes() > 1) graph->discardNode(graph->pFirstNode());
+    EXPECT_EQ(flags(), std::pair(false, false)) << "nothing has come since";
+    graph->insertNode(graph->removeNode(graph->pFirstNode()));
+    graph->addEdge(a, a);
+    EXPECT_EQ(flags(), std::pair(true, true)) << "the lists were empty";
 }
 
 TEST(Graph, WalksItsEdges) {
