@@ -152,16 +152,41 @@ inline EdgeArray randomDag(int n, int edgesPerNode = 5) {
     return graph;
 }
 
+// Of edges, in the order of their numbers.
+inline std::vector<int> randomCosts(int count, int least = 1, int most = 1000) {
+    Random random(11);
+    std::vector<int> costs(static_cast<std::size_t>(count));
+    for (int& cost : costs) cost = least + random.below(most - least + 1);
+    return costs;
+}
+
+// Numbers of nodes between which something is asked.
+using Pairs = std::vector<std::pair<int, int>>;
+
+inline Pairs randomPairs(int n, int count = 50) {
+    Random random(5);
+    Pairs pairs(static_cast<std::size_t>(count));
+    for (auto& [from, to] : pairs) {
+        from = random.below(n);
+        to = random.below(n);
+    }
+    return pairs;
+}
+
 struct NamedFamily {
     const char* name;
     EdgeArray (*make)(int n);
+    bool isAcyclic = false;
 };
 
 inline constexpr NamedFamily kFamilies[] = {
-    {"random", [](int n) { return randomGraph(n); }},     {"grid", [](int n) { return gridGraph(n); }},
-    {"powerlaw", [](int n) { return powerLawGraph(n); }}, {"star", [](int n) { return starGraph(n); }},
-    {"chain", [](int n) { return chainGraph(n); }},       {"cycles", [](int n) { return cyclesOfFour(n); }},
-    {"layered", [](int n) { return layeredDag(n); }},
+    {"random", [](int n) { return randomGraph(n); }},
+    {"grid", gridGraph, true},
+    {"powerlaw", [](int n) { return powerLawGraph(n); }},
+    {"star", starGraph, true},
+    {"chain", chainGraph, true},
+    {"cycles", cyclesOfFour},
+    {"layered", [](int n) { return layeredDag(n); }, true},
 };
 
 }  // namespace bench

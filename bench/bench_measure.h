@@ -4,9 +4,11 @@
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
+#include <cstdlib>
 #include <cstring>
 #include <ctime>
 #include <limits>
+#include <map>
 #include <string>
 
 #include "rv/framework/result_codes.h"
@@ -20,29 +22,49 @@ inline double processorSeconds() {
     return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) * 1e-9;
 }
 
-// Calls work(prepare()) again and again, as often as fits in a short while, and reports its fastest time per
-// item in a counter of the unit's name.
-template <class Prepare, class Work>
-void measure(benchmark::State& state, const char* unit, double items, Prepare prepare, Work work) {
+template <class Work>
+double secondsOf(Work work) {
+    const double start = processorSeconds();
+    work();
+    benchmark::ClobberMemory();
+    return processorSeconds() - start;
+}
+
+// Calls round() again and again, as often as fits in a short while, and gives the fewest seconds that it
+// gave.
+template <class Round>
+double fewestSeconds(Round round) {
     constexpr double kShort = 0.25;
     constexpr double kLong = 2.0;
     constexpr int kFewRounds = 3;
     double best = std::numeric_limits<double>::max();
+    const double begin = processorSeconds();
+    double spent = 0;
+    for (int i = 1; spent < kShort || (i <= kFewRounds && spent < kLong); ++i) {
+        best = std::min(best, round());
+        spent = processorSeconds() - begin;
+    }
+    return best;
+}
+
+// Reports these seconds per item in a counter of the unit's name.
+template <class Round>
+void measureRounds(benchmark::State& state, const char* unit, double items, Round round) {
+    double best = 0;
     for (auto _ : state) {
-        const double begin = processorSeconds();
-        double spent = 0;
-        for (int round = 1; spent < kShort || (round <= kFewRounds && spent < kLong); ++round) {
-            auto subject = prepare();
-            const double start = processorSeconds();
-            work(subject);
-            benchmark::ClobberMemory();
-            const double end = processorSeconds();
-            best = std::min(best, end - start);
-            spent = end - begin;
-        }
+        best = fewestSeconds(round);
         state.SetIterationTime(best);
     }
     state.counters[unit] = best * 1e9 / items;
+}
+
+// Likewise of work(prepare()), where only the work counts.
+template <class Prepare, class Work>
+void measure(benchmark::State& state, const char* unit, double items, Prepare prepare, Work work) {
+    measureRounds(state, unit, items, [&] {
+        auto subject = prepare();
+        return secondsOf([&] { work(subject); });
+    });
 }
 
 template <class Work>
@@ -111,6 +133,12 @@ inline bool takeOption(int& argc, char** argv, const char* name) {
     const bool isGiven = end != argv + argc;
     argc = static_cast<int>(end - argv);
     return isGiven;
+}
+
+// Aborts when what one library found differs from what another one found for the same question.
+inline void expectSame(const std::string& question, double found) {
+    static std::map<std::string, double> answers;
+    if (answers.emplace(question, found).first->second != found) std::abort();
 }
 
 // Runs the rows that were added, as the arguments say, and gives the program's status.

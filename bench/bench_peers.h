@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "bench_graphs.h"
+#include "bench_measure.h"
 #include "rv/foundation/graph.h"
 
 #ifdef RV_BENCH_BOOST
@@ -17,13 +18,17 @@
 
 namespace bench {
 
+inline void addEdges(RVGraph& graph, const std::vector<RVNode*>& nodes, const EdgeArray& array) {
+    for (const auto& [source, target] : array.edges) {
+        graph.addEdge(nodes[static_cast<std::size_t>(source)], nodes[static_cast<std::size_t>(target)], 0);
+    }
+}
+
 // Adds nodes and edges to a graph, in the order of their numbers, and gives the nodes.
 inline std::vector<RVNode*> build(RVGraph& graph, const EdgeArray& array) {
     std::vector<RVNode*> nodes(static_cast<std::size_t>(array.nodes));
     for (RVNode*& node : nodes) node = graph.addNode(0);
-    for (const auto& [source, target] : array.edges) {
-        graph.addEdge(nodes[static_cast<std::size_t>(source)], nodes[static_cast<std::size_t>(target)], 0);
-    }
+    addEdges(graph, nodes, array);
     return nodes;
 }
 
@@ -34,6 +39,21 @@ struct RvGraph {
         : graph(std::make_unique<RVGraph>(&factory)), nodes(build(*graph, array)) {}
 
     void forgetNodes() { std::vector<RVNode*>().swap(nodes); }
+    template <class Input>
+    void setCosts(Input& input, const std::vector<int>& costs) const {
+        auto cost = costs.begin();
+        for (RVEdge* edge : *graph->pEdgeList()) input.cost(edge, *cost++);
+    }
+    // Leaves the graph as it was, but what is known about it is out of date.
+    void change() const { graph->discardEdge(graph->addEdge(nodes.front(), nodes.back(), 0)); }
+    // Of a question about the graph: as it is, or cold, when it has just changed.
+    template <class Work>
+    void measure(benchmark::State& state, const char* unit, double items, bool isCold, Work work) const {
+        measureRounds(state, unit, items, [&] {
+            if (isCold) change();
+            return secondsOf(work);
+        });
+    }
 
     RVAFactory factory;
     std::unique_ptr<RVGraph> graph;

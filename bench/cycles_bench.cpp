@@ -1,5 +1,5 @@
 // Breaking cycles: the topological heuristic and cycle-breaking edge detection, beside a plain greedy
-// numbering.
+// numbering. Avoiding them: a new cycle test before each addition to a graph.
 //
 //   cycles_bench                                   all rows
 //   cycles_bench --benchmark_filter='quality2/'    one method on all families
@@ -11,7 +11,13 @@
 //   quality0 .. quality2  the detection, the working copy included
 //   greedy                sources first, sinks last, in between the node with the greatest surplus of
 //                         out-edges (Eades, Lin and Smyth 1993), on arrays and in linear time
-// Every answer is checked: reversing the broken edges leaves no cycle.
+//   addition              tests of 5 n additions to a graph of n nodes without edges, in microseconds for
+//   each
+//                         test alone (us_per_test); its families say which edges come:
+//                           hidden   those of a random graph without cycles, in random order
+//                           turned   random ones, turned around when they would close a cycle
+//                         and for each test objects are made anew (rv_fresh) or used again (rv_reused)
+// Every answer is checked: reversing the broken edges leaves no cycle, and additions close none.
 
 #include <benchmark/benchmark.h>
 
@@ -287,7 +293,79 @@ void runGreedy(benchmark::State& state, const EdgeArray& array) {
     report(state, array, broken);
 }
 
+// Additions with tests
+
+class CycleTest {
+public:
+    explicit CycleTest(const bench::RvGraph& rv) : m_input(rv.graph.get()) {
+        m_test.pInputData(&m_input);
+        m_test.pOutputData(&m_output);
+    }
+    bool closesCycle(RVNode* source, RVNode* target) {
+        m_input.pSourceNode(source);
+        m_input.pTargetNode(target);
+        if (m_test.run() != RV_NO_ERROR) std::abort();
+        return m_output.willCreateCycle() != 0;
+    }
+
+private:
+    RVNewCycleTestInputData m_input;
+    RVNewCycleTestOutputData m_output;
+    RVNewCycleTestAlgorithm m_test;
+};
+
+EdgeArray nodesOf(const EdgeArray& array) { return {array.nodes, {}}; }
+
+// Adds all edges, those that would close a cycle turned around, and gives them as they were added.
+EdgeArray addTested(const bench::RvGraph& rv, const EdgeArray& wanted, bool reuses) {
+    EdgeArray added = nodesOf(wanted);
+    CycleTest reused(rv);
+    for (auto [source, target] : wanted.edges) {
+        RVNode* from = rv.nodes[static_cast<std::size_t>(source)];
+        RVNode* to = rv.nodes[static_cast<std::size_t>(target)];
+        if (from == to) continue;
+        if (reuses ? reused.closesCycle(from, to) : CycleTest(rv).closesCycle(from, to)) {
+            std::swap(source, target);
+            std::swap(from, to);
+        }
+        rv.graph->addEdge(from, to, 0);
+        added.add(source, target);
+    }
+    return added;
+}
+
+// What the same additions take without tests is taken off.
+void runAdditions(benchmark::State& state, const EdgeArray& wanted, bool reuses) {
+    EdgeArray added;
+    for (auto _ : state) {
+        const double tested = bench::fewestSeconds([&] {
+            const bench::RvGraph rv(nodesOf(wanted));
+            return bench::secondsOf([&] { added = addTested(rv, wanted, reuses); });
+        });
+        const double untested = bench::fewestSeconds([&] {
+            const bench::RvGraph rv(nodesOf(wanted));
+            return bench::secondsOf([&] { bench::addEdges(*rv.graph, rv.nodes, added); });
+        });
+        state.SetIterationTime(tested);
+        state.counters["us_per_test"] = (tested - untested) * 1e6 / wanted.size();
+    }
+    if (!isAcyclic(added, std::vector<bool>(added.edges.size()))) std::abort();
+}
+
+constexpr bench::NamedFamily kAdditions[] = {
+    {"hidden", [](int n) { return bench::randomDag(n); }},
+    {"turned", [](int n) { return bench::randomGraph(n); }},
+};
+
 void registerRows(bool large) {
+    for (const bench::NamedFamily& family : kAdditions) {
+        for (const bool reuses : {false, true}) {
+            const std::string row =
+                std::string("addition/") + family.name + (reuses ? "/rv_reused" : "/rv_fresh");
+            const auto make = family.make;
+            bench::add(row, 10'000, [=](benchmark::State& s) { runAdditions(s, make(10'000), reuses); });
+        }
+    }
     for (const bench::NamedFamily& family : kFamilies) {
         for (int n = 1000; n <= (large ? 1000000 : 100000); n *= 10) {
             const std::string row = std::string("/") + family.name;

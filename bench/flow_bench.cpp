@@ -6,20 +6,20 @@
 //
 // Rows are named algorithm/family/library/n and report the fastest processor time per edge (ns_per_edge).
 // Flows go from node 0 to the last one.
-//   maximum   maximum flow; boost edmonds_karp_max_flow on vectors, and push_relabel_max_flow; lemon
-//   EdmondsKarp
-//             and Preflow
+//   maximum   maximum flow; boost edmonds_karp_max_flow on vectors, and push_relabel_max_flow;
+//             lemon EdmondsKarp and Preflow
 //   cost      a maximum flow of least cost; boost successive_shortest_path_nonnegative_weights on lists;
-//   lemon
-//             NetworkSimplex. Also nanoseconds for each path that was found, and for one Dijkstra traversal
-//             of the same graph without a copy
-//   tree      minimum spanning tree, the whole run; boost copy_graph and prim_minimum_spanning_tree on lists
-// All libraries must find the same value.
+//             lemon NetworkSimplex. Also nanoseconds for each path that was found, and for one Dijkstra
+//             traversal of the same graph without a copy
+//   tree      minimum spanning tree, the whole run, on graphs made connected; boost copy_graph and
+//             prim_minimum_spanning_tree on lists; lemon kruskal
+// rv_cold is rv after a change of the graph. All libraries must find the same value.
 
 #include <benchmark/benchmark.h>
 
 #include <cstdlib>
 #include <cstring>
+#include <numeric>
 #include <string>
 #include <vector>
 
@@ -64,6 +64,27 @@ Network withCapacities(EdgeArray array, int mostCapacity) {
     return network;
 }
 
+// With edges from node 0 to what does not hang together with it.
+EdgeArray connected(EdgeArray array) {
+    std::vector<int> parents(static_cast<std::size_t>(array.nodes));
+    std::iota(parents.begin(), parents.end(), 0);
+    const auto rootOf = [&](int node) {
+        while (parents[static_cast<std::size_t>(node)] != node) {
+            int& parent = parents[static_cast<std::size_t>(node)];
+            node = parent = parents[static_cast<std::size_t>(parent)];
+        }
+        return node;
+    };
+    const auto unite = [&](int a, int b) { parents[static_cast<std::size_t>(rootOf(a))] = rootOf(b); };
+    for (const auto& [source, target] : array.edges) unite(source, target);
+    for (int node = 1; node < array.nodes; ++node) {
+        if (rootOf(node) == rootOf(0)) continue;
+        array.add(0, node);
+        unite(node, 0);
+    }
+    return array;
+}
+
 // A source, a sink, and between them two halves of nodes with four random edges from each of the first half.
 Network bipartite(int n) {
     bench::Random random(17);
@@ -94,10 +115,8 @@ constexpr NamedNetwork kNetworks[] = {
 struct RvNetwork : bench::RvGraph {
     explicit RvNetwork(const Network& network) : RvGraph(network.array), input(graph.get()) {
         std::size_t i = 0;
-        for (RVEdge* edge : *graph->pEdgeList()) {
-            input.capacity(edge, network.capacities[i]);
-            input.cost(edge, network.costs[i++]);
-        }
+        for (RVEdge* edge : *graph->pEdgeList()) input.capacity(edge, network.capacities[i++]);
+        setCosts(input, network.costs);
         input.pSourceNode(nodes.front());
         input.pSinkNode(nodes.back());
     }
@@ -118,11 +137,11 @@ void expect(long found, long expected) {
     if (found != expected) std::abort();
 }
 
-void runMaximum(benchmark::State& state, const Network& network) {
+void runMaximum(benchmark::State& state, const Network& network, bool isCold) {
     RvNetwork rv(network);
     RVMaximumFlowAlgorithm algorithm;
     algorithm.pInputData(&rv.input);
-    bench::measure(state, kPerEdge, network.array.size(), [&] {
+    rv.measure(state, kPerEdge, network.array.size(), isCold, [&] {
         RVMaximumFlowOutputData output;
         algorithm.pOutputData(&output);
         if (algorithm.run() != RV_NO_ERROR) std::abort();
@@ -142,12 +161,12 @@ protected:
     }
 };
 
-void runCost(benchmark::State& state, const Network& network) {
+void runCost(benchmark::State& state, const Network& network, bool isCold) {
     RvNetwork rv(network);
     RVMinimumCostFlowAlgorithm algorithm;
     algorithm.pInputData(&rv.input);
     const int expected = maximumFlow(network);
-    bench::measure(state, kPerEdge, network.array.size(), [&] {
+    rv.measure(state, kPerEdge, network.array.size(), isCold, [&] {
         RVMinimumCostFlowOutputData output;
         algorithm.pOutputData(&output);
         if (algorithm.run() != RV_NO_ERROR) std::abort();
@@ -176,18 +195,17 @@ void runCost(benchmark::State& state, const Network& network) {
     state.counters["ns_of_dijkstra"] = (bench::processorSeconds() - start) * 1e9;
 }
 
-void runTree(benchmark::State& state, const Network& network) {
+void runTree(benchmark::State& state, const std::string& row, const Network& network, bool isCold) {
     const bench::RvGraph rv(network.array);
     RVMinimumSpanningTreeInputData input(rv.graph.get());
-    std::size_t i = 0;
-    for (RVEdge* edge : *rv.graph->pEdgeList()) input.cost(edge, network.costs[i++]);
+    rv.setCosts(input, network.costs);
     RVMinimumSpanningTreeAlgorithm algorithm;
     algorithm.pInputData(&input);
-    bench::measure(state, kPerEdge, network.array.size(), [&] {
+    rv.measure(state, kPerEdge, network.array.size(), isCold, [&] {
         RVMinimumSpanningTreeOutputData output;
         algorithm.pOutputData(&output);
         if (algorithm.run() != RV_NO_ERROR) std::abort();
-        benchmark::DoNotOptimize(output.totalCost());
+        bench::expectSame(row, output.totalCost());
     });
 }
 
@@ -268,54 +286,70 @@ void runBoostTree(benchmark::State& state, const Network& network) {
 template <class Work>
 void runLemon(benchmark::State& state, const Network& network, Work work) {
     bench::LemonFlows lemon(network.array, network.capacities, network.costs);
-    const int expected = maximumFlow(network);
-    bench::measure(state, kPerEdge, network.array.size(), [&] { work(lemon, expected, state); });
+    bench::measure(state, kPerEdge, network.array.size(), [&] { work(lemon); });
 }
 #endif
 
 // Rows
 
+constexpr const char* kLibraries[] = {"rv", "rv_cold"};
+
 void addMaximumRows(const NamedNetwork& network, int n) {
     const std::string name = std::string("maximum/") + network.name + "/";
     const auto make = network.make;
-    bench::add(name + "rv", n, [=](benchmark::State& s) { runMaximum(s, make(n)); });
+    for (const bool isCold : {false, true})
+        bench::add(name + kLibraries[isCold], n,
+                   [=](benchmark::State& s) { runMaximum(s, make(n), isCold); });
 #ifdef RV_BENCH_BOOST
     bench::add(name + "boost", n, [=](benchmark::State& s) { runBoostMaximum(s, make(n), false); });
     bench::add(name + "boost_push", n, [=](benchmark::State& s) { runBoostMaximum(s, make(n), true); });
 #endif
 #ifdef RV_BENCH_LEMON
-    bench::add(name + "lemon", n, [=](benchmark::State& s) {
-        runLemon(s, make(n), [](auto& lemon, int expected, auto&) { expect(lemon.edmondsKarp(), expected); });
-    });
-    bench::add(name + "lemon_push", n, [=](benchmark::State& s) {
-        runLemon(s, make(n), [](auto& lemon, int expected, auto&) { expect(lemon.preflow(), expected); });
-    });
+    for (const bool pushes : {false, true}) {
+        bench::add(name + (pushes ? "lemon_push" : "lemon"), n, [=](benchmark::State& s) {
+            const Network subject = make(n);
+            const int expected = maximumFlow(subject);
+            runLemon(s, subject,
+                     [=](auto& lemon) { expect(pushes ? lemon.preflow() : lemon.edmondsKarp(), expected); });
+        });
+    }
 #endif
 }
 
 void addCostRows(const NamedNetwork& network, int n) {
     const std::string name = std::string("cost/") + network.name + "/";
     const auto make = network.make;
-    bench::add(name + "rv", n, [=](benchmark::State& s) { runCost(s, make(n)); });
+    for (const bool isCold : {false, true})
+        bench::add(name + kLibraries[isCold], n, [=](benchmark::State& s) { runCost(s, make(n), isCold); });
 #ifdef RV_BENCH_BOOST
     bench::add(name + "boost_listS", n, [=](benchmark::State& s) { runBoostCost(s, make(n)); });
 #endif
 #ifdef RV_BENCH_LEMON
     bench::add(name + "lemon_simplex", n, [=](benchmark::State& s) {
-        runLemon(s, make(n), [](auto& lemon, int flow, auto& state) {
-            state.counters["cost"] = static_cast<double>(lemon.networkSimplex(flow));
-        });
+        const Network subject = make(n);
+        const int flow = maximumFlow(subject);
+        runLemon(s, subject,
+                 [&](auto& lemon) { s.counters["cost"] = static_cast<double>(lemon.networkSimplex(flow)); });
     });
 #endif
 }
 
 void addTreeRows(const NamedFamily& family, int n) {
     const std::string name = std::string("tree/") + family.name + "/";
-    const auto make = family.make;
-    bench::add(name + "rv", n, [=](benchmark::State& s) { runTree(s, withCapacities(make(n), 1)); });
+    const std::string row = name + std::to_string(n);
+    const auto make = [=, &family] { return withCapacities(connected(family.make(n)), 1); };
+    for (const bool isCold : {false, true}) {
+        bench::add(name + kLibraries[isCold], n,
+                   [=](benchmark::State& s) { runTree(s, row, make(), isCold); });
+    }
 #ifdef RV_BENCH_BOOST
-    bench::add(name + "boost_listS", n,
-               [=](benchmark::State& s) { runBoostTree(s, withCapacities(make(n), 1)); });
+    bench::add(name + "boost_listS", n, [=](benchmark::State& s) { runBoostTree(s, make()); });
+#endif
+#ifdef RV_BENCH_LEMON
+    bench::add(name + "lemon", n, [=](benchmark::State& s) {
+        runLemon(s, make(),
+                 [&](auto& lemon) { bench::expectSame(row, static_cast<double>(lemon.kruskal())); });
+    });
 #endif
 }
 

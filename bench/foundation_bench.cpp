@@ -42,11 +42,9 @@
 #include "rv/foundation/list_sort.h"
 #include "rv/foundation/sorted_tree.h"
 #include "rv/framework/algorithm_data.h"
-#include "rv/traversal/topological_sort.h"
 
 #ifdef RV_BENCH_BOOST
 #include <boost/graph/copy.hpp>
-#include <boost/graph/topological_sort.hpp>
 #endif
 #ifdef RV_BENCH_LEMON
 #include "lemon_peer.h"
@@ -325,55 +323,6 @@ void starLemon(benchmark::State& state, int n) {
     measure(state, kPerEdge, static_cast<int>(some.size()), [&] { star.makeArcsAnew(some); });
 }
 #endif
-
-// Topological sort with its results: the nodes in order, and the number of every node
-
-void topologicalRv(benchmark::State& state, const EdgeArray& array) {
-    const RvGraph dag(array);
-    measure(
-        state, kPerEdge, array.size(), [] { return std::make_unique<RVTopologicalSortOutputData>(); },
-        [&](auto& output) {
-            RVTopologicalSortAlgorithm sort;
-            RVTopologicalSortInputData input(dag.graph.get());
-            sort.pInputData(&input);
-            sort.pOutputData(output.get());
-            sort.run();
-            if (output->acyclic() == 0) state.SkipWithError("not acyclic");
-        });
-}
-
-#ifdef RV_BENCH_BOOST
-void topologicalBoost(benchmark::State& state, const EdgeArray& array) {
-    using bench::BoostIndexedGraph;
-    const BoostIndexedGraph dag(array);
-    struct Output {
-        std::vector<BoostIndexedGraph::Node> order;
-        std::vector<int> numbers;
-    };
-    measure(
-        state, kPerEdge, array.size(), [] { return std::make_unique<Output>(); },
-        [&](auto& output) {
-            boost::topological_sort(dag.graph, std::back_inserter(output->order));
-            std::reverse(output->order.begin(), output->order.end());
-            output->numbers.resize(output->order.size());
-            const auto index = get(boost::vertex_index, dag.graph);
-            int number = 0;
-            for (const auto node : output->order) output->numbers[get(index, node)] = ++number;
-        });
-}
-#endif
-
-template <class Run>
-void addTopological(const char* library, Run run) {
-    for (int n : kSizes) {
-        add(std::string("TopologicalSort/") + library + "/layered", n,
-            [n, run](auto& state) { run(state, bench::layeredDag(n)); });
-    }
-    for (int n : kSizes) {
-        add(std::string("TopologicalSort/") + library + "/random", n,
-            [n, run](auto& state) { run(state, bench::randomDag(n)); });
-    }
-}
 
 // Objects of lists, trees and sorts
 
@@ -932,7 +881,6 @@ void addAll() {
     for (int n : {10'000, 20'000, 100'000, 1'000'000}) {
         add("StarDetachEdges/rv", n, [n](auto& state) { starRv(state, n); });
     }
-    addTopological("rv", topologicalRv);
 #ifdef RV_BENCH_BOOST
     addBuilding<bench::BoostListGraph>();
     addBuilding<bench::BoostVecGraph>();
@@ -946,7 +894,6 @@ void addAll() {
     for (int n : kSizes) add("Invert/boost_listS", n, [n](auto& state) { invertBoost(state, n); });
     for (int n : {10'000, 20'000})
         add("StarDetachEdges/boost_listS", n, [n](auto& state) { starBoost(state, n); });
-    addTopological("boost_listS", topologicalBoost);
 #endif
 #ifdef RV_BENCH_LEMON
     addBuilding<bench::LemonGraph>();

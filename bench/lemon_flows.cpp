@@ -5,6 +5,7 @@
 // The next header needs this one before it.
 #include <lemon/core.h>
 #include <lemon/edmonds_karp.h>
+#include <lemon/kruskal.h>
 #include <lemon/list_graph.h>
 #include <lemon/network_simplex.h>
 #include <lemon/preflow.h>
@@ -58,6 +59,11 @@ long LemonFlows::networkSimplex(int amount) {
         .stSupply(m_graph->source, m_graph->sink, amount);
     flow.run();
     return flow.totalCost<long>();
+}
+
+long LemonFlows::kruskal() {
+    ListDigraph::ArcMap<bool> tree(m_graph->graph);
+    return lemon::kruskal(m_graph->graph, m_graph->costs, tree);
 }
 
 }  // namespace bench

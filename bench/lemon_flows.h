@@ -1,4 +1,4 @@
-// LEMON's flows, on its own graph without a copy; compiled as C++17 (see lemon_peer.h).
+// LEMON's flows and spanning trees, on its own graph without a copy; compiled as C++17 (see lemon_peer.h).
 #pragma once
 
 #include <memory>
@@ -14,10 +14,11 @@ public:
     LemonFlows(const EdgeArray& array, const std::vector<int>& capacities, const std::vector<int>& costs);
     ~LemonFlows();
 
-    // Each gives the value, or the cost.
+    // Each gives the value of a flow, or the cost.
     long edmondsKarp();
     long preflow();
     long networkSimplex(int flow);
+    long kruskal();
 
 private:
     struct Implementation;

@@ -1,25 +1,35 @@
-// LEMON's searches and components, on its own graph without a copy; compiled as C++17 (see lemon_peer.h).
+// LEMON's answers to the questions of bench_questions.h, on its own graph without a copy; compiled as C++17
+// (see lemon_peer.h).
 #pragma once
 
 #include <memory>
+#include <vector>
 
 #include "bench_graphs.h"
 
 namespace bench {
 
+// Every question writes what this library does: values of nodes and edges in maps, lists in vectors. It gives
+// the size of its answer as bench_questions.h counts it. Questions about the whole graph do not look at the
+// pairs.
 class LemonSearches {
 public:
-    static constexpr const char* kName = "lemon";
+    static constexpr int kRange = 1000;
 
     explicit LemonSearches(const EdgeArray& array);
     ~LemonSearches();
 
-    // Each over the whole graph, with results by node.
-    void breadthFirst();
-    void depthFirst();
-    void connected();
-    void biconnected();
-    void stronglyConnected();
+    long breadthFirst(const Pairs&);
+    long depthFirst(const Pairs&);
+    long connected(const Pairs&);
+    long biconnected(const Pairs&);
+    long stronglyConnected(const Pairs&);
+    long topologicalSort(const Pairs&);
+    long acyclic(const Pairs&);
+    // From the first to the second node of each pair.
+    long pathExists(const Pairs& pairs);
+    // Within kRange of the first node of each pair, at random costs.
+    long reachable(const Pairs& pairs);
 
 private:
     struct Implementation;

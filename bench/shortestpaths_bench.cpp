@@ -5,7 +5,9 @@
 //   shortestpaths_bench --large --benchmark_filter=...        10^6 nodes too
 //
 // Rows are named algorithm/family/library/n and report the fastest processor time per edge (ns_per_edge).
-//   dijkstra     distances of all nodes from node 0 and the path to the last one; boost with copy_graph
+//   dijkstra     distances of all nodes from node 0 and the path to the last one; boost with copy_graph;
+//   rv_cold
+//                after a change of the graph
 //   equal        the same with all costs 1
 //   reachable    all nodes within an unlimited range of costs, on the caller's graph; boost Dijkstra without
 //                a copy
@@ -62,9 +64,7 @@ struct Subject {
 };
 
 Subject withCosts(EdgeArray array, int least, int most) {
-    bench::Random random(11);
-    std::vector<int> costs;
-    for (int i = 0; i < array.size(); ++i) costs.push_back(least + random.below(most - least + 1));
+    std::vector<int> costs = bench::randomCosts(array.size(), least, most);
     return {std::move(array), std::move(costs)};
 }
 
@@ -88,10 +88,7 @@ struct RvSubject : bench::RvGraph {
 
     template <class Input>
     void describe(Input& input) const {
-        if constexpr (requires(RVEdge * edge) { input.cost(edge, 0); }) {
-            std::size_t i = 0;
-            for (RVEdge* edge : *graph->pEdgeList()) input.cost(edge, costs[i++]);
-        }
+        if constexpr (requires(RVEdge * edge) { input.cost(edge, 0); }) setCosts(input, costs);
         if constexpr (requires { input.pStartNode(nodes.front()); }) input.pStartNode(nodes.front());
         if constexpr (requires { input.pFinishNode(nodes.back()); }) input.pFinishNode(nodes.back());
     }
@@ -100,14 +97,15 @@ struct RvSubject : bench::RvGraph {
 
 // Runs of an algorithm on an input that has been filled before.
 template <class Algorithm, class Input, class Output, class Set>
-void runRv(benchmark::State& state, const Subject& subject, const char* unit, double items, Set set) {
+void runRv(benchmark::State& state, const Subject& subject, const char* unit, double items, Set set,
+           bool isCold = false) {
     const RvSubject rv(subject);
     Input input(rv.graph.get());
     rv.describe(input);
     Algorithm algorithm;
     algorithm.pInputData(&input);
     set(algorithm, input);
-    bench::measure(state, unit, items, [&] {
+    rv.measure(state, unit, items, isCold, [&] {
         Output output;
         algorithm.pOutputData(&output);
         if (algorithm.run() != RV_NO_ERROR) std::abort();
@@ -283,14 +281,15 @@ Subject withNegative(const NamedFamily& family, int n) { return withCosts(family
 void addDijkstraRows(const char* algorithm, const NamedFamily& family, int n,
                      Subject (*make)(const NamedFamily&, int)) {
     const std::string name = std::string(algorithm) + "/" + family.name + "/";
-    for (const int original : {0, 1}) {
-        bench::add(name + (original == 0 ? "rv" : "rv_original"), n, [=, &family](benchmark::State& s) {
+    for (const std::string library : {"rv", "rv_cold", "rv_original"}) {
+        bench::add(name + library, n, [=, &family](benchmark::State& s) {
             const Subject subject = make(family, n);
+            const auto set = [&](auto& search, auto&) {
+                search.storeDistances(1);
+                search.useOriginalGraph(library == "rv_original" ? 1 : 0);
+            };
             runRv<RVDijkstraAlgorithm, RVShortestPathsInputData, RVDijkstraOutputData>(
-                s, subject, kPerEdge, subject.array.size(), [=](auto& search, auto&) {
-                    search.storeDistances(1);
-                    search.useOriginalGraph(original);
-                });
+                s, subject, kPerEdge, subject.array.size(), set, library == "rv_cold");
         });
     }
 #ifdef RV_BENCH_BOOST

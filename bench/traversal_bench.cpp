@@ -1,30 +1,45 @@
-// Searches and components beside the same work in Boost.Graph and LEMON.
+// Searches, components, orders and reachability beside the same work in Boost.Graph and LEMON.
 //
 //   traversal_bench                                       everything at 10^4 and 10^5 nodes
 //   traversal_bench --benchmark_filter='/random/'         one family of graphs
 //   traversal_bench --large --benchmark_filter=...        10^6 nodes too
+//   traversal_bench --threads --benchmark_filter=/two/    two threads against one
 //
-// Rows are named algorithm/family/library/n and report the fastest processor time per edge (ns_per_edge).
-//   rv                  the whole run: arrays made of the graph, search, output
-//   rv_hooks            the same of a subclass: copy of the graph, normalisation, search by hooks, output,
-//   restoring rv_hooks_original   likewise, on the caller's graph, without the copy boost_listS copy_graph of
-//   a graph of lists, the algorithm, its results in arrays boost_vecS          the same with vectors lemon
-//   the algorithm with its results in maps, without a copy
-// All cover the whole graph. The row of a size can be compared with the one before for the growth.
+// Rows are named question/family/library/n and report the fastest processor time per edge (ns_per_edge). The
+// questions stand in bench_questions.h. Those about the whole graph are asked once a round; whether there is
+// a path, and what can be reached within a range, 50 times about random nodes (us_per_question).
+//   rv                  the graph has not changed since the last question
+//   rv_cold             it has changed before each question
+//   rv_hooks            of a subclass: copy of the graph, normalisation, search by hooks, output, restoring
+//   rv_hooks_original   likewise, on the caller's graph, without the copy
+//   boost_listS         copy_graph of a graph of lists, the algorithm, its results in arrays
+//   boost_vecS          the same with vectors
+//   lemon               in place, with the same results as rv in maps and vectors
+//   two                 rv in two threads, each with its own algorithm and data, about one graph: time on the
+//                       wall for each question, and how much more they do together than one of them alone
+//                       (throughput)
+// All results are written as a whole and destroyed again. Libraries must agree about their sizes (found). The
+// counter growth compares a row with the same one for fewer nodes.
 // Phases/.../n gives the share of each step of a breadth-first run on hooks, in ns per edge.
 
 #include <benchmark/benchmark.h>
 
-#include <cstdlib>
+#include <algorithm>
+#include <chrono>
 #include <cstring>
 #include <iterator>
+#include <latch>
+#include <limits>
+#include <map>
 #include <memory>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "bench_graphs.h"
 #include "bench_measure.h"
 #include "bench_peers.h"
+#include "bench_questions.h"
 #include "rv/analysis.h"
 
 #ifdef RV_BENCH_BOOST
@@ -34,9 +49,7 @@
 #include <boost/graph/copy.hpp>
 #include <boost/graph/depth_first_search.hpp>
 #include <boost/graph/strong_components.hpp>
-#endif
-#ifdef RV_BENCH_LEMON
-#include "lemon_searches.h"
+#include <boost/graph/topological_sort.hpp>
 #endif
 
 namespace {
@@ -44,42 +57,84 @@ namespace {
 using bench::EdgeArray;
 using bench::kFamilies;
 using bench::NamedFamily;
+using bench::Pairs;
+using bench::Question;
 
 constexpr const char* kPerEdge = "ns_per_edge";
 
 // This library
 
-template <class Algorithm>
-struct Subclass : Algorithm {};
+enum class Way { warm, cold, hooks, hooksOriginal };
+constexpr const char* kWays[] = {"rv", "rv_cold", "rv_hooks", "rv_hooks_original"};
 
-template <class Class, class Input, class Output>
-struct Family {
-    using OnHooks = Family<Subclass<Class>, Input, Output>;
+void report(benchmark::State& state, const std::string& row, long found) {
+    state.counters["found"] = static_cast<double>(found);
+    bench::expectSame(row, static_cast<double>(found));
+}
 
-    static void run(RVGraph* graph, int useOriginalGraph) {
-        Class algorithm;
-        Input input(graph);
-        Output output;
-        algorithm.useOriginalGraph(useOriginalGraph);
-        algorithm.pInputData(&input);
-        algorithm.pOutputData(&output);
-        if (algorithm.run() != RV_NO_ERROR) std::abort();
+void runRv(benchmark::State& state, const std::string& row, const Question& question, const EdgeArray& array,
+           Way way) {
+    const bench::RvGraph rv(array);
+    const bool onHooks = way == Way::hooks || way == Way::hooksOriginal;
+    const auto asker =
+        (onHooks ? question.makeOnHooks : question.make)(rv, way == Way::hooksOriginal ? 1 : 0);
+    const Pairs pairs = question.pairs(array);
+    long found = 0;
+    bench::measureRounds(state, question.unit(), question.items(array), [&] {
+        found = 0;
+        const auto askAll = [&] {
+            for (const auto& pair : pairs) found += asker->ask(pair);
+        };
+        if (way != Way::cold) return bench::secondsOf(askAll);
+        double seconds = 0;
+        for (const auto& pair : pairs) {
+            rv.change();
+            seconds += bench::secondsOf([&] { found += asker->ask(pair); });
+        }
+        return seconds;
+    });
+    report(state, row, found);
+}
+
+// The seconds on the wall that so many threads need until each has asked all its questions so many times.
+double wallSeconds(const Question& question, const bench::RvGraph& rv, const Pairs& pairs, int threads,
+                   int times) {
+    using Clock = std::chrono::steady_clock;
+    std::latch start(threads + 1);
+    std::vector<std::jthread> running;
+    for (int i = 0; i < threads; ++i) {
+        running.emplace_back([&] {
+            const auto asker = question.make(rv, 0);
+            asker->ask(pairs.front());
+            start.arrive_and_wait();
+            for (int time = 0; time < times; ++time) {
+                for (const auto& pair : pairs) asker->ask(pair);
+            }
+        });
     }
-};
-using Breadth =
-    Family<RVBreadthFirstSearchAlgorithm, RVBreadthFirstSearchInputData, RVBreadthFirstSearchOutputData>;
-using Depth = Family<RVDepthFirstSearchAlgorithm, RVDepthFirstSearchInputData, RVDepthFirstSearchOutputData>;
-using Connected =
-    Family<RVConnectedComponentsAlgorithm, RVConnectedComponentsInputData, RVConnectedComponentsOutputData>;
-using Biconnected = Family<RVBiconnectedComponentsAlgorithm, RVBiconnectedComponentsInputData,
-                           RVBiconnectedComponentsOutputData>;
-using Strong = Family<RVStronglyConnectedComponentsAlgorithm, RVStronglyConnectedComponentsInputData,
-                      RVStronglyConnectedComponentsOutputData>;
+    start.arrive_and_wait();
+    const Clock::time_point begin = Clock::now();
+    for (std::jthread& thread : running) thread.join();
+    return std::chrono::duration<double>(Clock::now() - begin).count();
+}
 
-template <class F>
-void runRv(benchmark::State& state, const EdgeArray& array, int useOriginalGraph) {
-    const bench::RvGraph subject(array);
-    bench::measure(state, kPerEdge, array.size(), [&] { F::run(subject.graph.get(), useOriginalGraph); });
+void runThreads(benchmark::State& state, const Question& question, const EdgeArray& array) {
+    constexpr int kRounds = 5;
+    constexpr double kRoundSeconds = 0.1;
+    const bench::RvGraph rv(array);
+    const Pairs pairs = question.pairs(array);
+    const int times = 1 + static_cast<int>(kRoundSeconds / wallSeconds(question, rv, pairs, 1, 1));
+    double one = std::numeric_limits<double>::max();
+    double two = one;
+    for (auto _ : state) {
+        for (int round = 0; round < kRounds; ++round) {
+            one = std::min(one, wallSeconds(question, rv, pairs, 1, times));
+            two = std::min(two, wallSeconds(question, rv, pairs, 2, times));
+        }
+        state.SetIterationTime(two / times);
+    }
+    state.counters[question.unit()] = two / 2 / times * 1e9 / question.items(array);
+    state.counters["throughput"] = 2 * one / two;
 }
 
 void phases(benchmark::State& state, const EdgeArray& array) {
@@ -213,6 +268,21 @@ struct BoostStrong {
     }
 };
 
+struct BoostTopological {
+    template <class Selector>
+    using Copy = Directed<Selector>;
+    template <class Graph>
+    static void run(Graph& graph) {
+        std::vector<typename boost::graph_traits<Graph>::vertex_descriptor> order;
+        ByNode<Graph, int> numbers(graph, 0);
+        ByNode<Graph, boost::default_color_type> colors(graph, boost::white_color);
+        boost::topological_sort(graph, std::back_inserter(order), boost::color_map(colors.map()));
+        std::reverse(order.begin(), order.end());
+        int number = 0;
+        for (const auto node : order) boost::put(numbers.map(), node, ++number);
+    }
+};
+
 template <class Work, class Selector>
 void runBoost(benchmark::State& state, const EdgeArray& array) {
     const auto original = bench::buildBoost<Directed<Selector>>(array);
@@ -225,76 +295,92 @@ void runBoost(benchmark::State& state, const EdgeArray& array) {
 
 #endif
 
+// LEMON
+
 #ifdef RV_BENCH_LEMON
-void runLemon(benchmark::State& state, const EdgeArray& array, void (bench::LemonSearches::*search)()) {
+void runLemon(benchmark::State& state, const std::string& row, const Question& question,
+              const EdgeArray& array) {
     bench::LemonSearches subject(array);
-    bench::measure(state, kPerEdge, array.size(), [&] { (subject.*search)(); });
+    const Pairs pairs = question.pairs(array);
+    long found = 0;
+    bench::measure(state, question.unit(), question.items(array),
+                   [&] { found = (subject.*question.lemon)(pairs); });
+    report(state, row, found);
 }
 #endif
 
 // Rows
 
-template <class F, class Boost>
-void addRows(const char* algorithm, const NamedFamily& family, int n, [[maybe_unused]] bool withPeers) {
-    const std::string name = std::string(algorithm) + "/" + family.name + "/";
-    const auto make = family.make;
-    bench::add(name + "rv", n, [=](benchmark::State& s) { runRv<F>(s, make(n), 0); });
-    using OnHooks = typename F::OnHooks;
-    bench::add(name + "rv_hooks", n, [=](benchmark::State& s) { runRv<OnHooks>(s, make(n), 0); });
-    bench::add(name + "rv_hooks_original", n, [=](benchmark::State& s) { runRv<OnHooks>(s, make(n), 1); });
-#ifdef RV_BENCH_BOOST
-    if (!withPeers) return;
-    bench::add(name + "boost_listS", n,
-               [=](benchmark::State& s) { runBoost<Boost, boost::listS>(s, make(n)); });
-    bench::add(name + "boost_vecS", n,
-               [=](benchmark::State& s) { runBoost<Boost, boost::vecS>(s, make(n)); });
-#endif
+// Compares a row with the same one for fewer nodes, which was run before it.
+void noteGrowth(benchmark::State& state, const std::string& name, double value) {
+    static std::map<std::string, double> latest;
+    double& before = latest[name];
+    if (before > 0) state.counters["growth"] = value / before;
+    before = value;
 }
 
-#ifdef RV_BENCH_LEMON
-void addLemonRow(const char* algorithm, const NamedFamily& family, int n,
-                 void (bench::LemonSearches::*search)()) {
-    const auto make = family.make;
-    bench::add(std::string(algorithm) + "/" + family.name + "/lemon", n,
-               [=](benchmark::State& s) { runLemon(s, make(n), search); });
+template <class Body>
+void addRow(const std::string& name, const char* unit, int n, Body body) {
+    bench::add(name, n, [=](benchmark::State& state) {
+        body(state);
+        noteGrowth(state, name, state.counters[unit]);
+    });
 }
-#endif
 
-#ifndef RV_BENCH_BOOST
-using BoostBreadth = void;
-using BoostDepth = void;
-using BoostConnected = void;
-using BoostBiconnected = void;
-using BoostStrong = void;
-#endif
-
-void addSize(int n) {
-    for (const NamedFamily& family : kFamilies) {
-        const bool isStar = std::strcmp(family.name, "star") == 0;
-        addRows<Breadth, BoostBreadth>("breadth_first", family, n, true);
-        addRows<Depth, BoostDepth>("depth_first", family, n, true);
-        addRows<Connected, BoostConnected>("connected", family, n, true);
-        addRows<Biconnected, BoostBiconnected>("biconnected", family, n, !isStar);
-        addRows<Strong, BoostStrong>("strong", family, n, true);
-#ifdef RV_BENCH_LEMON
-        using L = bench::LemonSearches;
-        addLemonRow("breadth_first", family, n, &L::breadthFirst);
-        addLemonRow("depth_first", family, n, &L::depthFirst);
-        addLemonRow("connected", family, n, &L::connected);
-        addLemonRow("biconnected", family, n, &L::biconnected);
-        addLemonRow("strong", family, n, &L::stronglyConnected);
-#endif
+void addRows(const Question& question, const NamedFamily& family, int n, bool withThreads) {
+    const std::string name = std::string(question.name) + "/" + family.name + "/";
+    const std::string row = name + std::to_string(n);
+    const auto make = family.make;
+    for (const Way way : {Way::warm, Way::cold, Way::hooks, Way::hooksOriginal}) {
+        if (way == Way::hooksOriginal && !question.mayCopy) continue;
+        addRow(name + kWays[static_cast<int>(way)], question.unit(), n,
+               [=, &question](benchmark::State& s) { runRv(s, row, question, make(n), way); });
     }
-    const auto make = kFamilies[0].make;
-    bench::add("Phases/random/rv", n, [=](benchmark::State& s) { phases(s, make(n)); });
+#ifdef RV_BENCH_LEMON
+    addRow(name + "lemon", question.unit(), n,
+           [=, &question](benchmark::State& s) { runLemon(s, row, question, make(n)); });
+#endif
+    if (!withThreads) return;
+    bench::add(name + "two", n, [=, &question](benchmark::State& s) { runThreads(s, question, make(n)); });
+}
+
+#ifdef RV_BENCH_BOOST
+template <class Boost>
+void addBoostRows(const char* question, const NamedFamily& family, int n) {
+    const std::string name = std::string(question) + "/" + family.name + "/";
+    const auto make = family.make;
+    addRow(name + "boost_listS", kPerEdge, n,
+           [=](benchmark::State& s) { runBoost<Boost, boost::listS>(s, make(n)); });
+    addRow(name + "boost_vecS", kPerEdge, n,
+           [=](benchmark::State& s) { runBoost<Boost, boost::vecS>(s, make(n)); });
+}
+#endif
+
+void addFamily(const NamedFamily& family, int n, bool withThreads) {
+    for (const Question& question : bench::kQuestions) {
+        if (!question.isOfDags || family.isAcyclic) addRows(question, family, n, withThreads);
+    }
+#ifdef RV_BENCH_BOOST
+    addBoostRows<BoostBreadth>("breadth_first", family, n);
+    addBoostRows<BoostDepth>("depth_first", family, n);
+    addBoostRows<BoostConnected>("connected", family, n);
+    // Of a star Boost searches all edges for each.
+    if (std::strcmp(family.name, "star") != 0) addBoostRows<BoostBiconnected>("biconnected", family, n);
+    addBoostRows<BoostStrong>("strong", family, n);
+    if (family.isAcyclic) addBoostRows<BoostTopological>("topological", family, n);
+#endif
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
-    const bool large = bench::takeOption(argc, argv, "--large");
-    addSize(10'000);
-    addSize(100'000);
-    if (large) addSize(1'000'000);
+    std::vector<int> sizes = {10'000, 100'000};
+    if (bench::takeOption(argc, argv, "--large")) sizes.push_back(1'000'000);
+    const bool withThreads = bench::takeOption(argc, argv, "--threads");
+    for (const int n : sizes) {
+        for (const NamedFamily& family : kFamilies) addFamily(family, n, withThreads);
+        const auto make = kFamilies[0].make;
+        bench::add("Phases/random/rv", n, [=](benchmark::State& s) { phases(s, make(n)); });
+    }
     return bench::runRows(argc, argv);
 }
