@@ -35,20 +35,19 @@ RVServiceErrorCodeEnum RVNewCycleTestAlgorithm::checkData() {
 }
 
 std::optional<RVServiceErrorCodeEnum> RVNewCycleTestAlgorithm::answer() {
-    if (!isExactly<RVNewCycleTestAlgorithm>()) return std::nullopt;
     const auto* input = RVNewCycleTestInputData::castDown(pInputData());
     const RVGraph* graph = input->pAssociatedGraph();
+    if (!isExactly<RVNewCycleTestAlgorithm>() || !rv::hasCopyFactory(graph)) return std::nullopt;
     const rv::Index from = rv::indexOf(input->pTargetNode());
     const rv::Index to = rv::indexOf(input->pSourceNode());
     rv::RunPulse pulse(pRunControl(), "new cycle test");
-    const rv::GraphScratch scratch(graph);
+    const rv::ScratchLoan<rv::TwoSidedScratch> scratch(graph);
     bool isReached = false;
-    if (rv::isSnapshotWorthwhile(graph)) {
-        const auto flat = rv::snapshotOf(graph);
+    if (const auto flat = rv::snapshotForPart(graph)) {
         isReached = rv::connects(rv::ArcNeighbours(flat->out(), flat->in()), from, to, *scratch, pulse);
     } else {
         isReached = rv::connects(rv::LiveNeighbours(graph), from, to, *scratch, pulse);
-        rv::noteWalk(graph, scratch->steps);
+        rv::noteWalk(graph, static_cast<std::size_t>(scratch->steps));
     }
     RVNewCycleTestOutputData::castDown(pOutputData())->willCreateCycle(isReached ? 1 : 0);
     return RV_NO_ERROR;

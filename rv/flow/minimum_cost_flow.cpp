@@ -168,7 +168,7 @@ void RVMinimumCostFlowAlgorithm::initialize() {
 std::optional<RVServiceErrorCodeEnum> RVMinimumCostFlowAlgorithm::answer() {
     if (!isExactly<RVMinimumCostFlowAlgorithm>() || hasNegativeCost()) return std::nullopt;
     const auto* input = RVMinimumCostFlowInputData::castDown(pInputData());
-    if (rv::newGraphLike(input->pAssociatedGraph())->pFactory() == nullptr) return std::nullopt;
+    if (!rv::hasCopyFactory(input->pAssociatedGraph())) return std::nullopt;
     rv::CostNetwork network(*input);
     RVMinimumCostFlowInternalData data;
     rv::RunPulse pulse(pRunControl(), "minimum cost flow");

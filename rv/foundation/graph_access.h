@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <typeinfo>
 #include <mutex>
 #include <span>
 #include <vector>
@@ -93,12 +94,23 @@ private:
     static RVDListCell* restoreOrder(List& list, GraphOrders::Order<Member>& order) noexcept;
 };
 
+inline Index indexOf(const RVGraphMember* member) { return static_cast<Index>(member->denseIndex()); }
+// All numbers of a graph's nodes are below.
+inline Index nodeLimitOf(const RVGraph* graph) { return static_cast<Index>(graph->nodeIndexLimit()); }
+
 // A new empty graph of the same kind: of the graph's factory, or a plain one where that is missing or makes
 // none.
 inline std::unique_ptr<RVGraph> newGraphLike(const RVGraph* graph) {
     RVAFactory* factory = graph->pFactory();
     RVGraph* made = factory != nullptr ? factory->newGraph() : nullptr;
     return std::unique_ptr<RVGraph>(made != nullptr ? made : new RVGraph());
+}
+
+// Whether a copy of the graph has a factory, without which what runs on the copy fails.
+inline bool hasCopyFactory(const RVGraph* graph) {
+    const RVAFactory* factory = graph->pFactory();
+    if (factory != nullptr && typeid(*factory) == typeid(RVAFactory)) return true;
+    return newGraphLike(graph)->pFactory() != nullptr;
 }
 
 }  // namespace rv

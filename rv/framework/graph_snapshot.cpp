@@ -98,11 +98,8 @@ void describe(RVGraph* graph, FlatGraph::Parts& parts) {
     };
 }
 
-}  // namespace
-
-std::shared_ptr<const FlatGraph> snapshotOf(const RVGraph* graph) {
-    const std::lock_guard lock(GraphAccess::mutex(graph));
-    SnapshotCache& cache = cacheOf(graph);
+// REQUIRES: the graph's mutex is locked.
+std::shared_ptr<const FlatGraph> snapshotIn(SnapshotCache& cache, const RVGraph* graph) {
     if (cache.isKept(graph)) return cache.flat;
     cache.isBuilt = false;
     if (cache.flat == nullptr || cache.flat.use_count() > 1) cache.flat = std::make_shared<FlatGraph>();
@@ -112,21 +109,37 @@ std::shared_ptr<const FlatGraph> snapshotOf(const RVGraph* graph) {
     return cache.flat;
 }
 
+}  // namespace
+
+std::shared_ptr<const FlatGraph> snapshotOf(const RVGraph* graph) {
+    const std::lock_guard lock(GraphAccess::mutex(graph));
+    return snapshotIn(cacheOf(graph), graph);
+}
+
+std::shared_ptr<const FlatGraph> snapshotForPart(const RVGraph* graph) {
+    const std::lock_guard lock(GraphAccess::mutex(graph));
+    SnapshotCache& cache = cacheOf(graph);
+    const auto size = [](int count) { return static_cast<std::size_t>(count); };
+    const bool isWalked = cache.walkedAt == graph->modificationCount() &&
+                          cache.walked > size(graph->numberOfNodes()) + size(graph->numberOfEdges());
+    if (isWalked || cache.isKept(graph)) return snapshotIn(cache, graph);
+    GraphAccess::coverIndices(const_cast<RVGraph*>(graph));
+    return nullptr;
+}
+
 std::shared_ptr<const FlatGraph> keptSnapshot(const RVGraph* graph) {
     const std::lock_guard lock(GraphAccess::mutex(graph));
     const SnapshotCache& cache = cacheOf(graph);
     return cache.isKept(graph) ? cache.flat : nullptr;
 }
 
-bool noteWalk(const RVGraph* graph, std::size_t arcs) {
+void noteWalk(const RVGraph* graph, std::size_t arcs) {
     const std::lock_guard lock(GraphAccess::mutex(graph));
     SnapshotCache& cache = cacheOf(graph);
     if (std::exchange(cache.walkedAt, graph->modificationCount()) != graph->modificationCount()) {
         cache.walked = 0;
     }
     cache.walked += arcs;
-    const auto size = [](int count) { return static_cast<std::size_t>(count); };
-    return cache.walked > size(graph->numberOfNodes()) + size(graph->numberOfEdges());
 }
 
 std::unique_ptr<PooledScratch> takeScratch(const RVGraph* graph, const std::type_info& type) {

@@ -22,9 +22,11 @@ std::shared_ptr<const FlatGraph> snapshotOf(const RVGraph* graph);
 // The same if it is kept, else nullptr.
 std::shared_ptr<const FlatGraph> keptSnapshot(const RVGraph* graph);
 
-// A walk over objects has followed so many arcs. Whether such walks have now touched more than the graph has
-// nodes and edges, since it last changed.
-bool noteWalk(const RVGraph* graph, std::size_t arcs);
+// For a question about a part of the graph: the kept snapshot, or a new one once walks over objects have touched more
+// than the graph, else nullptr. Then GraphAccess::nodes tells the nodes by their numbers.
+std::shared_ptr<const FlatGraph> snapshotForPart(const RVGraph* graph);
+// A walk over objects has followed so many arcs.
+void noteWalk(const RVGraph* graph, std::size_t arcs);
 
 // What searches of a graph work in, kept with the graph for the next one.
 struct PooledScratch {

@@ -36,10 +36,10 @@ inline int kindOfParallel(int kindOfFollowed, bool pointsForward, bool isUndirec
 
 // By edge the kind of those that have arcs out of nodes that the search reached; of an edge with two arcs a
 // tree edge if one of them is. isUndirected(edge) tells whether a forward edge counts as a back edge.
-template <class IsUndirected>
-Buffer<int> edgeKinds(const SearchSpace& space, const DepthFirst& search, IsUndirected isUndirected,
+template <class Kind, class IsUndirected>
+Buffer<Kind> edgeKinds(const SearchSpace& space, const DepthFirst& search, IsUndirected isUndirected,
                       Pulse& pulse) {
-    Buffer<int> kinds(space.order.ends.size(), int{kNoKind});
+    Buffer<Kind> kinds(space.order.ends.size(), static_cast<Kind>(kNoKind));
     for (Index node = 0; node < space.nodeLimit(); ++node) {
         const int number = search.numbers[node];
         if (number == 0) continue;
@@ -51,8 +51,8 @@ Buffer<int> edgeKinds(const SearchSpace& space, const DepthFirst& search, IsUndi
             const int upward = completion < search.completions[target] ? kBackEdge : kCrossEdge;
             const int downward = isUndirected(edge) ? kBackEdge : kForwardEdge;
             const int kind = number < search.numbers[target] ? downward : upward;
-            const bool isTree = search.parents[target] == node || kinds[edge] == kTreeEdge;
-            kinds[edge] = isTree ? int{kTreeEdge} : kind;
+            const bool isTree = search.parents[target] == node || int{kinds[edge]} == kTreeEdge;
+            kinds[edge] = static_cast<Kind>(isTree ? int{kTreeEdge} : kind);
         }
     }
     return kinds;

@@ -25,6 +25,7 @@ namespace rv {
 class EdgeChains {
 public:
     void clear();
+    bool isEmpty() const { return m_links.empty(); }
     void add(Index owner, Index edge);
     template <class F>
     void forEach(Index owner, F f) const {
@@ -73,6 +74,8 @@ struct SimpleGraph {
     void forEachReverseParallel(Index edge, F f) const {
         reverseParallels.forEach(edge, f);
     }
+
+    bool leavesOut() const { return !parallels.isEmpty() || !reverseParallels.isEmpty() || !loops.isEmpty(); }
 
     // What the space refers to, unless that is the flat graph's.
     Buffer<Index> first;

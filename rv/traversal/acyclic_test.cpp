@@ -1,5 +1,6 @@
 #include "rv/traversal/acyclic_test.h"
 
+#include "rv/foundation/graph_access.h"
 #include "rv/framework/graph_snapshot.h"
 #include "rv/framework/run_pulse.h"
 #include "rv/kernels/flat_graph.h"
@@ -13,8 +14,8 @@ void RVAcyclicTestOutputData::reset() { m_acyclic = 1; }
 
 // Parallel edges make no cycle, and loops are ones: the graph need not be normalised.
 std::optional<RVServiceErrorCodeEnum> RVAcyclicTestAlgorithm::answer() {
-    if (!isExactly<RVAcyclicTestAlgorithm>()) return std::nullopt;
     const RVGraph* graph = pInputData()->pAssociatedGraph();
+    if (!isExactly<RVAcyclicTestAlgorithm>() || !rv::hasCopyFactory(graph)) return std::nullopt;
     rv::RunPulse pulse(pRunControl(), "acyclic test", graph->numberOfEdges());
     const auto flat = rv::snapshotOf(graph);
     const bool isAcyclic = rv::topologicalOrder(flat->out(), flat->order(), {}, pulse).isComplete;

@@ -27,12 +27,12 @@ PathSearch::PathSearch(const RVTraversalInputData& input, const RVNode* from, co
     const RVGraph* graph = input.pAssociatedGraph();
     const bool isPlain = GraphAccess::areListsInGraphOrder(graph) && input.undirected() == 0 &&
                          input.edgesDirected().usable() && input.edgesDirected().values(graph).empty();
-    if (!isPlain || isSnapshotWorthwhile(graph)) {
+    if (!isPlain || snapshotForPart(graph) != nullptr) {
         m_isFound = findInSnapshot(input, indexOf(from), indexOf(to), *m_scratch, pulse);
         return;
     }
     m_isFound = shortestPath(LiveNeighbours(graph), indexOf(from), indexOf(to), *m_scratch, pulse);
-    noteWalk(graph, m_scratch->steps);
+    noteWalk(graph, static_cast<std::size_t>(m_scratch->steps));
 }
 
 }  // namespace rv

@@ -21,7 +21,7 @@ public:
     std::span<const Index> reachedNodes() const { return m_scratch->forward.queue; }
 
 private:
-    GraphScratch m_scratch;
+    ScratchLoan<TwoSidedScratch> m_scratch;
     bool m_isFound = false;
 };
 

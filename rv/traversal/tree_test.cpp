@@ -2,6 +2,9 @@
 
 #include <vector>
 
+#include "rv/foundation/graph_access.h"
+#include "rv/foundation/text_output.h"
+#include "rv/framework/check_input.h"
 #include "rv/framework/graph_snapshot.h"
 #include "rv/framework/input_fields.h"
 #include "rv/framework/run_pulse.h"
@@ -25,7 +28,13 @@ void RVTreeTestOutputData::reset() { m_isTree = m_isForest = 1; }
 
 RVServiceErrorCodeEnum RVTreeTestAlgorithm::algorithmBody() {
     const RVGraph* graph = pInputData()->pAssociatedGraph();
-    m_isForest = graph->numberOfEdges() < graph->numberOfNodes() && isForest(graph) ? 1 : 0;
+    m_isForest = 0;
+    if (graph->numberOfEdges() >= graph->numberOfNodes()) return RV_NO_ERROR;
+    if (rv::checkInputGraph(*pInputData()) != RV_NO_ERROR) {  // a hook may have taken the factory away
+        if (debugMode() != 0) wprintf_s(L"Error in cc alg. Return code is %d\n", RV_ALGORITHM_FAILURE);
+        return RV_ALGORITHM_FAILURE;
+    }
+    m_isForest = isForest(graph) ? 1 : 0;
     return RV_NO_ERROR;
 }
 

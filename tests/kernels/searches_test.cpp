@@ -126,7 +126,7 @@ void expectKinds(const ArrayGraph& graph, const rv::SearchSpace& space, const De
         }
     }
     rv::Pulse pulse;
-    const rv::Buffer<int> kinds = rv::edgeKinds(space, search, isUndirected, pulse);
+    const rv::Buffer<int> kinds = rv::edgeKinds<int>(space, search, isUndirected, pulse);
     ASSERT_EQ(kinds.size(), possible.size());
     for (Index edge = 0; edge < kinds.size(); ++edge) {
         // Of the two arcs of an edge one may be a tree edge's; else they agree.
@@ -182,7 +182,7 @@ TEST(Searches, CanBeBrokenOff) {
     breakOffEverywhere([&](rv::Pulse& pulse) { rv::breadthFirst(*space, pulse); });
     breakOffEverywhere([&](rv::Pulse& pulse) {
         const DepthFirst search = rv::depthFirst(*space, pulse);
-        rv::edgeKinds(
+        rv::edgeKinds<int>(
             *space, search, [](Index) { return false; }, pulse);
     });
 }
