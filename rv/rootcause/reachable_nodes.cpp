@@ -1,13 +1,16 @@
-// Dijkstra's method with a sorted tree: settles the nearest candidate, then offers its neighbours the way
-// through it. A candidate whose distance falls keeps its cell.
-
 #include "rv/rootcause/reachable_nodes.h"
 
-#include <type_traits>
+#include <algorithm>
+#include <optional>
 
 #include "rv/foundation/arithmetic.h"
 #include "rv/framework/check_input.h"
 #include "rv/framework/input_fields.h"
+#include "rv/framework/member_lists.h"
+#include "rv/framework/run_pulse.h"
+#include "rv/kernels/breadth_first.h"
+#include "rv/rootcause/negative_costs.h"
+#include "rv/rootcause/range_search.h"
 
 RV_OBJECT_IMPL(RVReachableNodesInputData)
 RV_OBJECT_IMPL(RVReachableNodesOutputData)
@@ -34,21 +37,32 @@ void RVReachableNodesOutputData::buildReachableNodeList(RVNodeDList& list) const
 
 void RVReachableNodesOutputData::reset() { m_nodes->deleteAllCells(); }
 
-// The candidates
-
-namespace {
-
-using rv::placeOf;
-
-}  // namespace
-
 int RVReachableNodesBinTree::keyOf(RVObject* node) const {
-    const std::size_t place = placeOf(static_cast<RVNode*>(node));
-    const bool isKnown = m_pAlgorithm != nullptr && place < m_pAlgorithm->m_distances.size();
-    return isKnown ? m_pAlgorithm->m_distances[place] : rv::kInfinite;
+    return m_pAlgorithm == nullptr ? rv::kInfinite : m_pAlgorithm->distance(static_cast<RVNode*>(node));
 }
 
 // The search
+
+struct RVReachableNodesAlgorithm::Run {
+    explicit Run(const RVReachableNodesInputData& input) {
+        question.graph = input.pAssociatedGraph();
+        question.isReversed = input.reversed() != 0;
+        question.isUndirected = input.undirected() != 0;
+        question.hasCosts = input.range() != -1;
+        question.range = question.hasCosts ? input.range() : rv::kInfinite;
+        question.nodeCosts = input.nodeCosts().values(question.graph, nodeCosts);
+        question.edgeCosts = input.edgeCosts().values(question.graph, edgeCosts);
+        const auto directed = input.edgesDirected().values(question.graph, edgesDirected);
+        if (std::find(directed.begin(), directed.end(), 0) == directed.end()) return;
+        for (const int isDirected : directed) question.isBothWays.push_back(isDirected == 0);
+    }
+
+    rv::Buffer<int> nodeCosts;  // where the input keeps records
+    rv::Buffer<int> edgeCosts;
+    rv::Buffer<int> edgesDirected;
+    rv::RangeQuestion question;
+    std::optional<rv::RangeSearch> search;
+};
 
 RVServiceErrorCodeEnum RVReachableNodesAlgorithm::checkData() {
     RVServiceErrorCodeEnum code = RVBaseGraphAlgorithm::checkData();
@@ -57,112 +71,31 @@ RVServiceErrorCodeEnum RVReachableNodesAlgorithm::checkData() {
     code = rv::checkNode(input->pStartNode(), *input, RV_NO_START_NODE, RV_START_NODE_NOT_IN_GRAPH);
     if (code != RV_NO_ERROR) return code;
     if (input->range() < -1) return RV_INVALID_RANGE;
-    const RVGraph* graph = input->pAssociatedGraph();
-    for (RVEdge* edge : *graph->pEdgeList()) {
-        if (input->cost(edge) < 0) return RV_NEGATIVE_COST;
-    }
-    for (RVNode* node : *graph->pNodeList()) {
-        if (input->cost(node) < 0) return RV_NEGATIVE_COST;
-    }
-    return RV_NO_ERROR;
-}
-
-void RVReachableNodesAlgorithm::initialize() {
-    RVBaseGraphAlgorithm::initialize();
-    forget();  // an override of cleanup may have thrown
-    m_hasCosts = false;
-    cover();
-}
-
-// Nodes and edges that have come since the input was read have the defaults.
-void RVReachableNodesAlgorithm::cover() {
-    const RVGraph* graph = pInputData()->pAssociatedGraph();
-    const auto nodes = static_cast<std::size_t>(graph->nodeIndexLimit());
-    const auto edges = static_cast<std::size_t>(graph->edgeIndexLimit());
-    m_distances.resize(nodes, rv::kInfinite);
-    m_cells.resize(nodes);
-    m_undirectedEdges.resize(edges);
-    if (!m_hasCosts) return;
-    m_nodeCosts.resize(nodes);
-    m_edgeCosts.resize(edges, 1);
-}
-
-void RVReachableNodesAlgorithm::parseInputData() {
-    const auto* input = RVReachableNodesInputData::castDown(pInputData());
-    const RVGraph* graph = input->pAssociatedGraph();
-    m_pStartNode = input->pStartNode();
-    m_reversed = input->reversed();
-    m_directed = input->undirected() == 0 ? 1 : 0;
-    m_followsBothWays = m_directed == 0;
-    m_hasCosts = input->range() != -1;
-    m_range = m_hasCosts ? input->range() : rv::kInfinite;
-    cover();
-    if (m_hasCosts) {
-        for (RVNode* node : *graph->pNodeList()) m_nodeCosts[placeOf(node)] = input->cost(node);
-    }
-    for (RVEdge* edge : *graph->pEdgeList()) {
-        if (input->undirected(edge) != 0) m_followsBothWays = m_undirectedEdges[placeOf(edge)] = true;
-        if (m_hasCosts) m_edgeCosts[placeOf(edge)] = input->cost(edge);
-    }
+    return rv::hasNegativeCost(*input) ? RV_NEGATIVE_COST : RV_NO_ERROR;
 }
 
 RVServiceErrorCodeEnum RVReachableNodesAlgorithm::algorithmBody() {
-    cover();
-    RVNodeDList* reached = RVReachableNodesOutputData::castDown(pOutputData())->pNodeList();
-    m_distances[placeOf(m_pStartNode)] = 0;
-    m_cells[placeOf(m_pStartNode)] = m_candidates.addObject(m_pStartNode);
-    while (RVBinTreeCell* nearest = m_candidates.pFirstCell()) {
-        auto* node = static_cast<RVNode*>(nearest->pObject());
-        m_candidates.discardCell(nearest);
-        m_cells[placeOf(node)] = nullptr;
-        reached->appendNode(node);
-        traverseIncidentEdges(node);
+    const auto* input = RVReachableNodesInputData::castDown(pInputData());
+    RVGraph* const graph = input->pAssociatedGraph();
+    RVNodeDList& list = *RVReachableNodesOutputData::castDown(pOutputData())->pNodeList();
+    rv::RunPulse pulse(pRunControl(), "reachable nodes");
+    Run& run = m_run.make(*input);
+    const rv::Index start = rv::indexOf(input->pStartNode());
+    if (!run.question.hasCosts && !run.question.hasBothWays()) {
+        const auto flat = rv::snapshotOf(graph);
+        const rv::Arcs& arcs = run.question.isReversed ? flat->in() : flat->out();
+        rv::Members(graph).append(rv::breadthFirst(arcs, start, pulse).order, list);
+    } else {
+        if (!run.question.hasCosts) rv::snapshotOf(graph);  // for a question about all of it
+        const std::span<const rv::Index> reached = run.search.emplace(run.question).reach(start, pulse);
+        rv::Members(graph).append(reached, list);
     }
     return RV_NO_ERROR;
 }
 
-void RVReachableNodesAlgorithm::traverseIncidentEdges(RVNode* node) {
-    int base = m_distances[placeOf(node)];
-    if (m_hasCosts && node != m_pStartNode) base = rv::saturatingSum(base, m_nodeCosts[placeOf(node)]);
-    const auto offer = [&](const RVEdge* edge, RVNode* other) {
-        updateDistance(other, rv::saturatingSum(base, m_hasCosts ? m_edgeCosts[placeOf(edge)] : 1));
-    };
-    const bool forward = m_reversed == 0;
-    if (forward || m_followsBothWays) {
-        for (const RVEdge* edge : *node->pOutEdgeList()) {
-            if (forward || isUndirected(edge)) offer(edge, edge->pTargetNode());
-        }
-    }
-    if (!forward || m_followsBothWays) {
-        for (const RVEdge* edge : *node->pInEdgeList()) {
-            if (!forward || isUndirected(edge)) offer(edge, edge->pSourceNode());
-        }
-    }
-}
-
-bool RVReachableNodesAlgorithm::isUndirected(const RVEdge* edge) const {
-    return m_directed == 0 || m_undirectedEdges[placeOf(edge)];
-}
-
-void RVReachableNodesAlgorithm::updateDistance(RVNode* node, int distance) {
-    const std::size_t place = placeOf(node);
-    if (distance > m_range || distance >= m_distances[place]) return;
-    RVBinTreeCell*& cell = m_cells[place];
-    if (cell != nullptr) m_candidates.removeCell(cell);
-    m_distances[place] = distance;
-    cell = cell != nullptr ? m_candidates.insertCell(cell) : m_candidates.addObject(node);
-}
-
-void RVReachableNodesAlgorithm::cleanup() {
-    RVBaseGraphAlgorithm::cleanup();
-    forget();
-}
-
-void RVReachableNodesAlgorithm::forget() {
-    m_candidates.deleteAllCells();
-    const auto release = [](auto&... values) {
-        (std::remove_reference_t<decltype(values)>().swap(values), ...);
-    };
-    release(m_nodeCosts, m_edgeCosts, m_distances, m_undirectedEdges, m_cells);
-    m_pStartNode = nullptr;
+int RVReachableNodesAlgorithm::distance(const RVNode* node) const {
+    const Run* run = m_run.get();
+    const bool isKnown =
+        run != nullptr && run->search && node != nullptr && node->pHomeGraph() == run->question.graph;
+    return isKnown ? run->search->distance(rv::indexOf(node)) : rv::kInfinite;
 }

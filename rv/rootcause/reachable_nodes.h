@@ -11,7 +11,9 @@
 // Codes of run: RV_NO_ERROR, RV_NO_INPUT_GRAPH, RV_NO_GRAPH_FACTORY, then RV_NO_START_NODE,
 // RV_START_NODE_NOT_IN_GRAPH, RV_INVALID_RANGE for a range below 0 that is not -1, RV_NEGATIVE_COST for any
 // negative cost of an edge or node of the graph, whatever the range, and the framework's.
-// Method: Dijkstra 1959. O((n + m) log n) time, O(n + m) without a range; O(n + m) space.
+// Method: Dijkstra 1959, on buckets; without a range breadth-first search. A search within a range costs what
+// it reaches, unless the input's class makes records of its own. O(n + m log C) time at worst for costs up to
+// C, O(n + m) without a range; O(n + m) space.
 //
 //   RVReachableNodesAlgorithm search;
 //   RVReachableNodesInputData input(graph);
@@ -23,17 +25,11 @@
 //   if (search.run() == RV_NO_ERROR) use(*output.pNodeList());
 #pragma once
 
-#include <vector>
-
 #include "rv/foundation/keyed_tree.h"
 #include "rv/framework/base_graph_algorithm.h"
 #include "rv/shortestpaths/path_costs.h"
 
 class RVReachableNodesAlgorithm;
-
-namespace rv {
-class RepeatedSearch;
-}
 
 // Named fields: "startNode", "range" (of the graph) and those of RVPathCostInputData.
 class RV_EXPORT RVReachableNodesInputData : public RVPathCostInputData {
@@ -88,7 +84,8 @@ public:
     explicit RVReachableNodesBinTree(RVReachableNodesAlgorithm* algorithm = nullptr)
         : m_pAlgorithm(algorithm) {}
 
-    // The distance of a node; 2147483647 outside a run.
+    // The distance that a search within a range has found for a node; 2147483647 otherwise, and outside a
+    // run.
     int keyOf(RVObject* node) const;
 
 private:
@@ -103,32 +100,13 @@ public:
     RVServiceErrorCodeEnum checkData() override;
 
 protected:
-    void initialize() override;
     RVServiceErrorCodeEnum algorithmBody() override;
-    void cleanup() override;
-    void parseInputData() override;
 
 private:
     friend class RVReachableNodesBinTree;
-    friend class rv::RepeatedSearch;
+    struct Run;
 
-    void cover();
-    void forget();
-    void traverseIncidentEdges(RVNode* node);
-    void updateDistance(RVNode* node, int distance);
-    bool isUndirected(const RVEdge* edge) const;
+    int distance(const RVNode* node) const;
 
-    // All of the present run. Values by dense index.
-    RVNode* m_pStartNode = nullptr;
-    int m_reversed = 0;
-    int m_directed = 1;
-    int m_range = 0;
-    bool m_followsBothWays = false;  // at least one edge
-    bool m_hasCosts = false;         // otherwise every edge counts 1 and every node 0
-    std::vector<int> m_nodeCosts;
-    std::vector<int> m_edgeCosts;
-    std::vector<int> m_distances;
-    std::vector<bool> m_undirectedEdges;
-    std::vector<RVBinTreeCell*> m_cells;  // of the candidates
-    RVReachableNodesBinTree m_candidates{this};
+    rv::RunState<Run> m_run{this};
 };

@@ -10,15 +10,17 @@
 #include <cstdint>
 #include <limits>
 #include <span>
-#include <utility>
 #include <vector>
 
-#include "rv/foundation/arithmetic.h"
 #include "rv/foundation/list_sort.h"
 #include "rv/framework/check_input.h"
 #include "rv/framework/input_fields.h"
-#include "rv/framework/sub_algorithm.h"
-#include "rv/rootcause/reachable_nodes.h"
+#include "rv/framework/member_lists.h"
+#include "rv/framework/run_pulse.h"
+#include "rv/kernels/flat_graph.h"
+#include "rv/kernels/reach_marks.h"
+#include "rv/rootcause/negative_costs.h"
+#include "rv/rootcause/range_search.h"
 
 RV_OBJECT_IMPL(RVRootCauseInputData)
 RV_OBJECT_IMPL(RVRootCauseOutputData)
@@ -62,46 +64,25 @@ void RVRootCauseOutputData::reset() {
     }
 }
 
-// The searches
-
-namespace rv {
-
-// Searches from one start node after another of an input that is the same otherwise. The first search reads
-// it for all, and each undoes what it noted: a later one costs what it reaches.
-class RepeatedSearch : public RVReachableNodesAlgorithm {
-public:
-    RVServiceErrorCodeEnum checkData() override {
-        if (!m_isRead) return RVReachableNodesAlgorithm::checkData();
-        return checkNode(start(), *pInputData(), RV_NO_START_NODE, RV_START_NODE_NOT_IN_GRAPH);
-    }
-
-protected:
-    void initialize() override {
-        if (!m_isRead) RVReachableNodesAlgorithm::initialize();
-    }
-    void parseInputData() override {
-        if (!m_isRead) RVReachableNodesAlgorithm::parseInputData();
-        m_isRead = true;
-        m_pStartNode = start();
-    }
-    void cleanup() override {
-        for (RVNode* node : *RVReachableNodesOutputData::castDown(pOutputData())->pNodeList())
-            m_distances[placeOf(node)] = kInfinite;
-    }
-
-private:
-    RVNode* start() const { return RVReachableNodesInputData::castDown(pInputData())->pStartNode(); }
-    bool m_isRead = false;
-};
-
-}  // namespace rv
-
 namespace {
 
-using Word = std::uint64_t;
-constexpr std::size_t kGroup = 64;
+using Word = rv::ReachMarks::Word;
+constexpr std::size_t kGroup = rv::ReachMarks::kMost;
 
 using rv::placeOf;
+
+// By edge whether it is followed both ways; nothing where none is.
+std::vector<bool> bothWays(const RVRootCauseInputData& input) {
+    rv::Buffer<int> gathered;
+    const auto undirected = input.edgesUndirected().values(input.pAssociatedGraph(), gathered);
+    if (std::find_if(undirected.begin(), undirected.end(), [](int flag) { return flag != 0; }) ==
+        undirected.end())
+        return {};
+    std::vector<bool> flags;
+    for (const int flag : undirected) flags.push_back(flag != 0);
+    return flags;
+}
+bool isAt(const std::vector<bool>& flags, rv::Index place) { return place < flags.size() && flags[place]; }
 
 Word bitOf(std::size_t i) { return Word{1} << i; }
 
@@ -113,155 +94,25 @@ void forEachBit(Word word, F f) {
 // What the nodes explain of one group of effects.
 class Marks {
 public:
-    explicit Marks(const RVGraph* graph) : m_words(static_cast<std::size_t>(graph->nodeIndexLimit())) {}
+    explicit Marks(const RVGraph* graph) : m_words(rv::nodeLimitOf(graph)) {}
 
-    const std::vector<RVNode*>& nodes() const { return m_nodes; }
-    Word word(const RVNode* node) const { return m_words[placeOf(node)]; }
-    void add(RVNode* node, Word bits) {
-        Word& word = m_words[placeOf(node)];
-        if (word == 0 && bits != 0) m_nodes.push_back(node);
-        word |= bits;
+    void add(rv::Index node, Word bits) {
+        if (m_words[node] == 0) m_nodes.push_back(node);
+        m_words[node] |= bits;
+    }
+    template <class F>
+    void forEachNode(F f) const {
+        for (const rv::Index node : m_nodes) f(node, m_words[node]);
     }
     void clear() {
-        for (const RVNode* node : m_nodes) m_words[placeOf(node)] = 0;
+        for (const rv::Index node : m_nodes) m_words[node] = 0;
         m_nodes.clear();
     }
 
 private:
-    std::vector<Word> m_words;     // by dense index
-    std::vector<RVNode*> m_nodes;  // that have a bit
+    std::vector<Word> m_words;       // by number
+    std::vector<rv::Index> m_nodes;  // that have a bit
 };
-
-// The strong components of the graph, and which of them lead to which. A component is numbered behind all
-// that it leads to, so what its nodes explain is known when it has been gathered from those, in order of the
-// numbers.
-//
-// Path-based (Gabow 2000). Invariant: the unfinished nodes are those discovered and without a component, in
-// the order of discovery, and the numbers of the roots are those at which the components among them may
-// begin.
-class Condensation {
-public:
-    Condensation(const RVGraph* graph, const RVRootCauseInputData& input);
-
-    // Marks every node with the effects that it reaches. Effects that are not in the graph have no component.
-    void mark(Marks& marks, const RVGraph* graph, std::span<RVNode* const> effects);
-
-private:
-    struct Visit {
-        RVNode* node;
-        RVDListCell* next;  // in the out-edges, then in the in-edges
-        bool isBackward;
-    };
-
-    void discover(RVNode* node);
-    void closeComponent(RVNode* root);
-    RVNode* pNextNeighbour(Visit& visit) const;
-
-    bool m_isUndirected;
-    bool m_hasUndirectedEdges = false;
-    std::vector<bool> m_undirectedEdges;
-
-    // Of the search. By dense index; 0 is the number of a node to be discovered.
-    std::vector<int> m_numbers;
-    std::vector<Visit> m_visits;
-    std::vector<RVNode*> m_unfinished;
-    std::vector<int> m_roots;
-    int m_discovered = 0;
-
-    static constexpr std::size_t kNone = static_cast<std::size_t>(-1);
-    std::vector<std::size_t> m_components;  // of the nodes, by dense index
-    std::vector<RVNode*> m_nodes;           // component by component
-    std::vector<std::size_t> m_targets;  // the components to which the first one leads, the second one, ...
-    std::vector<std::size_t> m_nodesEnds;
-    std::vector<std::size_t> m_targetsEnds;
-    std::vector<std::size_t> m_lastSources;  // the last component that was found to lead to this one
-    std::vector<Word> m_words;               // of the components
-};
-
-Condensation::Condensation(const RVGraph* graph, const RVRootCauseInputData& input)
-    : m_isUndirected(input.undirected() != 0),
-      m_undirectedEdges(static_cast<std::size_t>(graph->edgeIndexLimit())),
-      m_numbers(static_cast<std::size_t>(graph->nodeIndexLimit())),
-      m_components(m_numbers.size(), kNone) {
-    for (RVEdge* edge : *graph->pEdgeList()) {
-        if (input.undirected(edge) != 0) m_hasUndirectedEdges = m_undirectedEdges[placeOf(edge)] = true;
-    }
-    for (RVNode* start : *graph->pNodeList()) {
-        if (m_numbers[placeOf(start)] == 0) discover(start);
-        while (!m_visits.empty()) {
-            if (RVNode* const other = pNextNeighbour(m_visits.back())) {
-                if (m_numbers[placeOf(other)] == 0) {
-                    discover(other);
-                } else if (m_components[placeOf(other)] == kNone) {
-                    while (m_roots.back() > m_numbers[placeOf(other)]) m_roots.pop_back();
-                }
-                continue;
-            }
-            RVNode* const node = m_visits.back().node;
-            m_visits.pop_back();
-            if (m_roots.back() == m_numbers[placeOf(node)]) closeComponent(node);
-        }
-    }
-    m_words.resize(m_nodesEnds.size());
-}
-
-void Condensation::discover(RVNode* node) {
-    m_numbers[placeOf(node)] = ++m_discovered;
-    m_roots.push_back(m_discovered);
-    m_unfinished.push_back(node);
-    m_visits.push_back({node, node->pOutEdgeList()->pFirstCell(), false});
-}
-
-void Condensation::closeComponent(RVNode* root) {
-    const std::size_t component = m_nodesEnds.size();
-    const std::size_t first = m_nodes.size();
-    m_roots.pop_back();
-    RVNode* node = nullptr;
-    while (node != root) {
-        node = m_unfinished.back();
-        m_unfinished.pop_back();
-        m_components[placeOf(node)] = component;
-        m_nodes.push_back(node);
-    }
-    m_nodesEnds.push_back(m_nodes.size());
-    m_lastSources.push_back(component);
-    for (std::size_t i = first; i < m_nodes.size(); ++i) {
-        Visit visit{m_nodes[i], m_nodes[i]->pOutEdgeList()->pFirstCell(), false};
-        while (const RVNode* target = pNextNeighbour(visit)) {
-            const std::size_t other = m_components[placeOf(target)];
-            if (std::exchange(m_lastSources[other], component) != component) m_targets.push_back(other);
-        }
-    }
-    m_targetsEnds.push_back(m_targets.size());
-}
-
-RVNode* Condensation::pNextNeighbour(Visit& visit) const {
-    for (;;) {
-        while (visit.next != nullptr) {
-            const auto* edge = static_cast<const RVEdge*>(visit.next->pObject());
-            visit.next = visit.next->pNextCell();
-            if (!visit.isBackward) return edge->pTargetNode();
-            if (m_isUndirected || m_undirectedEdges[placeOf(edge)]) return edge->pSourceNode();
-        }
-        if (visit.isBackward || (!m_isUndirected && !m_hasUndirectedEdges)) return nullptr;
-        visit.isBackward = true;
-        visit.next = visit.node->pInEdgeList()->pFirstCell();
-    }
-}
-
-void Condensation::mark(Marks& marks, const RVGraph* graph, std::span<RVNode* const> effects) {
-    std::fill(m_words.begin(), m_words.end(), Word{0});
-    for (std::size_t i = 0; i < effects.size(); ++i) {
-        if (rv::isInGraph(effects[i], graph)) m_words[m_components[placeOf(effects[i])]] |= bitOf(i);
-    }
-    std::size_t node = 0;
-    std::size_t target = 0;
-    for (std::size_t component = 0; component < m_words.size(); ++component) {
-        Word& word = m_words[component];
-        for (; target < m_targetsEnds[component]; ++target) word |= m_words[m_targets[target]];
-        for (; node < m_nodesEnds[component]; ++node) marks.add(m_nodes[node], word);
-    }
-}
 
 // Smallest explained weight first.
 class RVRootCauseNodeListSort : public RVDListSort {
@@ -290,7 +141,7 @@ struct RVRootCauseAlgorithm::Run {
 
     // What a node explains of a group of effects.
     struct Share {
-        RVNode* node;
+        rv::Index node;
         Word effects;
     };
 
@@ -299,7 +150,11 @@ struct RVRootCauseAlgorithm::Run {
         return threshold <= 0 || static_cast<double>(weight) >= threshold * static_cast<double>(totalWeight);
     }
     std::size_t endOfGroup(std::size_t first) const { return std::min(first + kGroup, effects.size()); }
-    void addShares(const Marks& marks, std::size_t first);
+    std::span<RVNode* const> group(std::size_t first) const {
+        return std::span(effects).subspan(first, endOfGroup(first) - first);
+    }
+    template <class Explained>
+    void addShares(const Explained& marks, std::size_t first);
 
     double threshold = 0;
     std::vector<RVNode*> effects;  // in the order of the list
@@ -330,13 +185,7 @@ RVServiceErrorCodeEnum RVRootCauseAlgorithm::checkData() {
     for (RVNode* effect : *effects) {
         if (input->weight(effect) < 0) return RV_NEGATIVE_WEIGHT;
     }
-    for (RVNode* node : *graph->pNodeList()) {
-        if (input->cost(node) < 0) return RV_NEGATIVE_COST;
-    }
-    for (RVEdge* edge : *graph->pEdgeList()) {
-        if (input->cost(edge) < 0) return RV_NEGATIVE_COST;
-    }
-    return RV_NO_ERROR;
+    return rv::hasNegativeCost(*input) ? RV_NEGATIVE_COST : RV_NO_ERROR;
 }
 
 void RVRootCauseAlgorithm::preprocess() {}
@@ -359,60 +208,73 @@ RVServiceErrorCodeEnum RVRootCauseAlgorithm::algorithmBody() {
     const auto* input = RVRootCauseInputData::castDown(pInputData());
     RVGraph* const graph = input->pAssociatedGraph();
     run.explained.assign(static_cast<std::size_t>(graph->nodeIndexLimit()), Run::kNothing);
+    rv::RunPulse pulse(pRunControl(), "root causes");
     if (input->range() == -1)
-        searchTogether(graph, *input);
+        searchTogether(graph, *input, pulse);
     else
-        searchOneByOne(graph, *input);
+        searchOneByOne(graph, *input, pulse);
     createRootCauseNodeList(graph);
     return RV_NO_ERROR;
 }
 
-void RVRootCauseAlgorithm::searchTogether(RVGraph* graph, const RVRootCauseInputData& input) {
+void RVRootCauseAlgorithm::searchTogether(RVGraph* graph, const RVRootCauseInputData& input,
+                                          rv::Pulse& pulse) {
     Run& run = *m_run;
-    Marks marks(graph);
-    Condensation condensation(graph, input);
+    const auto flat = rv::snapshotOf(graph);
+    const std::vector<bool> isBothWays = bothWays(input);
+    rv::SimpleGraph mixed;
+    if (!isBothWays.empty()) mixed = flat->mixedWhere([&](rv::Index edge) { return isAt(isBothWays, edge); });
+    const rv::SimpleGraph& simple = input.undirected() != 0 ? flat->undirected()
+                                    : isBothWays.empty()    ? flat->directed()
+                                                            : mixed;
+    rv::ReachMarks marks(simple.space, pulse);
+    std::vector<rv::Index> targets;
     for (std::size_t first = 0; first < run.effects.size(); first += kGroup) {
-        condensation.mark(marks, graph, std::span(run.effects).subspan(first, run.endOfGroup(first) - first));
+        targets.clear();
+        for (const RVNode* effect : run.group(first)) {
+            targets.push_back(rv::isInGraph(effect, graph) ? rv::indexOf(effect) : rv::kNoIndex);
+        }
+        marks.ask(targets, pulse);
         run.addShares(marks, first);
-        marks.clear();
     }
 }
 
-void RVRootCauseAlgorithm::searchOneByOne(RVGraph* graph, const RVRootCauseInputData& input) {
+void RVRootCauseAlgorithm::searchOneByOne(RVGraph* graph, const RVRootCauseInputData& input,
+                                          rv::Pulse& pulse) {
     Run& run = *m_run;
-    RVReachableNodesInputData question(graph);
-    question.reversed(1);
-    question.undirected(input.undirected());
-    question.range(input.range());
-    for (RVNode* node : *graph->pNodeList()) {
-        if (const int cost = input.cost(node); cost != 0) question.cost(node, cost);
-    }
-    for (RVEdge* edge : *graph->pEdgeList()) {
-        if (const int cost = input.cost(edge); cost != 0) question.cost(edge, cost);
-        if (input.undirected(edge) != 0) question.undirected(edge, 1);
-    }
-    rv::RepeatedSearch search;
-    RVReachableNodesOutputData answer;
+    rv::Buffer<int> nodeCosts;
+    rv::Buffer<int> edgeCosts;
+    rv::RangeQuestion question;
+    question.graph = graph;
+    question.isReversed = true;
+    question.isUndirected = input.undirected() != 0;
+    question.isBothWays = bothWays(input);
+    question.nodeCosts = input.nodeCosts().values(graph, nodeCosts);
+    question.edgeCosts = input.edgeCosts().values(graph, edgeCosts);
+    question.edgeDefault = 1;
+    question.range = input.range();
+    rv::RangeSearch search(question);
     Marks marks(graph);
     for (std::size_t first = 0; first < run.effects.size(); first += kGroup) {
-        for (std::size_t i = first; i < run.endOfGroup(first); ++i) {
-            question.pStartNode(run.effects[i]);
-            if (rv::runPart(*this, search, question, answer) != RV_NO_ERROR) continue;
-            for (RVNode* node : *answer.pNodeList()) marks.add(node, bitOf(i - first));
+        for (std::size_t i = 0; i < run.group(first).size(); ++i) {
+            const RVNode* effect = run.effects[first + i];
+            if (!rv::isInGraph(effect, graph)) continue;
+            for (const rv::Index node : search.reach(rv::indexOf(effect), pulse)) marks.add(node, bitOf(i));
         }
         run.addShares(marks, first);
         marks.clear();
     }
 }
 
-void RVRootCauseAlgorithm::Run::addShares(const Marks& marks, std::size_t first) {
+template <class Explained>
+void RVRootCauseAlgorithm::Run::addShares(const Explained& marks, std::size_t first) {
     for (std::size_t i = first; i < endOfGroup(first); ++i) weightLeft -= weights[i];
-    for (RVNode* node : marks.nodes()) {
-        std::int64_t& weight = explained[placeOf(node)];
+    marks.forEachNode([&](rv::Index node, Word bits) {
+        std::int64_t& weight = explained[node];
         if (weight == kNothing) weight = 0;
-        forEachBit(marks.word(node), [&](std::size_t i) { weight += weights[first + i]; });
-        if (isEnough(weight + weightLeft)) shares.push_back({node, marks.word(node)});
-    }
+        forEachBit(bits, [&](std::size_t i) { weight += weights[first + i]; });
+        if (isEnough(weight + weightLeft)) shares.push_back({node, bits});
+    });
     endsOfGroups.push_back(shares.size());
 }
 
@@ -436,10 +298,11 @@ void RVRootCauseAlgorithm::generateOutputData() {
         lists->put(cause, list.get());
         static_cast<void>(list.release());  // the map owns it
     }
+    const rv::Members members(pInputData()->pAssociatedGraph());
     std::size_t share = 0;
     for (std::size_t group = 0; group < run.endsOfGroups.size(); ++group) {
         for (; share < run.endsOfGroups[group]; ++share) {
-            auto* list = static_cast<RVNodeDList*>(lists->get(run.shares[share].node));
+            auto* list = static_cast<RVNodeDList*>(lists->get(members.node(run.shares[share].node)));
             if (list == nullptr) continue;
             forEachBit(run.shares[share].effects,
                        [&](std::size_t i) { list->appendNode(run.effects[group * kGroup + i]); });

@@ -40,6 +40,10 @@
 
 // Named fields: "undirected", "effectNodeList", "range", "threshold" (of the graph), "cost" (of a node and of
 // an edge), "weight" (of a node), "edgeUndirected" (of an edge).
+namespace rv {
+class Pulse;
+}
+
 class RV_EXPORT RVRootCauseInputData : public RVAnalysisInputData {
     RV_DATA_OBJECT(RVRootCauseInputData)
 
@@ -134,8 +138,8 @@ protected:
 private:
     struct Run;
 
-    void searchTogether(RVGraph* graph, const RVRootCauseInputData& input);
-    void searchOneByOne(RVGraph* graph, const RVRootCauseInputData& input);
+    void searchTogether(RVGraph* graph, const RVRootCauseInputData& input, rv::Pulse& pulse);
+    void searchOneByOne(RVGraph* graph, const RVRootCauseInputData& input, rv::Pulse& pulse);
     void createRootCauseNodeList(const RVGraph* graph);
 
     rv::RunState<Run> m_run{this};

@@ -1,10 +1,15 @@
 #include "rv/shortestpaths/unique_path_test.h"
 
+#include <span>
+#include <vector>
+
 #include "rv/framework/check_input.h"
 #include "rv/framework/input_fields.h"
-#include "rv/framework/sub_algorithm.h"
-#include "rv/shortestpaths/dijkstra.h"
-#include "rv/traversal/path_exists_test.h"
+#include "rv/framework/member_lists.h"
+#include "rv/framework/run_pulse.h"
+#include "rv/kernels/flat_graph.h"
+#include "rv/kernels/nearest.h"
+#include "rv/traversal/path_search.h"
 
 RV_OBJECT_IMPL(RVUniquePathTestInputData)
 RV_OBJECT_IMPL(RVUniquePathTestInternalData)
@@ -36,59 +41,41 @@ RVServiceErrorCodeEnum RVUniquePathTestAlgorithm::checkData() {
     return code != RV_NO_ERROR ? code : rv::checkEnds(*RVUniquePathTestInputData::castDown(pInputData()));
 }
 
-RVAlgorithmData* RVUniquePathTestAlgorithm::newInternalData() { return new RVUniquePathTestInternalData(); }
-
-void RVUniquePathTestAlgorithm::preprocessGraph() {}
-
-void RVUniquePathTestAlgorithm::postprocessGraph() {}
-
-void RVUniquePathTestAlgorithm::parseInputData() {
-    const auto* input = RVUniquePathTestInputData::castDown(pInputData());
-    RVUniquePathTestInternalData* data = pData();
-    data->undirected(input->undirected());
-    data->pStartNode(data->pCopyNode(input->pStartNode()));
-    data->pFinishNode(data->pCopyNode(input->pFinishNode()));
-    for (RVEdge* edge : *pAssociatedGraph()->pEdgeList()) {
-        if (input->undirected(data->pOriginalEdge(edge)) != 0) data->directed(edge, 0);
-    }
-}
-
-// Passes the question on to a part.
-template <class Input>
-void RVUniquePathTestAlgorithm::describe(Input& input) const {
-    const RVUniquePathTestInternalData* data = pData();
-    input.undirected(data->undirected());
-    input.pStartNode(data->pStartNode());
-    input.pFinishNode(data->pFinishNode());
-    for (RVEdge* edge : *pAssociatedGraph()->pEdgeList()) {
-        if (data->directed(edge) == 0) input.undirected(edge, 1);
-    }
-}
-
-RVServiceErrorCodeEnum RVUniquePathTestAlgorithm::algorithmBody() {
-    auto* output = RVUniquePathTestOutputData::castDown(pOutputData());
-    RVPathExistsTestAlgorithm test;
-    RVPathExistsTestInputData question(pAssociatedGraph());
-    RVPathExistsTestOutputData answer;
-    test.useOriginalGraph(1);
-    describe(question);
-    rv::noteFailure(*pData(), rv::runPart(*this, test, question, answer), debugMode(),
-                    L"Error in path exists. return code is %d\n");
-    const bool isUniquePath = answer.pathExists() != 0 && isUnique(*answer.pEdgeList());
-    output->uniquePathExists(isUniquePath ? 1 : 0);
-    for (RVEdge* edge : *answer.pEdgeList()) output->pEdgeList()->appendEdge(pData()->pOriginalEdge(edge));
-    return pData()->returnCode();
-}
+namespace {
 
 // Whether every path has all edges of this one: these cost 1, all others nothing.
-bool RVUniquePathTestAlgorithm::isUnique(const RVEdgeDList& path) {
-    RVDijkstraAlgorithm dijkstra;
-    RVShortestPathsInputData question(pAssociatedGraph());
-    RVShortestPathsOutputData answer;
-    dijkstra.useOriginalGraph(1);
-    describe(question);
-    for (RVEdge* edge : path) question.cost(edge, 1);
-    rv::noteFailure(*pData(), rv::runPart(*this, dijkstra, question, answer), debugMode(),
-                    L"Error in shortest paths. return code is %d\n");
-    return answer.totalCost() >= path.length();
+bool isUnique(const RVUniquePathTestInputData& input, std::span<const rv::Index> path, rv::Pulse& pulse) {
+    const RVGraph* graph = input.pAssociatedGraph();
+    const auto flat = rv::snapshotOf(graph);
+    std::vector<bool> isOnPath(flat->order().ends.size());
+    for (const rv::Index edge : path) isOnPath[edge] = true;
+    rv::Buffer<int> gathered;
+    const auto directed = input.edgesDirected().values(graph, gathered);
+    const auto cost = [&](rv::Index, rv::Index edge) { return isOnPath[edge] ? 1 : 0; };
+    const auto isBothWays = [&](rv::Index edge) {
+        return input.undirected() != 0 || (edge < directed.size() && directed[edge] == 0);
+    };
+    const rv::NearestWays ways(rv::NoCost(), rv::ArcWays(flat->out(), cost),
+                               rv::ArcWays(flat->in(), cost, isBothWays));
+    rv::NearestBounds<int> bounds;
+    bounds.stop = rv::indexOf(input.pFinishNode());
+    rv::NearestLabels<int> labels(rv::nodeLimitOf(graph));
+    rv::Buffer<rv::Index> settled;
+    rv::findNearest(ways, rv::indexOf(input.pStartNode()), bounds, labels, settled, pulse);
+    return labels.distance(bounds.stop) >= static_cast<int>(path.size());
+}
+
+}  // namespace
+
+std::optional<RVServiceErrorCodeEnum> RVUniquePathTestAlgorithm::answer() {
+    const auto* input = RVUniquePathTestInputData::castDown(pInputData());
+    const RVGraph* graph = input->pAssociatedGraph();
+    if (!isExactly<RVUniquePathTestAlgorithm>() || !rv::hasCopyFactory(graph)) return std::nullopt;
+    auto* output = RVUniquePathTestOutputData::castDown(pOutputData());
+    rv::RunPulse pulse(pRunControl(), "unique path test");
+    const rv::PathSearch search(*input, input->pStartNode(), input->pFinishNode(), pulse);
+    if (!search.isFound()) return RV_NO_ERROR;
+    rv::Members(graph).append(search.edges(), *output->pEdgeList());
+    output->uniquePathExists(isUnique(*input, search.edges(), pulse) ? 1 : 0);
+    return RV_NO_ERROR;
 }

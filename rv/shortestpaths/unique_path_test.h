@@ -8,7 +8,7 @@
 // RV_START_NODE_NOT_IN_GRAPH, RV_NO_FINISH_NODE, RV_FINISH_NODE_NOT_IN_GRAPH, RV_ALGORITHM_FAILURE when a
 // part fails, and the framework's.
 // Method: a path of fewest edges, then a path that has as few of its edges as can be: if it has fewer, the
-// first is not unique. O((n + m) log n) time, O(n + m) space.
+// first is not unique. O(n + m) time and space; an object of a subclass runs on hooks and a copy.
 //
 //   RVUniquePathTestAlgorithm test;
 //   RVUniquePathTestInputData input(graph);
@@ -89,6 +89,7 @@ public:
     RVServiceErrorCodeEnum checkData() override;
 
 protected:
+    std::optional<RVServiceErrorCodeEnum> answer() override;
     RVServiceErrorCodeEnum algorithmBody() override;
     void parseInputData() override;
     RVAlgorithmData* newInternalData() override;
