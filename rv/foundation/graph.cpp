@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <chrono>
 #include <cstring>
+#include <exception>
 #include <utility>
 
 #include "rv/foundation/graph_access.h"
@@ -592,7 +593,15 @@ void RVGraph::adopt(RVGraphMember* member) {
         m_hasForeignEdges = from->m_hasForeignEdges = true;
         for (RVDListCell* cell : waiting) wait(static_cast<RVNode*>(member), cell);
     }
-    from->tellObservers([&](rv::GraphObserver& observer) { observer.memberMoved(member, from, indexThere); });
+    std::exception_ptr failure;  // of the first that fails; the others hear all the same
+    from->tellObservers([&](rv::GraphObserver& observer) {
+        try {
+            observer.memberMoved(member, from, indexThere);
+        } catch (...) {
+            if (failure == nullptr) failure = std::current_exception();
+        }
+    });
+    if (failure != nullptr) std::rethrow_exception(failure);
 }
 
 void RVGraph::setName(RVGraphMember* member, const wchar_t* text) {
