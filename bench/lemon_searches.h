@@ -14,7 +14,7 @@ namespace bench {
 // pairs.
 class LemonSearches {
 public:
-    static constexpr int kRange = 1000;
+    static constexpr int kRange = 500;
 
     explicit LemonSearches(const EdgeArray& array);
     ~LemonSearches();
