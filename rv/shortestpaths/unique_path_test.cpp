@@ -44,7 +44,7 @@ RVServiceErrorCodeEnum RVUniquePathTestAlgorithm::checkData() {
 namespace {
 
 // Whether every path has all edges of this one: these cost 1, all others nothing.
-bool isUnique(const RVUniquePathTestInputData& input, std::span<const rv::Index> path, rv::Pulse& pulse) {
+bool isOnlyPath(const RVUniquePathTestInputData& input, std::span<const rv::Index> path, rv::Pulse& pulse) {
     const RVGraph* graph = input.pAssociatedGraph();
     const auto flat = rv::snapshotOf(graph);
     std::vector<bool> isOnPath(flat->order().ends.size());
@@ -76,6 +76,6 @@ std::optional<RVServiceErrorCodeEnum> RVUniquePathTestAlgorithm::answer() {
     const rv::PathSearch search(*input, input->pStartNode(), input->pFinishNode(), pulse);
     if (!search.isFound()) return RV_NO_ERROR;
     rv::Members(graph).append(search.edges(), *output->pEdgeList());
-    output->uniquePathExists(isUnique(*input, search.edges(), pulse) ? 1 : 0);
+    output->uniquePathExists(isOnlyPath(*input, search.edges(), pulse) ? 1 : 0);
     return RV_NO_ERROR;
 }
