@@ -9,6 +9,7 @@
 #include "rv/kernels/flat_graph.h"
 
 #include <algorithm>
+#include <bit>
 #include <cstddef>
 #include <numeric>
 #include <utility>
@@ -22,71 +23,128 @@ namespace {
 constexpr std::size_t kAhead = 16;  // so far ahead memory is asked for, to have time to answer
 
 // Calls f(edge, ends) in graph order, or from last to first.
-template <class F>
-void forEachEdge(const GraphOrder& order, bool forward, F f) {
-    const bool byNumber = order.edges.empty();
-    const std::size_t size = byNumber ? order.ends.size() : order.edges.size();
-    for (std::size_t i = 0; i < size; ++i) {
-        const auto placeAfter = [&](std::size_t steps) { return forward ? steps : size - 1 - steps; };
-        if (!byNumber && i + kAhead < size) prefetch(&order.ends[order.edges[placeAfter(i + kAhead)]]);
-        const std::size_t edge = byNumber ? placeAfter(i) : order.edges[placeAfter(i)];
-        const Ends ends = order.ends[edge];
-        if (ends.source != kNoIndex) f(static_cast<Index>(edge), ends);
+template <bool kForward = true, class F>
+void forEachEdge(const GraphOrder& order, F f) {
+    const std::size_t size = order.edges.empty() ? order.ends.size() : order.edges.size();
+    const auto at = [size](std::size_t i) { return kForward ? i : size - 1 - i; };
+    if (order.edges.empty()) {
+        for (std::size_t i = 0; i < size; ++i) {
+            const Ends ends = order.ends[at(i)];
+            if (ends.source != kNoIndex) f(static_cast<Index>(at(i)), ends);
+        }
+    } else {
+        for (std::size_t i = 0; i < size; ++i) {
+            if (i + kAhead < size) prefetch(&order.ends[order.edges[at(i + kAhead)]]);
+            f(order.edges[at(i)], order.ends[order.edges[at(i)]]);
+        }
     }
 }
 
-// Puts each arc after those that its node has already.
-class ArcWriter {
+// Calls f(node, target, edge) with all arcs.
+template <class F>
+void forEachArc(const Arcs& arcs, F f) {
+    for (Index node = 0; node < arcs.nodeLimit(); ++node) {
+        for (Index arc = arcs.first[node]; arc < arcs.last[node]; ++arc) {
+            f(node, arcs.targets[arc], arcs.edges[arc]);
+        }
+    }
+}
+
+// Sorts arcs by their nodes, those of one node in the order in which they come.
+class ArcSorter {
 public:
-    // Counts come first: add(node) once for each arc, then begin.
-    explicit ArcWriter(Buffer<Index>& begins, Index nodeLimit) : m_begins(begins) {
-        begins.assign(std::size_t{nodeLimit} + 2, 0);
+    ArcSorter(ArcArrays& arrays, Index nodeLimit) : m_arrays(arrays), m_nodeLimit(nodeLimit) {
+        arrays.begins.assign(std::size_t{nodeLimit} + 2, 0);
+        m_next = arrays.begins.data() + 1;
     }
-    void count(Index node, Index arcs = 1) { m_begins[std::size_t{node} + 2] += arcs; }
-    // Makes room for what was counted, and for some more arcs after it.
-    Index begin(Buffer<Index>& targets, Buffer<Index>& edges, std::size_t more = 0) {
-        std::partial_sum(m_begins.begin(), m_begins.end(), m_begins.begin());
-        targets.resize(m_begins.back() + more);
-        edges.resize(m_begins.back() + more);
-        m_targets = targets.data();
-        m_edges = edges.data();
-        return m_begins.back();
+    // First every node is given the number of its arcs.
+    void count(Index node, Index arcs = 1) { m_next[std::size_t{node} + 1] += arcs; }
+    // Makes room for them, and for some more after them.
+    void makeRoom(std::size_t more = 0) {
+        Buffer<Index>& begins = m_arrays.begins;
+        std::partial_sum(begins.begin(), begins.end(), begins.begin());
+        m_arrays.makeRoom(begins.back() + more);
     }
-    void write(Index node, Index target, Index edge) {
-        const Index place = m_begins[std::size_t{node} + 1]++;
-        m_targets[place] = target;
-        m_edges[place] = edge;
+    // Calls forEachArc(f), which calls f(node, target, edge) with every arc.
+    // Many arcs are first put together by blocks of nodes, so that the memory written lies close together.
+    template <class F>
+    void sort(F forEachArc) {
+        Index* const targets = m_arrays.targets();
+        Index* const edges = m_arrays.edges();
+        const auto put = [=, next = m_next](Index node, Index target, Index edge) {
+            const Index place = next[node]++;
+            targets[place] = target;
+            edges[place] = edge;
+        };
+        const std::size_t arcs = m_arrays.begins.back();
+        if (arcs < kManyArcs || m_nodeLimit < kManyNodes) {
+            forEachArc(put);
+            return;
+        }
+        const int blockBits = static_cast<int>(std::bit_width(m_nodeLimit)) - kBlocksBits;
+        std::vector<Index> next;
+        for (std::size_t node = 0; node < m_nodeLimit; node += std::size_t{1} << blockBits) {
+            next.push_back(m_next[node]);
+        }
+        struct Arc {
+            Index node, target, edge;
+        };
+        Buffer<Arc> byBlock(arcs);
+        forEachArc([&](Index node, Index target, Index edge) {
+            byBlock[next[node >> blockBits]++] = {node, target, edge};
+        });
+        for (const Arc& arc : byBlock) put(arc.node, arc.target, arc.edge);
     }
-    // What has been written.
-    Arcs arcs() const {
-        const std::span<const Index> begins(m_begins);
-        const std::size_t nodes = begins.size() - 2;
-        return {begins.first(nodes),
-                begins.subspan(1, nodes),
-                {m_targets, begins[nodes]},
-                {m_edges, begins[nodes]}};
+    // What has been sorted.
+    Arcs arcs() {
+        const std::span<const Index> begins(m_arrays.begins);
+        const std::size_t arcs = begins[m_nodeLimit];
+        return {begins.first(m_nodeLimit),
+                begins.subspan(1, m_nodeLimit),
+                {m_arrays.targets(), arcs},
+                {m_arrays.edges(), arcs}};
     }
 
 private:
-    Buffer<Index>& m_begins;
-    Index* m_targets = nullptr;
-    Index* m_edges = nullptr;
+    static constexpr std::size_t kManyArcs = std::size_t{1} << 20;
+    static constexpr Index kManyNodes = Index{1} << 17;
+    static constexpr int kBlocksBits = 9;  // of the number of blocks
+
+    ArcArrays& m_arrays;
+    Index m_nodeLimit;
+    Index* m_next;  // by node: where its next arc goes
 };
 
 }  // namespace
+
+// What stood there is not kept. Memory that is too small once is likely to be so again.
+void ArcArrays::makeRoom(std::size_t arcs) {
+    std::size_t room = 2 * arcs;
+    if (room > memory.capacity()) {
+        if (memory.capacity() > 0) room += room / 8;
+        memory = {};
+        memory.reserve(room);
+    }
+    memory.resize(2 * arcs);
+}
 
 void EdgeChains::clear() {
     m_last.clear();
     m_links.clear();
 }
 
-void EdgeChains::add(Index owner, Index edge) {
+void EdgeChains::addFirst(Index owner, Index edge) {
     if (owner >= m_last.size()) m_last.resize(std::size_t{owner} + 1, kNoIndex);
     Index& last = m_last[owner];
     const auto link = static_cast<Index>(m_links.size());
     m_links.push_back({edge, link});
-    if (last != kNoIndex) std::swap(m_links[last].next, m_links[link].next);
-    last = link;
+    if (last == kNoIndex) last = link;
+    std::swap(m_links[last].next, m_links[link].next);
+}
+
+void EdgeChains::addLast(Index owner, Index edge) {
+    addFirst(owner, edge);
+    m_last[owner] = static_cast<Index>(m_links.size() - 1);
 }
 
 // Finds the loops and parallel arcs of a graph that is being made, and leaves them out.
@@ -112,6 +170,7 @@ private:
     Index rank(Index edge) const { return m_ranks.empty() ? edge : m_ranks[edge]; }
     bool isForward(Index node, Index edge) const { return m_ends[edge].source == node; }
     bool isBefore(Index node, Index edge, Index other) const;
+    void noteLoops(Index node);
     void noteParallels(Index node, const Index* targets, const Index* edges);
 
     const FlatGraph& m_graph;
@@ -119,25 +178,33 @@ private:
     SimpleGraph& m_made;
     std::span<const Ends> m_ends;
     std::vector<Index> m_ranks;  // by edge: where it stands in graph order, unless its number says so
-    std::vector<Index>
-        m_marks;  // by node: the last one with an arc to it; in sift, the arc to it that is kept
+    std::vector<Index> m_marks;  // by node: which one had an arc to it last; in sift, which arc to it is kept
+    std::vector<Index> m_loops;  // of the node that is sifted
 };
 
 std::vector<Index> Sieve::search() {
     const Arcs& arcs = m_made.space.arcs;
-    m_made.inDegrees.assign(arcs.nodeLimit(), 0);
-    m_made.space.inDegrees = m_made.inDegrees;
-    Index* const marks = m_marks.data();
-    Index* const inDegrees = m_made.inDegrees.data();
+    Buffer<Index>& inDegrees = m_made.inDegrees;
+    inDegrees.assign(arcs.nodeLimit(), 0);
+    m_made.space.inDegrees = inDegrees;
     std::vector<Index> found;
-    for (Index node = 0; node < arcs.nodeLimit(); ++node) {
-        bool isFound = false;
-        for (const Index target : arcs.targetsOf(node)) {
-            isFound |= target == node || marks[target] == node;
-            marks[target] = node;
-            ++inDegrees[target];
+    const auto search = [&arcs, &found, marks = m_marks.data()](auto count) {
+        for (Index node = 0; node < arcs.nodeLimit(); ++node) {
+            bool isFound = false;
+            marks[node] = node;  // a loop looks like an arc that is parallel to another one
+            for (const Index target : arcs.targetsOf(node)) {
+                isFound |= marks[target] == node;
+                marks[target] = node;
+                count(target);
+            }
+            if (isFound) found.push_back(node);
         }
-        if (isFound) found.push_back(node);
+    };
+    if (m_kind == kUndirected) {
+        for (Index node = 0; node < arcs.nodeLimit(); ++node) inDegrees[node] = arcs.degree(node);
+        search([](Index) {});
+    } else {
+        search([degrees = inDegrees.data()](Index target) { ++degrees[target]; });
     }
     if (found.empty()) return found;
 
@@ -162,10 +229,14 @@ Index Sieve::sift(Index node, Index* targets, Index* edges, Index to) {
     const Index begin = m_made.space.arcs.first[node];
     const Index end = m_made.space.arcs.last[node];
     for (Index arc = begin; arc < end; ++arc) {
-        if (targets[arc] == node) continue;
+        if (targets[arc] == node) {
+            m_loops.push_back(edges[arc]);
+            continue;
+        }
         Index& kept = m_marks[targets[arc]];
         if (kept == kNoIndex || isBefore(node, edges[arc], edges[kept])) kept = arc;
     }
+    noteLoops(node);
     noteParallels(node, targets, edges);
     const Index first = to;
     for (Index arc = begin; arc < end; ++arc) {
@@ -181,6 +252,12 @@ Index Sieve::sift(Index node, Index* targets, Index* edges, Index to) {
     return to;
 }
 
+void Sieve::noteLoops(Index node) {
+    if (!areInListOrder()) std::ranges::sort(m_loops, {}, [this](Index edge) { return rank(edge); });
+    for (const Index edge : m_loops) m_made.loops.addLast(node, edge);
+    m_loops.clear();
+}
+
 // Where an edge is parallel to others by both its arcs, this is noted at the source of the one that is kept.
 void Sieve::noteParallels(Index node, const Index* targets, const Index* edges) {
     const auto note = [&](Index target, Index edge) {
@@ -188,9 +265,9 @@ void Sieve::noteParallels(Index node, const Index* targets, const Index* edges) 
         const Index kept = edges[m_marks[target]];
         if (kept == edge) return;
         if (isForward(node, kept)) {
-            m_made.parallels.add(kept, edge);
+            m_made.parallels.addLast(kept, edge);
         } else if (m_kind == kMixed) {
-            m_made.reverseParallels.add(kept, edge);
+            m_made.reverseParallels.addLast(kept, edge);
         }
     };
     Index arc = m_made.space.arcs.first[node];
@@ -207,20 +284,14 @@ void Sieve::noteParallels(Index node, const Index* targets, const Index* edges) 
 
 namespace {
 
-void collectLoops(SimpleGraph& made) {
-    made.space.order.forEachEdge([&](Index edge) {
-        const Ends ends = made.space.order.ends[edge];
-        if (ends.source == ends.target) made.loops.add(ends.source, edge);
-    });
-}
-
 // In a graph that has arrays of its own.
 void siftInPlace(Sieve sieve, SimpleGraph& made) {
     const std::vector<Index> found = sieve.search();
     if (found.empty()) return;
     made.last.assign(made.space.arcs.last.begin(), made.space.arcs.last.end());
     for (const Index node : found) {
-        made.last[node] = sieve.sift(node, made.targets.data(), made.edges.data(), made.first[node]);
+        const Index first = made.space.arcs.first[node];
+        made.last[node] = sieve.sift(node, made.arrays.targets(), made.arrays.edges(), first);
     }
     made.space.arcs.last = made.last;
 }
@@ -239,10 +310,10 @@ GraphOrder FlatGraph::order() const {
     return {m_parts.nodeCount, m_parts.edgeCount, m_parts.nodes, m_parts.edges, m_parts.ends};
 }
 
-const Arcs& FlatGraph::out() const { return outArrays().arcs; }
+const Arcs& FlatGraph::out() const { return sortedOut().arcs; }
 
 const Arcs& FlatGraph::in() const {
-    return m_in.get([this](Arrays& made) { makeArcs(false, made); }).arcs;
+    return m_in.get([this](SortedArcs& made) { makeArcs(false, made); }).arcs;
 }
 
 const SimpleGraph& FlatGraph::directed() const {
@@ -254,114 +325,119 @@ const SimpleGraph& FlatGraph::undirected() const {
 }
 
 // The room after the out-arcs is for those that are written again without loops and parallels.
-FlatGraph::Arrays& FlatGraph::outArrays() const {
-    return m_out.get([this](Arrays& made) { makeArcs(true, made); });
+FlatGraph::SortedArcs& FlatGraph::sortedOut() const {
+    return m_out.get([this](SortedArcs& made) { makeArcs(true, made); });
 }
 
-void FlatGraph::makeArcs(bool out, Arrays& made) const {
-    ArcWriter writer(made.begins, m_parts.nodeLimit);
+void FlatGraph::makeArcs(bool out, SortedArcs& made) const {
+    ArcSorter sorter(made.arrays, m_parts.nodeLimit);
+    Index Ends::*const from = out ? &Ends::source : &Ends::target;
+    Index Ends::*const to = out ? &Ends::target : &Ends::source;
     for (const Ends& ends : m_parts.ends) {
-        if (ends.source != kNoIndex) writer.count(out ? ends.source : ends.target);
+        if (ends.source != kNoIndex) sorter.count(ends.*from);
     }
-    const Index arcs = writer.begin(made.targets, made.edges, out ? m_parts.edgeCount / 16 : 0);
+    sorter.makeRoom(out ? m_parts.edgeCount / 16 : 0);
     if (areListsInGraphOrder()) {
-        forEachEdge(order(), true, [&](Index edge, const Ends& ends) {
-            out ? writer.write(ends.source, ends.target, edge) : writer.write(ends.target, ends.source, edge);
+        sorter.sort([&](auto put) {
+            forEachEdge(order(), [&](Index edge, const Ends& ends) { put(ends.*from, ends.*to, edge); });
         });
     } else {
-        // The begins move to their places.
-        m_parts.writeLists(out, std::span(made.begins).subspan(1, m_parts.nodeLimit), made.edges);
-        made.begins.erase(made.begins.begin());
-        made.begins.push_back(arcs);
-        for (Index arc = 0; arc < arcs; ++arc) {
-            if (arc + kAhead < arcs) prefetch(&m_parts.ends[made.edges[arc + kAhead]]);
-            const Ends ends = m_parts.ends[made.edges[arc]];
-            made.targets[arc] = out ? ends.target : ends.source;
+        Buffer<Index>& begins = made.arrays.begins;
+        std::shift_left(begins.begin(), begins.end(), 1);  // all are written at once
+        const std::span edges(made.arrays.edges(), m_parts.edgeCount);
+        m_parts.writeLists(out, begins, edges);
+        Index* target = made.arrays.targets();
+        for (std::size_t arc = 0; arc < edges.size(); ++arc) {
+            if (arc + kAhead < edges.size()) prefetch(&m_parts.ends[edges[arc + kAhead]]);
+            *target++ = m_parts.ends[edges[arc]].*to;
         }
     }
-    made.arcs = writer.arcs();
+    made.arcs = sorter.arcs();
 }
 
-void FlatGraph::begin(SimpleGraph& made, const Arcs& arcs) const {
-    made.space = {arcs, {}, order()};
+void FlatGraph::begin(SimpleGraph& made) const {
+    made.space = {{}, {}, order()};
     made.parallels.clear();
-    made.reverseParallels.clear();
     made.loops.clear();
 }
 
 void FlatGraph::makeDirected(SimpleGraph& made) const {
-    Arrays& all = outArrays();
-    begin(made, all.arcs);
+    SortedArcs& all = sortedOut();
+    begin(made);
+    made.space.arcs = all.arcs;
     Sieve sieve(*this, Sieve::kDirected, made);
     const std::vector<Index> found = sieve.search();
     if (found.empty()) return;
-    collectLoops(made);
 
     std::size_t room = all.arcs.targets.size();
     for (const Index node : found) room += all.arcs.degree(node);
-    const bool isEnough = room <= all.targets.size();
+    const bool isEnough = 2 * room <= all.arrays.memory.size();
+    ArcArrays& arrays = isEnough ? all.arrays : made.arrays;
     if (!isEnough) {
-        made.targets.resize(room);
-        made.edges.resize(room);
-        std::ranges::copy(all.arcs.targets, made.targets.begin());
-        std::ranges::copy(all.arcs.edges, made.edges.begin());
+        arrays.makeRoom(room);
+        std::ranges::copy(all.arcs.targets, arrays.targets());
+        std::ranges::copy(all.arcs.edges, arrays.edges());
     }
-    Index* const targets = (isEnough ? all.targets : made.targets).data();
-    Index* const edges = (isEnough ? all.edges : made.edges).data();
-    made.first.assign(all.arcs.first.begin(), all.arcs.first.end());
+    made.arrays.begins.assign(all.arcs.first.begin(), all.arcs.first.end());
     made.last.assign(all.arcs.last.begin(), all.arcs.last.end());
     auto to = static_cast<Index>(all.arcs.targets.size());
     for (const Index node : found) {
-        made.first[node] = to;
-        made.last[node] = to = sieve.sift(node, targets, edges, to);
+        made.arrays.begins[node] = to;
+        made.last[node] = to = sieve.sift(node, arrays.targets(), arrays.edges(), to);
     }
-    made.space.arcs = {made.first, made.last, {targets, to}, {edges, to}};
+    made.space.arcs = {made.arrays.begins, made.last, {arrays.targets(), to}, {arrays.edges(), to}};
 }
 
 void FlatGraph::makeUndirected(SimpleGraph& made) const {
-    ArcWriter writer(made.first, m_parts.nodeLimit);
-    const auto isArc = [](const Ends& ends) {
-        return ends.source != ends.target;
-    };  // that of an edge, no loop
+    begin(made);
+    const auto isLoop = [](const Ends& ends) { return ends.source == ends.target; };
+    ArcSorter sorter(made.arrays, m_parts.nodeLimit);
     for (const Ends& ends : m_parts.ends) {
-        if (!isArc(ends)) continue;
-        writer.count(ends.source);
-        writer.count(ends.target);
+        if (ends.source == kNoIndex || isLoop(ends)) continue;
+        sorter.count(ends.source);
+        sorter.count(ends.target);
     }
-    const Index arcs = writer.begin(made.targets, made.edges);
-    const auto writeForward = [&](Index edge, const Ends& ends) {
-        if (isArc(ends)) writer.write(ends.source, ends.target, edge);
-    };
-    if (areListsInGraphOrder()) {
-        forEachEdge(order(), true, writeForward);
-    } else {
-        for (const Index edge : out().edges) writeForward(edge, m_parts.ends[edge]);
-    }
-    forEachEdge(order(), false, [&](Index edge, const Ends& ends) {
-        if (isArc(ends)) writer.write(ends.target, ends.source, edge);
+    sorter.makeRoom();
+    sorter.sort([&](auto put) {
+        const auto putForward = [&](Index source, Index target, Index edge) {
+            if (source != target) put(source, target, edge);
+        };
+        if (areListsInGraphOrder()) {
+            forEachEdge(order(),
+                        [&](Index edge, const Ends& ends) { putForward(ends.source, ends.target, edge); });
+        } else {
+            forEachArc(out(), putForward);
+        }
+        forEachEdge<false>(order(), [&](Index edge, const Ends& ends) {
+            if (isLoop(ends)) {
+                made.loops.addFirst(ends.source, edge);
+            } else {
+                put(ends.target, ends.source, edge);
+            }
+        });
     });
-    begin(made, writer.arcs());
-    if (arcs != 2 * m_parts.edgeCount) collectLoops(made);
+    made.space.arcs = sorter.arcs();
     siftInPlace(Sieve(*this, Sieve::kUndirected, made), made);
 }
 
 SimpleGraph FlatGraph::mixed(std::span<const Index> twoWayEdges) const {
     SimpleGraph made;
-    ArcWriter writer(made.first, m_parts.nodeLimit);
+    begin(made);
+    ArcSorter sorter(made.arrays, m_parts.nodeLimit);
     const auto forEachReverse = [&](auto f) {
         for (const Index edge : twoWayEdges) {
             const Ends ends = m_parts.ends[edge];
-            if (ends.source != ends.target) f(edge, ends);
+            if (ends.source != ends.target) f(ends.target, ends.source, edge);
         }
     };
-    for (Index node = 0; node < m_parts.nodeLimit; ++node) writer.count(node, out().degree(node));
-    forEachReverse([&](Index, const Ends& ends) { writer.count(ends.target); });
-    writer.begin(made.targets, made.edges);
-    for (const Index edge : out().edges)
-        writer.write(m_parts.ends[edge].source, m_parts.ends[edge].target, edge);
-    forEachReverse([&](Index edge, const Ends& ends) { writer.write(ends.target, ends.source, edge); });
-    begin(made, writer.arcs());
-    collectLoops(made);
+    for (Index node = 0; node < m_parts.nodeLimit; ++node) sorter.count(node, out().degree(node));
+    forEachReverse([&](Index node, Index, Index) { sorter.count(node); });
+    sorter.makeRoom();
+    sorter.sort([&](auto put) {
+        forEachArc(out(), put);
+        forEachReverse(put);
+    });
+    made.space.arcs = sorter.arcs();
     siftInPlace(Sieve(*this, Sieve::kMixed, made), made);
     return made;
 }

@@ -4,9 +4,12 @@
 
 #include <array>
 #include <cstdlib>
+#include <memory>
 #include <new>
 #include <string>
+#include <vector>
 
+#include "rv/framework/graph_snapshot.h"
 #include "tests/algorithm_checks.h"
 #include "tests/test_graph.h"
 
@@ -178,6 +181,49 @@ TEST(OutOfMemoryOfData, LeavesColumnsAsTheyWereWhenTheyCannotGrow) {
         EXPECT_EQ(data.cost(g.node("a")), -1);
         EXPECT_EQ(data.cost(late), stored == 0 ? 0 : -2);
         EXPECT_EQ(data.nodeCosts().negatives(), stored == 0 ? 1U : 2U);
+    }
+}
+
+TEST(OutOfMemoryOfSnapshots, LeavesWhatIsAskedForToBeMadeLater) {
+    for (unsigned seed = 0; seed < 30; ++seed) {
+        const std::string drawn = randomText(seed, {.nodes = 20, .edges = 60});
+        const auto answer = [](RVGraph* graph) {
+            const std::shared_ptr<const rv::FlatGraph> flat = rv::snapshotOf(graph);
+            const rv::ScratchLoan<std::vector<int>> loan(graph);
+            std::vector<rv::Index> all;
+            const auto add = [&all](const auto& values) {
+                all.insert(all.end(), values.begin(), values.end());
+            };
+            for (const rv::Arcs* arcs :
+                 {&flat->undirected().space.arcs, &flat->directed().space.arcs, &flat->out(), &flat->in()}) {
+                for (rv::Index node = 0; node < arcs->nodeLimit(); ++node) add(arcs->edgesOf(node));
+            }
+            const rv::SimpleGraph mixed = flat->mixedWhere([](rv::Index edge) { return edge % 2 == 0; });
+            add(mixed.space.arcs.edges);
+            return all;
+        };
+        const auto build = [&](TestGraph& graph) {
+            rv::snapshotOf(graph);
+            for (int i = 0; i < 3; ++i) graph->addEdge(graph->pFirstNode(), graph->pLastNode());
+            graph->pFirstEdge()->invertDirection();
+        };
+        TestGraph other(drawn);
+        build(other);
+        const std::vector<rv::Index> expected = answer(other);
+        bool isDone = false;
+        for (int allocations = 0; !isDone; ++allocations) {
+            TestGraph graph(drawn);
+            build(graph);
+            failsOnce = seed % 2 == 0;
+            allocationsLeft = allocations;
+            try {
+                answer(graph);
+                isDone = true;
+            } catch (const std::bad_alloc&) {
+            }
+            allocationsLeft = -1;
+            EXPECT_EQ(answer(graph), expected) << drawn << " after " << allocations;
+        }
     }
 }
 

@@ -264,4 +264,32 @@ TEST(FlatGraph, AgreesWithAModel) {
     }
 }
 
+// So many that they are sorted block by block.
+TEST(FlatGraph, SortsManyEdges) {
+    std::mt19937 random(1);
+    constexpr Index kNodes = (1U << 17) + 3;
+    std::vector<Ends> ends((1U << 20) + 5);
+    for (Ends& each : ends)
+        each = {static_cast<Index>(random() % kNodes), static_cast<Index>(random() % kNodes)};
+    FlatGraph::Parts parts;
+    parts.nodeLimit = parts.nodeCount = kNodes;
+    parts.edgeCount = static_cast<Index>(ends.size());
+    parts.ends = ends;
+    const FlatGraph flat(std::move(parts));
+    for (const bool isOut : {true, false}) {
+        const Arcs& arcs = isOut ? flat.out() : flat.in();
+        ASSERT_EQ(arcs.targets.size(), ends.size());
+        for (Index node = 0; node < kNodes; ++node) {
+            Index least = 0;
+            for (Index i = 0; i < arcs.degree(node); ++i) {
+                const Index edge = arcs.edgesOf(node)[i];
+                ASSERT_GE(edge, least);
+                least = edge + 1;
+                ASSERT_EQ(isOut ? ends[edge].source : ends[edge].target, node);
+                ASSERT_EQ(arcs.targetsOf(node)[i], isOut ? ends[edge].target : ends[edge].source);
+            }
+        }
+    }
+}
+
 }  // namespace
