@@ -8,7 +8,7 @@
 // in-edges is consumed, where nodes consume their out-edges in out-edge order.
 //
 // Codes of run: RV_NO_ERROR, RV_NO_INPUT_GRAPH, RV_NO_GRAPH_FACTORY, and the framework's.
-// Method: Kahn 1962. O(n + m) time, O(n) space.
+// Method: Kahn 1962, in arrays made of the caller's graph. O(n + m) time and space.
 //
 //   RVTopologicalSortAlgorithm sort;
 //   RVTopologicalSortInputData input(graph);
