@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <tuple>
 #include <type_traits>
 #include <typeinfo>
 #include <utility>
@@ -15,44 +16,96 @@ namespace {
 
 using namespace rvtest;
 
-// A value of a data class; kInRecord tells whether records stand for it.
-#define RV_VALUE(Name, DataClass, ObjectClass, accessor)                                                 \
-    struct Name {                                                                                        \
-        [[maybe_unused]] static constexpr bool kInRecord = false;                                        \
-        using Data = DataClass;                                                                          \
-        using Object = ObjectClass;                                                                      \
-        using Type = decltype(std::declval<const Data&>().accessor(std::declval<Object*>()));            \
-        static Type get(const Data& data, Object* object) { return data.accessor(object); }              \
-        static Type set(Data& data, Object* object, Type value) { return data.accessor(object, value); } \
+// A value of a data class, and whether records stand for it.
+#define RV_VALUE(Name, DataClass, ObjectClass, getter, setter)                                         \
+    struct Name {                                                                                      \
+        [[maybe_unused]] static constexpr bool kInRecord = false;                                      \
+        using Data = DataClass;                                                                        \
+        using Object = ObjectClass;                                                                    \
+        using Type = decltype(std::declval<const Data&>().getter(std::declval<Object*>()));            \
+        static Type get(const Data& data, Object* object) { return data.getter(object); }              \
+        static Type set(Data& data, Object* object, Type value) { return data.setter(object, value); } \
     };
-#define RV_VALUE_IN(RecordClass, recordAccessor, Name, DataClass, ObjectClass, accessor) \
-    RV_VALUE(Name##Value, DataClass, ObjectClass, accessor)                              \
+#define RV_VALUE_IN(RecordClass, accessor, Name, DataClass, ObjectClass, getter, setter) \
+    RV_VALUE(Name##Value, DataClass, ObjectClass, getter, setter)                        \
     struct Name : Name##Value {                                                          \
         static constexpr bool kInRecord = true;                                          \
         using Record = RecordClass;                                                      \
-        static Type get(const Record& record) { return record.recordAccessor(); }        \
-        static void set(Record& record, Type v) { record.recordAccessor(v); }            \
+        static Type get(const Record& record) { return record.accessor(); }              \
+        static void set(Record& record, Type value) { record.accessor(value); }          \
         using Name##Value::get;                                                          \
         using Name##Value::set;                                                          \
     };
+// One whose getter and setter have the same name.
+#define RV_NODE_VALUE(Name, Data, name) RV_VALUE(Name, Data, RVNode, name, name)
+#define RV_EDGE_VALUE(Name, Data, name) RV_VALUE(Name, Data, RVEdge, name, name)
+#define RV_NODE_VALUE_IN(Record, accessor, Name, Data, name) \
+    RV_VALUE_IN(Record, accessor, Name, Data, RVNode, name, name)
+#define RV_EDGE_VALUE_IN(Record, accessor, Name, Data, name) \
+    RV_VALUE_IN(Record, accessor, Name, Data, RVEdge, name, name)
 
-RV_VALUE(SortNumber, RVTopologicalSortOutputData, RVNode, orderNumber)
-RV_VALUE(PathNodeCost, RVPathCostInputData, RVNode, cost)
-RV_VALUE_IN(RVEdgeExtensionShortestPathsInput, cost, PathEdgeCost, RVPathCostInputData, RVEdge, cost)
-RV_VALUE_IN(RVNodeExtensionTraversal, orderNumber, BreadthFirstNumber, RVBreadthFirstSearchOutputData, RVNode,
-            orderNumber)
-RV_VALUE_IN(RVNodeExtensionTraversal, orderNumber, ComponentNumber, RVConnectedComponentsOutputData, RVNode,
-            componentNumber)
-RV_VALUE_IN(RVNodeExtensionTraversal, orderNumber, StrongComponentNumber,
-            RVStronglyConnectedComponentsOutputData, RVNode, componentNumber)
-RV_VALUE_IN(RVNodeExtensionDepthFirstSearch, orderNumber, DepthFirstNumber, RVDepthFirstSearchOutputData,
-            RVNode, orderNumber)
-RV_VALUE_IN(RVNodeExtensionDepthFirstSearch, completionNumber, CompletionNumber, RVDepthFirstSearchOutputData,
-            RVNode, completionNumber)
-RV_VALUE_IN(RVNodeExtensionDepthFirstSearch, pParentNode, DepthFirstParent, RVDepthFirstSearchOutputData,
-            RVNode, pParentNode)
-RV_VALUE_IN(RVEdgeExtensionDepthFirstSearch, edgeType, DepthFirstEdgeType, RVDepthFirstSearchOutputData,
-            RVEdge, edgeType)
+// Values without records.
+RV_NODE_VALUE(SortNumber, RVTopologicalSortOutputData, orderNumber)
+RV_NODE_VALUE(PathNodeCost, RVPathCostInputData, cost)
+RV_NODE_VALUE(SourceNodeCost, RVSingleSourceShortestPathsInputData, cost)
+RV_EDGE_VALUE(SourceEdgeCost, RVSingleSourceShortestPathsInputData, cost)
+RV_EDGE_VALUE(SourceUndirected, RVSingleSourceShortestPathsInputData, undirected)
+RV_NODE_VALUE(SourceTreeEdge, RVSingleSourceShortestPathsOutputData, pTreeEdge)
+RV_NODE_VALUE(SourceDistance, RVSingleSourceShortestPathsOutputData, distance)
+RV_NODE_VALUE(SortedNodeCost, RVSortedPathsInputData, cost)
+RV_EDGE_VALUE(SortedEdgeCost, RVSortedPathsInputData, cost)
+RV_NODE_VALUE(SortedTreeEdge, RVSortedPathsOutputData, pTreeEdge)
+RV_NODE_VALUE(NodeCapacity, RVMaximumFlowInputData, capacity)
+RV_NODE_VALUE(FlowNodeCost, RVMinimumCostFlowInputData, cost)
+RV_NODE_VALUE(CauseNodeCost, RVRootCauseInputData, cost)
+RV_EDGE_VALUE(CauseEdgeCost, RVRootCauseInputData, cost)
+RV_NODE_VALUE(CauseWeight, RVRootCauseInputData, weight)
+RV_EDGE_VALUE(CauseUndirected, RVRootCauseInputData, undirected)
+
+// Values with records.
+RV_EDGE_VALUE_IN(RVEdgeExtensionShortestPathsInput, cost, PathEdgeCost, RVPathCostInputData, cost)
+RV_NODE_VALUE_IN(RVNodeExtensionTraversal, orderNumber, BreadthFirstNumber, RVBreadthFirstSearchOutputData,
+                 orderNumber)
+RV_NODE_VALUE_IN(RVNodeExtensionTraversal, orderNumber, ComponentNumber, RVConnectedComponentsOutputData,
+                 componentNumber)
+RV_NODE_VALUE_IN(RVNodeExtensionTraversal, orderNumber, StrongComponentNumber,
+                 RVStronglyConnectedComponentsOutputData, componentNumber)
+RV_NODE_VALUE_IN(RVNodeExtensionDepthFirstSearch, orderNumber, DepthFirstNumber, RVDepthFirstSearchOutputData,
+                 orderNumber)
+RV_NODE_VALUE_IN(RVNodeExtensionDepthFirstSearch, completionNumber, CompletionNumber,
+                 RVDepthFirstSearchOutputData, completionNumber)
+RV_NODE_VALUE_IN(RVNodeExtensionDepthFirstSearch, pParentNode, DepthFirstParent, RVDepthFirstSearchOutputData,
+                 pParentNode)
+RV_EDGE_VALUE_IN(RVEdgeExtensionDepthFirstSearch, edgeType, DepthFirstEdgeType, RVDepthFirstSearchOutputData,
+                 edgeType)
+RV_NODE_VALUE_IN(RVNodeExtensionDijkstra, dist, Distance, RVDijkstraOutputData, dist)
+RV_NODE_VALUE_IN(RVNodeExtensionAllPairsShortestPaths, number, PairsNumber, RVAllPairsShortestPathsOutputData,
+                 number)
+RV_EDGE_VALUE_IN(RVEdgeExtensionFlowInput, capacity, EdgeCapacity, RVMaximumFlowInputData, capacity)
+RV_EDGE_VALUE_IN(RVEdgeExtensionFlowOutput, flowValue, Flow, RVMaximumFlowOutputData, flow)
+RV_EDGE_VALUE_IN(RVEdgeExtensionMinimumCostFlowInput, cost, FlowEdgeCost, RVMinimumCostFlowInputData, cost)
+RV_EDGE_VALUE_IN(RVEdgeExtensionMinimumCostFlowInput, capacity, CostlyEdgeCapacity,
+                 RVMinimumCostFlowInputData, capacity)
+RV_EDGE_VALUE_IN(RVEdgeExtensionFlowOutput, flowValue, CostlyFlow, RVMinimumCostFlowOutputData, flow)
+RV_EDGE_VALUE_IN(RVEdgeExtensionMinimumCutInput, cost, CutCost, RVMinimumCutInputData, cost)
+RV_EDGE_VALUE_IN(RVEdgeExtensionMinimumSpanningTreeInput, cost, TreeCost, RVMinimumSpanningTreeInputData,
+                 cost)
+RV_EDGE_VALUE_IN(RVEdgeExtensionMinimumSpanningTreeOutput, treeEdge, TreeEdge,
+                 RVMinimumSpanningTreeOutputData, treeEdge)
+RV_EDGE_VALUE_IN(RVEdgeExtensionTopologicalHeuristic, weight, HeuristicWeight,
+                 RVTopologicalHeuristicInputData, weight)
+RV_NODE_VALUE_IN(RVNodeExtensionTopologicalHeuristic, orderNumber, HeuristicNumber,
+                 RVTopologicalHeuristicOutputData, orderNumber)
+RV_EDGE_VALUE_IN(RVEdgeExtensionCycleBreakingEdgeDetectionOutput, backwardEdge, BackwardEdge,
+                 RVCycleBreakingEdgeDetectionOutputData, backwardEdge)
+RV_VALUE_IN(RVNodeExtensionRatioCut, weight, ClusterWeight, RVClusteringInputData, RVNode, getWeight,
+            setWeight)
+RV_VALUE_IN(RVEdgeExtensionRatioCutInput, cost, ClusterCost, RVClusteringInputData, RVEdge, getCost, setCost)
+RV_VALUE_IN(RVNodeExtensionRatioCut, weight, RatioCutWeight, RVRatioCutBipartitioningInputData, RVNode,
+            getWeight, setWeight)
+RV_VALUE_IN(RVNodeExtensionRatioCut, x, RatioCutStart, RVRatioCutBipartitioningInputData, RVNode, getX, setX)
+RV_VALUE_IN(RVNodeExtensionRatioCut, x, RatioCutPosition, RVRatioCutBipartitioningOutputData, RVNode, getX,
+            setX)
 
 // Flags whose records say the opposite.
 template <class Value, class RecordClass>
@@ -64,8 +117,8 @@ struct Undirected : Value {
     using Value::get;
     using Value::set;
 };
-RV_VALUE(TraversalUndirectedValue, RVTraversalInputData, RVEdge, undirected)
-RV_VALUE(PathUndirectedValue, RVPathCostInputData, RVEdge, undirected)
+RV_EDGE_VALUE(TraversalUndirectedValue, RVTraversalInputData, undirected)
+RV_EDGE_VALUE(PathUndirectedValue, RVPathCostInputData, undirected)
 using TraversalUndirected = Undirected<TraversalUndirectedValue, RVEdgeExtensionTraversalInput>;
 using PathUndirected = Undirected<PathUndirectedValue, RVEdgeExtensionShortestPathsInput>;
 
@@ -111,9 +164,16 @@ protected:
     Object* const first = at(g, 0);
     Object* const second = at(g, 1);
     const Type preset = V::get(*data, first);
-    // Whether all numbers are stored as 0 or 1.
-    const bool isFlag = std::is_same_v<Type, int> && V::set(*makeData<Data>(g), first, Type(2)) == Type(1);
+    const bool isFlag = readsAsOne(*makeData<Data>(g));
 
+    // Whether all numbers read as 0 or 1.
+    bool readsAsOne(Data& of) const {
+        if constexpr (std::is_same_v<Type, int>) {
+            V::set(of, first, 2);
+            return V::get(of, first) == 1;
+        }
+        return false;
+    }
     static Object* at(const TestGraph& graph, int i) {
         if constexpr (kOfNodes) return graph->pNodeList()->pNodeInPosition(i + 1);
         if constexpr (!kOfNodes) return graph->pEdgeList()->pEdgeInPosition(i + 1);
@@ -157,12 +217,23 @@ protected:
     }
 };
 
-#define RV_BOTH(V) V, InSubclass<V>
-using AllValues =
-    testing::Types<RV_BOTH(SortNumber), RV_BOTH(PathNodeCost), RV_BOTH(PathEdgeCost), RV_BOTH(PathUndirected),
-                   RV_BOTH(TraversalUndirected), RV_BOTH(BreadthFirstNumber), RV_BOTH(ComponentNumber),
-                   RV_BOTH(StrongComponentNumber), RV_BOTH(DepthFirstNumber), RV_BOTH(CompletionNumber),
-                   RV_BOTH(DepthFirstParent), RV_BOTH(DepthFirstEdgeType)>;
+using RecordlessValues =
+    std::tuple<SortNumber, PathNodeCost, SourceNodeCost, SourceEdgeCost, SourceUndirected, SourceTreeEdge,
+               SourceDistance, SortedNodeCost, SortedEdgeCost, SortedTreeEdge, NodeCapacity, FlowNodeCost,
+               CauseNodeCost, CauseEdgeCost, CauseWeight, CauseUndirected>;
+using RecordValues =
+    std::tuple<PathEdgeCost, BreadthFirstNumber, ComponentNumber, StrongComponentNumber, DepthFirstNumber,
+               CompletionNumber, DepthFirstParent, DepthFirstEdgeType, Distance, PairsNumber, EdgeCapacity,
+               Flow, FlowEdgeCost, CostlyEdgeCapacity, CostlyFlow, CutCost, TreeCost, TreeEdge,
+               HeuristicWeight, HeuristicNumber, BackwardEdge, ClusterWeight, ClusterCost, RatioCutWeight,
+               RatioCutStart, RatioCutPosition, TraversalUndirected, PathUndirected>;
+template <class... Tuples>
+struct WithSubclasses;
+template <class... V, class... W>
+struct WithSubclasses<std::tuple<V...>, std::tuple<W...>> {
+    using Types = testing::Types<V..., W..., InSubclass<V>..., InSubclass<W>...>;
+};
+using AllValues = WithSubclasses<RecordlessValues, RecordValues>::Types;
 TYPED_TEST_SUITE(Values, AllValues);
 
 TYPED_TEST(Values, StayWithTheirObjects) {
