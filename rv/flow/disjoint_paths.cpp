@@ -29,20 +29,6 @@ void RVDisjointPathsOutputData::reset() {
     m_numberOfDisjointPaths = 0;
 }
 
-RVNodeAlgorithmExtension* RVDisjointPathsInternalData::newNodeAlgorithmExtension(RVNode* node) {
-    return newRecord<RVNodeExtensionDisjointPaths>(node);
-}
-
-RVNode* RVDisjointPathsInternalData::pDisjointPathsNode(RVNode* node, RVNode* value) {
-    if (auto* own = record<RVNodeExtensionDisjointPaths>(node)) own->pDisjointPathsNode(value);
-    return value;
-}
-
-RVNode* RVDisjointPathsInternalData::pDisjointPathsCopyNode(RVNode* node, RVNode* value) {
-    if (auto* own = record<RVNodeExtensionDisjointPaths>(node)) own->pDisjointPathsCopyNode(value);
-    return value;
-}
-
 // RVDisjointPathsAlgorithm
 
 namespace {

@@ -102,6 +102,7 @@ private:
 
 class RV_EXPORT RVDisjointPathsInternalData : public RVAnalysisInternalData {
     RV_DATA_OBJECT(RVDisjointPathsInternalData)
+    RV_NODE_RECORDS(RVNodeExtensionDisjointPaths)
 
 public:
     RVDisjointPathsInternalData() = default;
@@ -121,19 +122,18 @@ public:
     RVNode* pFinishNode() const { return m_pFinishNode; }
     RVNode* pFinishNode(RVNode* node) { return m_pFinishNode = node; }
 
-    RVNode* pDisjointPathsNode(RVNode* node) const { return recordToRead(node).pDisjointPathsNode(); }
-    RVNode* pDisjointPathsNode(RVNode* node, RVNode* value);
-    RVNode* pDisjointPathsCopyNode(RVNode* node) const { return recordToRead(node).pDisjointPathsCopyNode(); }
-    RVNode* pDisjointPathsCopyNode(RVNode* node, RVNode* value);
-
-protected:
-    RVNodeAlgorithmExtension* newNodeAlgorithmExtension(RVNode* node) override;
-
-private:
-    const RVNodeExtensionDisjointPaths& recordToRead(RVNode* node) const {
-        return constRecord<RVNodeExtensionDisjointPaths>(node);
+    RVNode* pDisjointPathsNode(RVNode* node) const { return load(node, &NodeRecord::pDisjointPathsNode); }
+    RVNode* pDisjointPathsNode(RVNode* node, RVNode* value) {
+        return store(node, &NodeRecord::pDisjointPathsNode, value);
+    }
+    RVNode* pDisjointPathsCopyNode(RVNode* node) const {
+        return load(node, &NodeRecord::pDisjointPathsCopyNode);
+    }
+    RVNode* pDisjointPathsCopyNode(RVNode* node, RVNode* value) {
+        return store(node, &NodeRecord::pDisjointPathsCopyNode, value);
     }
 
+private:
     RVMaximumFlowInputData* m_pMaximumFlowInputData = nullptr;
     RVMaximumFlowOutputData* m_pMaximumFlowOutputData = nullptr;
     RVNode* m_pStartNode = nullptr;

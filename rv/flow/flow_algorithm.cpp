@@ -22,46 +22,6 @@ int RVFlowInternalData::totalFlow(int flow) {
     return flow;
 }
 
-int RVFlowInternalData::capacity(RVNode* node) const { return m_nodeCapacities->getInt(node, rv::kInfinite); }
-
-int RVFlowInternalData::capacity(RVEdge* edge, int value) {
-    if (auto* own = record<RVEdgeExtensionFlowInternal>(edge)) own->capacity(value);
-    return value;
-}
-
-int RVFlowInternalData::flow(RVEdge* edge, int value) {
-    if (auto* own = record<RVEdgeExtensionFlowInternal>(edge)) own->flowValue(value);
-    return value;
-}
-
-RVEdge* RVFlowInternalData::pFlowOriginalEdge(RVEdge* edge, RVEdge* value) {
-    if (auto* own = record<RVEdgeExtensionFlowInternal>(edge)) own->pFlowOriginalEdge(value);
-    return value;
-}
-
-RVEdge* RVFlowInternalData::pMultiEdgeReplacementEdge(RVEdge* edge, RVEdge* value) {
-    if (auto* own = record<RVEdgeExtensionFlowInternal>(edge)) own->pMultiEdgeReplacementEdge(value);
-    return value;
-}
-
-RVNode* RVFlowInternalData::pFlowCopyNode(RVNode* node, RVNode* value) {
-    if (auto* own = record<RVNodeExtensionFlowInternal>(node)) own->pFlowCopyNode(value);
-    return value;
-}
-
-RVNode* RVFlowInternalData::pFlowOriginalNode(RVNode* node, RVNode* value) {
-    if (auto* own = record<RVNodeExtensionFlowInternal>(node)) own->pFlowOriginalNode(value);
-    return value;
-}
-
-RVNodeAlgorithmExtension* RVFlowInternalData::newNodeAlgorithmExtension(RVNode* node) {
-    return newRecord<RVNodeExtensionFlowInternal>(node);
-}
-
-RVEdgeAlgorithmExtension* RVFlowInternalData::newEdgeAlgorithmExtension(RVEdge* edge) {
-    return newRecord<RVEdgeExtensionFlowInternal>(edge);
-}
-
 // RVFlowAlgorithm: what can be copied of it is what its base has.
 
 RVFlowAlgorithm::RVFlowAlgorithm(const RVFlowAlgorithm& other, RVDeepFlagEnum) : RVFlowAlgorithm() {

@@ -23,7 +23,7 @@
 #include <vector>
 
 #include "rv/flow/flow_data.h"
-#include "rv/foundation/hash_map.h"
+#include "rv/framework/columns.h"
 #include "rv/framework/internal_graph_algorithm.h"
 
 // Per node of the working copy and of the flow graph.
@@ -74,6 +74,8 @@ private:
 
 class RV_EXPORT RVFlowInternalData : public RVAnalysisInternalData {
     RV_DATA_OBJECT(RVFlowInternalData)
+    RV_NODE_RECORDS(RVNodeExtensionFlowInternal)
+    RV_EDGE_RECORDS(RVEdgeExtensionFlowInternal)
 
 public:
     RVFlowInternalData() = default;
@@ -99,37 +101,34 @@ public:
     RVGraph* pCopyGraph() const { return m_pCopyGraph; }
 
     // 2147483647, the default, means unlimited.
-    int capacity(RVNode* node) const;
-    int capacity(RVNode* node, int value) { return m_nodeCapacities->putInt(node, value); }
+    int capacity(RVNode* node) const { return m_nodeCapacities.get(node); }
+    int capacity(RVNode* node, int value) { return m_nodeCapacities.store(node, value); }
     // Default 0.
-    int capacity(RVEdge* edge) const { return edgeRecordToRead(edge).capacity(); }
-    int capacity(RVEdge* edge, int value);
-    int flow(RVEdge* edge) const { return edgeRecordToRead(edge).flowValue(); }
-    int flow(RVEdge* edge, int value);
-    RVEdge* pFlowOriginalEdge(RVEdge* edge) const { return edgeRecordToRead(edge).pFlowOriginalEdge(); }
-    RVEdge* pFlowOriginalEdge(RVEdge* edge, RVEdge* value);
-    RVEdge* pMultiEdgeReplacementEdge(RVEdge* edge) const {
-        return edgeRecordToRead(edge).pMultiEdgeReplacementEdge();
+    int capacity(RVEdge* edge) const { return load(edge, &EdgeRecord::capacity); }
+    int capacity(RVEdge* edge, int value) { return store(edge, &EdgeRecord::capacity, value); }
+    int flow(RVEdge* edge) const { return load(edge, &EdgeRecord::flowValue); }
+    int flow(RVEdge* edge, int value) { return store(edge, &EdgeRecord::flowValue, value); }
+    RVEdge* pFlowOriginalEdge(RVEdge* edge) const { return load(edge, &EdgeRecord::pFlowOriginalEdge); }
+    RVEdge* pFlowOriginalEdge(RVEdge* edge, RVEdge* value) {
+        return store(edge, &EdgeRecord::pFlowOriginalEdge, value);
     }
-    RVEdge* pMultiEdgeReplacementEdge(RVEdge* edge, RVEdge* value);
-    RVNode* pFlowCopyNode(RVNode* node) const { return nodeRecordToRead(node).pFlowCopyNode(); }
-    RVNode* pFlowCopyNode(RVNode* node, RVNode* value);
-    RVNode* pFlowOriginalNode(RVNode* node) const { return nodeRecordToRead(node).pFlowOriginalNode(); }
-    RVNode* pFlowOriginalNode(RVNode* node, RVNode* value);
-
-protected:
-    RVNodeAlgorithmExtension* newNodeAlgorithmExtension(RVNode* node) override;
-    RVEdgeAlgorithmExtension* newEdgeAlgorithmExtension(RVEdge* edge) override;
+    RVEdge* pMultiEdgeReplacementEdge(RVEdge* edge) const {
+        return load(edge, &EdgeRecord::pMultiEdgeReplacementEdge);
+    }
+    RVEdge* pMultiEdgeReplacementEdge(RVEdge* edge, RVEdge* value) {
+        return store(edge, &EdgeRecord::pMultiEdgeReplacementEdge, value);
+    }
+    RVNode* pFlowCopyNode(RVNode* node) const { return load(node, &NodeRecord::pFlowCopyNode); }
+    RVNode* pFlowCopyNode(RVNode* node, RVNode* value) {
+        return store(node, &NodeRecord::pFlowCopyNode, value);
+    }
+    RVNode* pFlowOriginalNode(RVNode* node) const { return load(node, &NodeRecord::pFlowOriginalNode); }
+    RVNode* pFlowOriginalNode(RVNode* node, RVNode* value) {
+        return store(node, &NodeRecord::pFlowOriginalNode, value);
+    }
 
 private:
     friend class RVFlowAlgorithm;
-
-    const RVNodeExtensionFlowInternal& nodeRecordToRead(RVNode* node) const {
-        return constRecord<RVNodeExtensionFlowInternal>(node);
-    }
-    const RVEdgeExtensionFlowInternal& edgeRecordToRead(RVEdge* edge) const {
-        return constRecord<RVEdgeExtensionFlowInternal>(edge);
-    }
 
     std::int64_t m_totalFlow = 0;
     RVAnalysisInputData* m_pSearchInput = nullptr;
@@ -137,7 +136,7 @@ private:
     RVNode* m_pSinkNode = nullptr;
     RVNode* m_pDummyStartNode = nullptr;
     RVGraph* m_pCopyGraph = nullptr;
-    rv::OwnedMap<rv::Values::Destroy> m_nodeCapacities;
+    rv::NodeColumn<int> m_nodeCapacities{this, 2147483647};
 };
 
 class RV_EXPORT RVFlowAlgorithm : public RVInternalGraphAlgorithm {

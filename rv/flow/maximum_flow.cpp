@@ -16,19 +16,6 @@ RV_OBJECT_IMPL(RVMaximumFlowOutputData)
 
 // Input and output
 
-int RVMaximumFlowInputData::capacity(RVNode* node) const {
-    return m_nodeCapacities->getInt(node, rv::kInfinite);
-}
-
-int RVMaximumFlowInputData::capacity(RVEdge* edge, int value) {
-    if (auto* own = record<RVEdgeExtensionFlowInput>(edge)) own->capacity(value);
-    return value;
-}
-
-RVEdgeAlgorithmExtension* RVMaximumFlowInputData::newEdgeAlgorithmExtension(RVEdge* edge) {
-    return newRecord<RVEdgeExtensionFlowInput>(edge);
-}
-
 std::span<const RVInputField> RVMaximumFlowInputData::inputFields() const {
     using namespace rv::field;
     using B = RVNetworkInputData;
@@ -40,15 +27,6 @@ std::span<const RVInputField> RVMaximumFlowInputData::inputFields() const {
         edgeInt<D, &D::capacity, &D::capacity>("capacity"),
     };
     return fields;
-}
-
-int RVMaximumFlowOutputData::flow(RVEdge* edge, int value) {
-    if (auto* own = record<RVEdgeExtensionFlowOutput>(edge)) own->flowValue(value);
-    return value;
-}
-
-RVEdgeAlgorithmExtension* RVMaximumFlowOutputData::newEdgeAlgorithmExtension(RVEdge* edge) {
-    return newRecord<RVEdgeExtensionFlowOutput>(edge);
 }
 
 void RVMaximumFlowOutputData::reset() {

@@ -27,54 +27,59 @@
 #include <memory>
 
 #include "rv/flow/flow_data.h"
-#include "rv/foundation/hash_map.h"
 #include "rv/framework/base_graph_algorithm.h"
+#include "rv/framework/columns.h"
 
 // Named fields: those of RVNetworkInputData, "capacity" (of a node and of an edge).
 class RV_EXPORT RVMaximumFlowInputData : public RVNetworkInputData {
     RV_DATA_OBJECT(RVMaximumFlowInputData)
+    RV_EDGE_RECORDS(RVEdgeExtensionFlowInput)
 
 public:
     explicit RVMaximumFlowInputData(RVGraph* graph) : RVNetworkInputData(graph) {}
 
     // Default 2147483647, unlimited, for a node and 0 for an edge.
-    int capacity(RVNode* node) const;
-    int capacity(RVNode* node, int value) { return m_nodeCapacities->putInt(node, value); }
-    int capacity(RVEdge* edge) const { return constRecord<RVEdgeExtensionFlowInput>(edge).capacity(); }
-    int capacity(RVEdge* edge, int value);
+    int capacity(RVNode* node) const { return m_nodeCapacities.get(node); }
+    int capacity(RVNode* node, int value) { return m_nodeCapacities.store(node, value); }
+    int capacity(RVEdge* edge) const { return m_edgeCapacities.get(edge); }
+    int capacity(RVEdge* edge, int value) { return m_edgeCapacities.store(edge, value); }
+    // The same, for reading all at once.
+    const rv::NodeCosts& nodeCapacities() const { return m_nodeCapacities; }
+    const rv::EdgeCosts& edgeCapacities() const { return m_edgeCapacities; }
 
 protected:
     RVMaximumFlowInputData() = default;
 
-    RVEdgeAlgorithmExtension* newEdgeAlgorithmExtension(RVEdge* edge) override;
     std::span<const RVInputField> inputFields() const override;
 
 private:
-    rv::OwnedMap<rv::Values::Destroy> m_nodeCapacities;
+    rv::NodeCosts m_nodeCapacities{this, 2147483647};
+    rv::EdgeCosts m_edgeCapacities{this, &EdgeRecord::capacity, &EdgeRecord::capacity};
 };
 
 class RV_EXPORT RVMaximumFlowOutputData : public RVAnalysisOutputData {
     RV_DATA_OBJECT(RVMaximumFlowOutputData)
+    RV_EDGE_RECORDS(RVEdgeExtensionFlowOutput)
 
 public:
     RVMaximumFlowOutputData() = default;
 
     int totalFlow() const { return m_totalFlow; }
     int totalFlow(int flow) { return m_totalFlow = flow; }
-    int flow(RVEdge* edge) const { return constRecord<RVEdgeExtensionFlowOutput>(edge).flowValue(); }
-    int flow(RVEdge* edge, int value);
+    int flow(RVEdge* edge) const { return m_flows.get(edge); }
+    int flow(RVEdge* edge, int value) { return m_flows.store(edge, value); }
+    // The flows, for writing them all at once.
+    rv::EdgeColumn<int>& flows() { return m_flows; }
     // The nodes that could still be reached at the end, in the order of the search: the source first. The
     // edges that leave them are a minimum cut.
     RVNodeDList* pVisitedNodeList() const { return m_visitedNodes.get(); }
 
     void reset() override;
 
-protected:
-    RVEdgeAlgorithmExtension* newEdgeAlgorithmExtension(RVEdge* edge) override;
-
 private:
     rv::Owned<RVNodeDList> m_visitedNodes;
     int m_totalFlow = 0;
+    rv::EdgeColumn<int> m_flows{this, &EdgeRecord::flowValue, &EdgeRecord::flowValue};
 };
 
 class RV_EXPORT RVMaximumFlowAlgorithm : public RVBaseGraphAlgorithm {

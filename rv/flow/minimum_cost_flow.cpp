@@ -38,15 +38,6 @@ RV_OBJECT_IMPL(RVMinimumCostFlowAlgorithm)
 
 // Input and output
 
-int RVMinimumCostFlowInputData::cost(RVEdge* edge, int value) {
-    if (auto* own = record<RVEdgeExtensionMinimumCostFlowInput>(edge)) own->cost(value);
-    return value;
-}
-
-RVEdgeAlgorithmExtension* RVMinimumCostFlowInputData::newEdgeAlgorithmExtension(RVEdge* edge) {
-    return newRecord<RVEdgeExtensionMinimumCostFlowInput>(edge);
-}
-
 std::span<const RVInputField> RVMinimumCostFlowInputData::inputFields() const {
     using namespace rv::field;
     using E = RVNetworkInputData;
@@ -62,15 +53,6 @@ std::span<const RVInputField> RVMinimumCostFlowInputData::inputFields() const {
         edgeInt<D, &D::cost, &D::cost>("cost"),
     };
     return fields;
-}
-
-int RVMinimumCostFlowOutputData::flow(RVEdge* edge, int value) {
-    if (auto* own = record<RVEdgeExtensionFlowOutput>(edge)) own->flowValue(value);
-    return value;
-}
-
-RVEdgeAlgorithmExtension* RVMinimumCostFlowOutputData::newEdgeAlgorithmExtension(RVEdge* edge) {
-    return newRecord<RVEdgeExtensionFlowOutput>(edge);
 }
 
 void RVMinimumCostFlowOutputData::reset() {
@@ -98,31 +80,8 @@ void RVMinimumCostFlowInternalData::addCost(std::int64_t cost, int amount) {
     m_totalCost = rv::saturatingSum64(m_totalCost, rv::saturatingProduct64(cost, amount));
 }
 
-int RVMinimumCostFlowInternalData::originalDist(RVNode* node, int value) {
-    if (auto* own = record<RVNodeExtensionMinimumCostFlow>(node)) own->originalDist(value);
-    return value;
-}
-
 void RVMinimumCostFlowInternalData::raisePotential(RVNode* node, int amount) {
     if (auto* own = record<RVNodeExtensionMinimumCostFlow>(node)) own->raisePotential(amount);
-}
-
-int RVMinimumCostFlowInternalData::cost(RVEdge* edge, int value) {
-    if (auto* own = record<RVEdgeExtensionMinimumCostFlowInternal>(edge)) own->cost(value);
-    return value;
-}
-
-int RVMinimumCostFlowInternalData::realCost(RVEdge* edge, int value) {
-    if (auto* own = record<RVEdgeExtensionMinimumCostFlowInternal>(edge)) own->realCost(value);
-    return value;
-}
-
-RVNodeAlgorithmExtension* RVMinimumCostFlowInternalData::newNodeAlgorithmExtension(RVNode* node) {
-    return newRecord<RVNodeExtensionMinimumCostFlow>(node);
-}
-
-RVEdgeAlgorithmExtension* RVMinimumCostFlowInternalData::newEdgeAlgorithmExtension(RVEdge* edge) {
-    return newRecord<RVEdgeExtensionMinimumCostFlowInternal>(edge);
 }
 
 // RVMinimumCostFlowAlgorithm

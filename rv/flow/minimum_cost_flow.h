@@ -69,6 +69,7 @@ private:
 // edge).
 class RV_EXPORT RVMinimumCostFlowInputData : public RVMaximumFlowInputData {
     RV_DATA_OBJECT(RVMinimumCostFlowInputData)
+    RV_EDGE_RECORDS(RVEdgeExtensionMinimumCostFlowInput)
 
 public:
     explicit RVMinimumCostFlowInputData(RVGraph* graph) : RVMaximumFlowInputData(graph) {}
@@ -77,24 +78,28 @@ public:
     int desiredFlow() const { return m_desiredFlow; }
     int desiredFlow(int flow) { return m_desiredFlow = flow; }
     // Per unit of flow; default 0.
-    int cost(RVNode* node) const { return m_nodeCosts->getInt(node, 0); }
-    int cost(RVNode* node, int value) { return m_nodeCosts->putInt(node, value); }
-    int cost(RVEdge* edge) const { return constRecord<RVEdgeExtensionMinimumCostFlowInput>(edge).cost(); }
-    int cost(RVEdge* edge, int value);
+    int cost(RVNode* node) const { return m_nodeCosts.get(node); }
+    int cost(RVNode* node, int value) { return m_nodeCosts.store(node, value); }
+    int cost(RVEdge* edge) const { return m_edgeCosts.get(edge); }
+    int cost(RVEdge* edge, int value) { return m_edgeCosts.store(edge, value); }
+    // The same, for reading all at once.
+    const rv::NodeCosts& nodeCosts() const { return m_nodeCosts; }
+    const rv::EdgeCosts& edgeCosts() const { return m_edgeCosts; }
 
 protected:
     RVMinimumCostFlowInputData() = default;
 
-    RVEdgeAlgorithmExtension* newEdgeAlgorithmExtension(RVEdge* edge) override;
     std::span<const RVInputField> inputFields() const override;
 
 private:
     int m_desiredFlow = 0;
-    rv::OwnedMap<rv::Values::Destroy> m_nodeCosts;
+    rv::NodeCosts m_nodeCosts{this};
+    rv::EdgeCosts m_edgeCosts{this, &EdgeRecord::cost, &EdgeRecord::cost};
 };
 
 class RV_EXPORT RVMinimumCostFlowOutputData : public RVAnalysisOutputData {
     RV_DATA_OBJECT(RVMinimumCostFlowOutputData)
+    RV_EDGE_RECORDS(RVEdgeExtensionFlowOutput)
 
 public:
     RVMinimumCostFlowOutputData() = default;
@@ -103,17 +108,17 @@ public:
     int totalFlow(int flow) { return m_totalFlow = flow; }
     int totalCost() const { return m_totalCost; }
     int totalCost(int cost) { return m_totalCost = cost; }
-    int flow(RVEdge* edge) const { return constRecord<RVEdgeExtensionFlowOutput>(edge).flowValue(); }
-    int flow(RVEdge* edge, int value);
+    int flow(RVEdge* edge) const { return m_flows.get(edge); }
+    int flow(RVEdge* edge, int value) { return m_flows.store(edge, value); }
+    // The flows, for writing them all at once.
+    rv::EdgeColumn<int>& flows() { return m_flows; }
 
     void reset() override;
-
-protected:
-    RVEdgeAlgorithmExtension* newEdgeAlgorithmExtension(RVEdge* edge) override;
 
 private:
     int m_totalFlow = 0;
     int m_totalCost = 0;
+    rv::EdgeColumn<int> m_flows{this, &EdgeRecord::flowValue, &EdgeRecord::flowValue};
 };
 
 // Per node of the working copy and of the flow graph.
@@ -155,6 +160,8 @@ private:
 
 class RV_EXPORT RVMinimumCostFlowInternalData : public RVFlowInternalData {
     RV_DATA_OBJECT(RVMinimumCostFlowInternalData)
+    RV_NODE_RECORDS(RVNodeExtensionMinimumCostFlow)
+    RV_EDGE_RECORDS(RVEdgeExtensionMinimumCostFlowInternal)
 
 public:
     RVMinimumCostFlowInternalData() = default;
@@ -169,32 +176,21 @@ public:
     int simpleCase(int flag) { return m_simpleCase = flag; }
 
     // Of the working copy's nodes; default 0.
-    int cost(RVNode* node) const { return m_nodeCosts->getInt(node, 0); }
-    int cost(RVNode* node, int value) { return m_nodeCosts->putInt(node, value); }
-    int originalDist(RVNode* node) const { return nodeRecordToRead(node).originalDist(); }
-    int originalDist(RVNode* node, int value);
-    std::int64_t potential(RVNode* node) const { return nodeRecordToRead(node).potential(); }
+    int cost(RVNode* node) const { return m_nodeCosts.get(node); }
+    int cost(RVNode* node, int value) { return m_nodeCosts.store(node, value); }
+    int originalDist(RVNode* node) const { return load(node, &NodeRecord::originalDist); }
+    int originalDist(RVNode* node, int value) { return store(node, &NodeRecord::originalDist, value); }
+    std::int64_t potential(RVNode* node) const { return load(node, &NodeRecord::potential); }
     void raisePotential(RVNode* node, int amount);
-    int cost(RVEdge* edge) const { return edgeRecordToRead(edge).cost(); }
-    int cost(RVEdge* edge, int value);
-    int realCost(RVEdge* edge) const { return edgeRecordToRead(edge).realCost(); }
-    int realCost(RVEdge* edge, int value);
-
-protected:
-    RVNodeAlgorithmExtension* newNodeAlgorithmExtension(RVNode* node) override;
-    RVEdgeAlgorithmExtension* newEdgeAlgorithmExtension(RVEdge* edge) override;
+    int cost(RVEdge* edge) const { return load(edge, &EdgeRecord::cost); }
+    int cost(RVEdge* edge, int value) { return store(edge, &EdgeRecord::cost, value); }
+    int realCost(RVEdge* edge) const { return load(edge, &EdgeRecord::realCost); }
+    int realCost(RVEdge* edge, int value) { return store(edge, &EdgeRecord::realCost, value); }
 
 private:
-    const RVNodeExtensionMinimumCostFlow& nodeRecordToRead(RVNode* node) const {
-        return constRecord<RVNodeExtensionMinimumCostFlow>(node);
-    }
-    const RVEdgeExtensionMinimumCostFlowInternal& edgeRecordToRead(RVEdge* edge) const {
-        return constRecord<RVEdgeExtensionMinimumCostFlowInternal>(edge);
-    }
-
     std::int64_t m_totalCost = 0;
     int m_simpleCase = 1;
-    rv::OwnedMap<rv::Values::Destroy> m_nodeCosts;
+    rv::NodeColumn<int> m_nodeCosts{this};
 };
 
 class RV_EXPORT RVMinimumCostFlowAlgorithm : public RVFlowAlgorithm {

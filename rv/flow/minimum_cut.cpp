@@ -16,15 +16,6 @@ RV_OBJECT_IMPL(RVMinimumCutInternalData)
 RV_OBJECT_IMPL(RVMinimumCutOutputData)
 RV_OBJECT_IMPL(RVMinimumCutAlgorithm)
 
-int RVMinimumCutInputData::cost(RVEdge* edge, int value) {
-    if (auto* own = record<RVEdgeExtensionMinimumCutInput>(edge)) own->cost(value);
-    return value;
-}
-
-RVEdgeAlgorithmExtension* RVMinimumCutInputData::newEdgeAlgorithmExtension(RVEdge* edge) {
-    return newRecord<RVEdgeExtensionMinimumCutInput>(edge);
-}
-
 std::span<const RVInputField> RVMinimumCutInputData::inputFields() const {
     using namespace rv::field;
     using B = RVNetworkInputData;
@@ -35,15 +26,6 @@ std::span<const RVInputField> RVMinimumCutInputData::inputFields() const {
         edgeInt<D, &D::cost, &D::cost>("cost").announcedBy(RVInputField::graph | RVInputField::edge),
     };
     return fields;
-}
-
-int RVMinimumCutInternalData::touched(RVNode* node, int flag) {
-    if (auto* own = record<RVNodeExtensionMinimumCutInternal>(node)) own->touched(flag);
-    return flag;
-}
-
-RVNodeAlgorithmExtension* RVMinimumCutInternalData::newNodeAlgorithmExtension(RVNode* node) {
-    return newRecord<RVNodeExtensionMinimumCutInternal>(node);
 }
 
 void RVMinimumCutOutputData::buildEdgeList(RVEdgeDList& list) const { list = *m_edges; }

@@ -24,6 +24,7 @@
 #pragma once
 
 #include "rv/flow/flow_data.h"
+#include "rv/framework/columns.h"
 #include "rv/framework/internal_graph_algorithm.h"
 
 class RVMaximumFlowInputData;
@@ -46,19 +47,24 @@ private:
 // Named fields: those of RVNetworkInputData, "cost" (of an edge; hasField announces it too).
 class RV_EXPORT RVMinimumCutInputData : public RVNetworkInputData {
     RV_DATA_OBJECT(RVMinimumCutInputData)
+    RV_EDGE_RECORDS(RVEdgeExtensionMinimumCutInput)
 
 public:
     explicit RVMinimumCutInputData(RVGraph* graph) : RVNetworkInputData(graph) {}
 
     // Default 0.
-    int cost(RVEdge* edge) const { return constRecord<RVEdgeExtensionMinimumCutInput>(edge).cost(); }
-    int cost(RVEdge* edge, int value);
+    int cost(RVEdge* edge) const { return m_edgeCosts.get(edge); }
+    int cost(RVEdge* edge, int value) { return m_edgeCosts.store(edge, value); }
+    // The costs, for reading all at once.
+    const rv::EdgeCosts& edgeCosts() const { return m_edgeCosts; }
 
 protected:
     RVMinimumCutInputData() = default;
 
-    RVEdgeAlgorithmExtension* newEdgeAlgorithmExtension(RVEdge* edge) override;
     std::span<const RVInputField> inputFields() const override;
+
+private:
+    rv::EdgeCosts m_edgeCosts{this, &EdgeRecord::cost, &EdgeRecord::cost};
 };
 
 // Per node of the working graph.
@@ -79,17 +85,15 @@ private:
 
 class RV_EXPORT RVMinimumCutInternalData : public RVAnalysisInternalData {
     RV_DATA_OBJECT(RVMinimumCutInternalData)
+    RV_NODE_RECORDS(RVNodeExtensionMinimumCutInternal)
 
 public:
     RVMinimumCutInternalData() = default;
 
     // The edges of the working graph that leave the source's side.
     RVEdgeDList* pEdgeList() const { return m_edges.get(); }
-    int touched(RVNode* node) const { return constRecord<RVNodeExtensionMinimumCutInternal>(node).touched(); }
-    int touched(RVNode* node, int flag);
-
-protected:
-    RVNodeAlgorithmExtension* newNodeAlgorithmExtension(RVNode* node) override;
+    int touched(RVNode* node) const { return load(node, &NodeRecord::touched); }
+    int touched(RVNode* node, int flag) { return store(node, &NodeRecord::touched, flag); }
 
 private:
     rv::Owned<RVEdgeDList> m_edges;

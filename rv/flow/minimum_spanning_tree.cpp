@@ -17,15 +17,6 @@ RV_OBJECT_IMPL(RVMinimumSpanningTreeAlgorithm)
 
 // Input and output
 
-int RVMinimumSpanningTreeInputData::cost(RVEdge* edge, int value) {
-    if (auto* own = record<RVEdgeExtensionMinimumSpanningTreeInput>(edge)) own->cost(value);
-    return value;
-}
-
-RVEdgeAlgorithmExtension* RVMinimumSpanningTreeInputData::newEdgeAlgorithmExtension(RVEdge* edge) {
-    return newRecord<RVEdgeExtensionMinimumSpanningTreeInput>(edge);
-}
-
 std::span<const RVInputField> RVMinimumSpanningTreeInputData::inputFields() const {
     using namespace rv::field;
     using D = RVMinimumSpanningTreeInputData;
@@ -34,15 +25,6 @@ std::span<const RVInputField> RVMinimumSpanningTreeInputData::inputFields() cons
 }
 
 void RVMinimumSpanningTreeOutputData::buildTreeEdgeList(RVEdgeDList& list) const { list = *m_treeEdges; }
-
-int RVMinimumSpanningTreeOutputData::treeEdge(RVEdge* edge, int flag) {
-    if (auto* own = record<RVEdgeExtensionMinimumSpanningTreeOutput>(edge)) own->treeEdge(flag);
-    return flag;
-}
-
-RVEdgeAlgorithmExtension* RVMinimumSpanningTreeOutputData::newEdgeAlgorithmExtension(RVEdge* edge) {
-    return newRecord<RVEdgeExtensionMinimumSpanningTreeOutput>(edge);
-}
 
 void RVMinimumSpanningTreeOutputData::reset() {
     m_treeEdges->deleteAllCells();
@@ -86,39 +68,6 @@ RVMinimumSpanningTreeInternalData& RVMinimumSpanningTreeInternalData::operator=(
 }
 
 RV_OBJECT_COPY_IMPL(RVMinimumSpanningTreeInternalData)
-
-RVNodeAlgorithmExtension* RVMinimumSpanningTreeInternalData::newNodeAlgorithmExtension(RVNode* node) {
-    return newRecord<RVNodeExtensionMinimumSpanningTreeInternal>(node);
-}
-
-RVEdgeAlgorithmExtension* RVMinimumSpanningTreeInternalData::newEdgeAlgorithmExtension(RVEdge* edge) {
-    return newRecord<RVEdgeExtensionMinimumSpanningTreeInternal>(edge);
-}
-
-int RVMinimumSpanningTreeInternalData::currentCost(RVNode* node, int cost) {
-    if (auto* own = record<RVNodeExtensionMinimumSpanningTreeInternal>(node)) own->currentCost(cost);
-    return cost;
-}
-
-int RVMinimumSpanningTreeInternalData::touched(RVNode* node, int flag) {
-    if (auto* own = record<RVNodeExtensionMinimumSpanningTreeInternal>(node)) own->touched(flag);
-    return flag;
-}
-
-RVEdge* RVMinimumSpanningTreeInternalData::pParentEdge(RVNode* node, RVEdge* edge) {
-    if (auto* own = record<RVNodeExtensionMinimumSpanningTreeInternal>(node)) own->pParentEdge(edge);
-    return edge;
-}
-
-int RVMinimumSpanningTreeInternalData::cost(RVEdge* edge, int value) {
-    if (auto* own = record<RVEdgeExtensionMinimumSpanningTreeInternal>(edge)) own->cost(value);
-    return value;
-}
-
-int RVMinimumSpanningTreeInternalData::treeEdge(RVEdge* edge, int flag) {
-    if (auto* own = record<RVEdgeExtensionMinimumSpanningTreeInternal>(edge)) own->treeEdge(flag);
-    return flag;
-}
 
 // RVMinimumSpanningTreeAlgorithm
 

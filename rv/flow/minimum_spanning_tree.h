@@ -22,6 +22,7 @@
 #pragma once
 
 #include "rv/foundation/keyed_tree.h"
+#include "rv/framework/columns.h"
 #include "rv/framework/internal_graph_algorithm.h"
 
 class RVMinimumSpanningTreeInternalData;
@@ -101,23 +102,29 @@ private:
 // Named fields: "cost" (of an edge).
 class RV_EXPORT RVMinimumSpanningTreeInputData : public RVAnalysisInputData {
     RV_DATA_OBJECT(RVMinimumSpanningTreeInputData)
+    RV_EDGE_RECORDS(RVEdgeExtensionMinimumSpanningTreeInput)
 
 public:
     explicit RVMinimumSpanningTreeInputData(RVGraph* graph) : RVAnalysisInputData(graph) {}
 
     // Default 0.
-    int cost(RVEdge* edge) const { return constRecord<RVEdgeExtensionMinimumSpanningTreeInput>(edge).cost(); }
-    int cost(RVEdge* edge, int value);
+    int cost(RVEdge* edge) const { return m_edgeCosts.get(edge); }
+    int cost(RVEdge* edge, int value) { return m_edgeCosts.store(edge, value); }
+    // The costs, for reading all at once.
+    const rv::EdgeCosts& edgeCosts() const { return m_edgeCosts; }
 
 protected:
     RVMinimumSpanningTreeInputData() = default;
 
-    RVEdgeAlgorithmExtension* newEdgeAlgorithmExtension(RVEdge* edge) override;
     std::span<const RVInputField> inputFields() const override;
+
+private:
+    rv::EdgeCosts m_edgeCosts{this, &EdgeRecord::cost, &EdgeRecord::cost};
 };
 
 class RV_EXPORT RVMinimumSpanningTreeOutputData : public RVAnalysisOutputData {
     RV_DATA_OBJECT(RVMinimumSpanningTreeOutputData)
+    RV_EDGE_RECORDS(RVEdgeExtensionMinimumSpanningTreeOutput)
 
 public:
     RVMinimumSpanningTreeOutputData() = default;
@@ -129,19 +136,17 @@ public:
     int totalCost() const { return m_totalCost; }
     int totalCost(int cost) { return m_totalCost = cost; }
     // 1 for an edge of the tree.
-    int treeEdge(RVEdge* edge) const {
-        return constRecord<RVEdgeExtensionMinimumSpanningTreeOutput>(edge).treeEdge();
-    }
-    int treeEdge(RVEdge* edge, int flag);
+    int treeEdge(RVEdge* edge) const { return m_isTreeEdge.get(edge); }
+    int treeEdge(RVEdge* edge, int flag) { return m_isTreeEdge.store(edge, flag); }
+    // The same, for writing all at once.
+    rv::EdgeColumn<int>& isTreeEdge() { return m_isTreeEdge; }
 
     void reset() override;
-
-protected:
-    RVEdgeAlgorithmExtension* newEdgeAlgorithmExtension(RVEdge* edge) override;
 
 private:
     rv::Owned<RVEdgeDList> m_treeEdges;
     int m_totalCost = 0;
+    rv::EdgeColumn<int> m_isTreeEdge{this, &EdgeRecord::treeEdge, &EdgeRecord::treeEdge};
 };
 
 // Nodes of a working graph in the order of their current costs.
@@ -166,6 +171,8 @@ private:
 
 class RV_EXPORT RVMinimumSpanningTreeInternalData : public RVAnalysisInternalData {
     RV_DATA_OBJECT(RVMinimumSpanningTreeInternalData)
+    RV_NODE_RECORDS(RVNodeExtensionMinimumSpanningTreeInternal)
+    RV_EDGE_RECORDS(RVEdgeExtensionMinimumSpanningTreeInternal)
 
 public:
     RVMinimumSpanningTreeInternalData() = default;
@@ -176,29 +183,18 @@ public:
     // The nodes that can be joined to the tree.
     RVMinimumSpanningTreeBinTree* pPartialTreeNodeList() const { return &m_partialTreeNodes; }
 
-    int currentCost(RVNode* node) const { return nodeRecordToRead(node).currentCost(); }
-    int currentCost(RVNode* node, int cost);
-    int touched(RVNode* node) const { return nodeRecordToRead(node).touched(); }
-    int touched(RVNode* node, int flag);
-    RVEdge* pParentEdge(RVNode* node) const { return nodeRecordToRead(node).pParentEdge(); }
-    RVEdge* pParentEdge(RVNode* node, RVEdge* edge);
-    int cost(RVEdge* edge) const { return edgeRecordToRead(edge).cost(); }
-    int cost(RVEdge* edge, int value);
-    int treeEdge(RVEdge* edge) const { return edgeRecordToRead(edge).treeEdge(); }
-    int treeEdge(RVEdge* edge, int flag);
-
-protected:
-    RVNodeAlgorithmExtension* newNodeAlgorithmExtension(RVNode* node) override;
-    RVEdgeAlgorithmExtension* newEdgeAlgorithmExtension(RVEdge* edge) override;
+    int currentCost(RVNode* node) const { return load(node, &NodeRecord::currentCost); }
+    int currentCost(RVNode* node, int cost) { return store(node, &NodeRecord::currentCost, cost); }
+    int touched(RVNode* node) const { return load(node, &NodeRecord::touched); }
+    int touched(RVNode* node, int flag) { return store(node, &NodeRecord::touched, flag); }
+    RVEdge* pParentEdge(RVNode* node) const { return load(node, &NodeRecord::pParentEdge); }
+    RVEdge* pParentEdge(RVNode* node, RVEdge* edge) { return store(node, &NodeRecord::pParentEdge, edge); }
+    int cost(RVEdge* edge) const { return load(edge, &EdgeRecord::cost); }
+    int cost(RVEdge* edge, int value) { return store(edge, &EdgeRecord::cost, value); }
+    int treeEdge(RVEdge* edge) const { return load(edge, &EdgeRecord::treeEdge); }
+    int treeEdge(RVEdge* edge, int flag) { return store(edge, &EdgeRecord::treeEdge, flag); }
 
 private:
-    const RVNodeExtensionMinimumSpanningTreeInternal& nodeRecordToRead(RVNode* node) const {
-        return constRecord<RVNodeExtensionMinimumSpanningTreeInternal>(node);
-    }
-    const RVEdgeExtensionMinimumSpanningTreeInternal& edgeRecordToRead(RVEdge* edge) const {
-        return constRecord<RVEdgeExtensionMinimumSpanningTreeInternal>(edge);
-    }
-
     int m_edgeCounter = 0;
     mutable RVMinimumSpanningTreeBinTree m_partialTreeNodes{this};
 };
