@@ -20,19 +20,6 @@ RVNodeExtensionAllPairsShortestPaths::RVNodeExtensionAllPairsShortestPaths(RVNod
     : RVNodeAnalysisExtension(node, data),
       m_pairs(static_cast<std::size_t>(node->pHomeGraph()->numberOfNodes())) {}
 
-RVNodeAlgorithmExtension* RVAllPairsShortestPathsOutputData::newNodeAlgorithmExtension(RVNode* node) {
-    return newRecord<RVNodeExtensionAllPairsShortestPaths>(node);
-}
-
-int RVAllPairsShortestPathsOutputData::number(RVNode* node) const {
-    return constRecord<RVNodeExtensionAllPairsShortestPaths>(node).number();
-}
-
-int RVAllPairsShortestPathsOutputData::number(RVNode* node, int value) const {
-    if (auto* own = record<RVNodeExtensionAllPairsShortestPaths>(node)) own->number(value);
-    return value;
-}
-
 RVEdgeValuePair* RVAllPairsShortestPathsOutputData::pEdgeValuePair(RVNode* a, RVNode* b) const {
     if (a == nullptr || b == nullptr) return nullptr;
     auto* column = record<RVNodeExtensionAllPairsShortestPaths>(b);

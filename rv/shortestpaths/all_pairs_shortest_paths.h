@@ -33,6 +33,7 @@
 #include <vector>
 
 #include "rv/framework/base_graph_algorithm.h"
+#include "rv/framework/columns.h"
 #include "rv/shortestpaths/path_costs.h"
 
 // Named fields: those of RVPathCostInputData.
@@ -73,12 +74,13 @@ private:
 // Nodes that were added to the graph after the run have no valid entries.
 class RV_EXPORT RVAllPairsShortestPathsOutputData : public RVAnalysisOutputData {
     RV_DATA_OBJECT(RVAllPairsShortestPathsOutputData)
+    RV_NODE_RECORDS(RVNodeExtensionAllPairsShortestPaths)
 
 public:
     RVAllPairsShortestPathsOutputData() = default;
 
-    int number(RVNode* node) const;
-    int number(RVNode* node, int value) const;
+    int number(RVNode* node) const { return m_numbers.get(node); }
+    int number(RVNode* node, int value) const { return m_numbers.store(node, value); }
     // What leads from a to b: cost and last edge. None where there is no such pair.
     RVEdgeValuePair* pEdgeValuePair(RVNode* a, RVNode* b) const;
 
@@ -93,11 +95,10 @@ public:
 
     void reset() override;
 
-protected:
-    RVNodeAlgorithmExtension* newNodeAlgorithmExtension(RVNode* node) override;
-
 private:
     bool isInGraph(const RVNode* node) const;
+
+    mutable rv::NodeColumn<int> m_numbers{this, &NodeRecord::number, &NodeRecord::number};
 };
 
 class RV_EXPORT RVAllPairsShortestPathsAlgorithm : public RVBaseGraphAlgorithm {

@@ -47,38 +47,11 @@ RVDijkstraInternalData& RVDijkstraInternalData::operator=(const RVDijkstraIntern
 
 RV_OBJECT_COPY_IMPL(RVDijkstraInternalData)
 
-RVNodeAlgorithmExtension* RVDijkstraInternalData::newNodeAlgorithmExtension(RVNode* node) {
-    return newRecord<RVNodeExtensionShortestPaths>(node);
-}
-
-RVEdgeAlgorithmExtension* RVDijkstraInternalData::newEdgeAlgorithmExtension(RVEdge* edge) {
-    return newRecord<RVEdgeExtensionShortestPaths>(edge);
-}
-
-int RVDijkstraInternalData::currentCost(RVNode* node, int cost) {
-    if (auto* own = record<RVNodeExtensionShortestPaths>(node)) own->currentCost(cost);
-    return cost;
-}
-
-int RVDijkstraInternalData::cost(RVEdge* edge, int value) {
-    if (auto* own = record<RVEdgeExtensionShortestPaths>(edge)) own->cost(value);
-    return value;
-}
-
 // RVDijkstraOutputData
-
-int RVDijkstraOutputData::dist(RVNode* node, int value) {
-    if (auto* own = record<RVNodeExtensionDijkstra>(node)) own->dist(value);
-    return value;
-}
 
 void RVDijkstraOutputData::reset() {
     RVShortestPathsOutputData::reset();
     deleteDataReferences(pAssociatedGraph());
-}
-
-RVNodeAlgorithmExtension* RVDijkstraOutputData::newNodeAlgorithmExtension(RVNode* node) {
-    return newRecord<RVNodeExtensionDijkstra>(node);
 }
 
 // RVDijkstraAlgorithm

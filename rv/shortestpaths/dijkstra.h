@@ -101,6 +101,8 @@ private:
 
 class RV_EXPORT RVDijkstraInternalData : public RVTraversalInternalData {
     RV_DATA_OBJECT(RVDijkstraInternalData)
+    RV_NODE_RECORDS(RVNodeExtensionShortestPaths)
+    RV_EDGE_RECORDS(RVEdgeExtensionShortestPaths)
 
 public:
     RVDijkstraInternalData() = default;
@@ -110,16 +112,10 @@ public:
     // The nodes that have been reached and wait for being settled.
     RVShortestPathsBinTree* pCandidateNodeList() const { return &m_candidateNodes; }
 
-    int currentCost(RVNode* node) const {
-        return constRecord<RVNodeExtensionShortestPaths>(node).currentCost();
-    }
-    int currentCost(RVNode* node, int cost);
-    int cost(RVEdge* edge) const { return constRecord<RVEdgeExtensionShortestPaths>(edge).cost(); }
-    int cost(RVEdge* edge, int value);
-
-protected:
-    RVNodeAlgorithmExtension* newNodeAlgorithmExtension(RVNode* node) override;
-    RVEdgeAlgorithmExtension* newEdgeAlgorithmExtension(RVEdge* edge) override;
+    int currentCost(RVNode* node) const { return load(node, &NodeRecord::currentCost); }
+    int currentCost(RVNode* node, int cost) { return store(node, &NodeRecord::currentCost, cost); }
+    int cost(RVEdge* edge) const { return load(edge, &EdgeRecord::cost); }
+    int cost(RVEdge* edge, int value) { return store(edge, &EdgeRecord::cost, value); }
 
 private:
     RVNode* m_pFinishNode = nullptr;
@@ -128,20 +124,23 @@ private:
 
 class RV_EXPORT RVDijkstraOutputData : public RVShortestPathsOutputData {
     RV_DATA_OBJECT(RVDijkstraOutputData)
+    RV_NODE_RECORDS(RVNodeExtensionDijkstra)
 
 public:
     RVDijkstraOutputData() = default;
 
     // The distance from the start node, 2147483647 for a node that it does not reach; -100 when distances
     // were not asked for (RVDijkstraAlgorithm::storeDistances).
-    int dist(RVNode* node) const { return constRecord<RVNodeExtensionDijkstra>(node).dist(); }
-    int dist(RVNode* node, int value);
+    int dist(RVNode* node) const { return m_distances.get(node); }
+    int dist(RVNode* node, int value) { return m_distances.store(node, value); }
+    // The same, for writing all at once.
+    rv::NodeColumn<int>& distances() { return m_distances; }
 
     // Empties path and distances.
     void reset() override;
 
-protected:
-    RVNodeAlgorithmExtension* newNodeAlgorithmExtension(RVNode* node) override;
+private:
+    rv::NodeColumn<int> m_distances{this, &NodeRecord::dist, &NodeRecord::dist, -100};
 };
 
 class RV_EXPORT RVDijkstraAlgorithm : public RVTraversalAlgorithm {

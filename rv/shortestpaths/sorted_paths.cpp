@@ -206,17 +206,12 @@ int RVSortedPathsOutputData::type(RVEdge* edge, int value) {
     return value;
 }
 
-RVEdge* RVSortedPathsOutputData::pTreeEdge(RVNode* node, RVEdge* edge) {
-    m_treeEdges->put(node, edge);
-    return edge;
-}
-
 void RVSortedPathsOutputData::reset() {
     m_pathExists = m_numberOfPaths = m_acyclic = m_finishNodeCost = 0;
     m_shortestPathLength = 0;
     m_pStartNode = m_pFinishNode = nullptr;
     m_pathGraph->bind(nullptr);
-    m_treeEdges->empty(0, 0);
+    m_treeEdges.clear();
 }
 
 // The run

@@ -42,7 +42,7 @@
 #include <cstdint>
 #include <memory>
 
-#include "rv/foundation/hash_map.h"
+#include "rv/framework/columns.h"
 #include "rv/framework/internal_graph_algorithm.h"
 
 namespace rv {
@@ -62,10 +62,13 @@ public:
     RVNode* pFinishNode() const { return m_pFinishNode; }
     RVNode* pFinishNode(RVNode* node) { return m_pFinishNode = node; }
     // Default 0 for a node and 1 for an edge.
-    int cost(RVNode* node) const { return m_costs->getInt(node, 0); }
-    int cost(RVNode* node, int value) { return m_costs->putInt(node, value); }
-    int cost(RVEdge* edge) const { return m_costs->getInt(edge, 1); }
-    int cost(RVEdge* edge, int value) { return m_costs->putInt(edge, value); }
+    int cost(RVNode* node) const { return m_nodeCosts.get(node); }
+    int cost(RVNode* node, int value) { return m_nodeCosts.store(node, value); }
+    int cost(RVEdge* edge) const { return m_edgeCosts.get(edge); }
+    int cost(RVEdge* edge, int value) { return m_edgeCosts.store(edge, value); }
+    // The same, for reading all at once.
+    const rv::NodeCosts& nodeCosts() const { return m_nodeCosts; }
+    const rv::EdgeCosts& edgeCosts() const { return m_edgeCosts; }
 
 protected:
     RVSortedPathsInputData() = default;
@@ -75,7 +78,8 @@ protected:
 private:
     RVNode* m_pStartNode = nullptr;
     RVNode* m_pFinishNode = nullptr;
-    rv::OwnedMap<rv::Values::Destroy> m_costs;
+    rv::NodeCosts m_nodeCosts{this};
+    rv::EdgeCosts m_edgeCosts{this, 1};
 };
 
 // The path graph belongs to the caller. Neither the output nor the algorithm destroys it: the output's reset,
@@ -115,8 +119,10 @@ public:
     std::int64_t exactShortestPathLength() const { return m_shortestPathLength; }
     // The first edge of a cheapest path from a node of the caller's graph to the finish node; none for the
     // finish node and for nodes that are on no path.
-    RVEdge* pTreeEdge(RVNode* node) const { return static_cast<RVEdge*>(m_treeEdges->get(node)); }
-    RVEdge* pTreeEdge(RVNode* node, RVEdge* edge);
+    RVEdge* pTreeEdge(RVNode* node) const { return m_treeEdges.get(node); }
+    RVEdge* pTreeEdge(RVNode* node, RVEdge* edge) { return m_treeEdges.store(node, edge); }
+    // The same, for writing all at once.
+    rv::NodeColumn<RVEdge*>& treeEdges() { return m_treeEdges; }
     RVNode* pStartNode() const { return m_pStartNode; }
     RVNode* pStartNode(RVNode* node) { return m_pStartNode = node; }
     RVNode* pFinishNode() const { return m_pFinishNode; }
@@ -150,7 +156,7 @@ private:
     RVNode* m_pStartNode = nullptr;
     RVNode* m_pFinishNode = nullptr;
     std::unique_ptr<rv::PathGraphValues> m_pathGraph;
-    rv::OwnedMap<rv::Values::Keep> m_treeEdges;
+    rv::NodeColumn<RVEdge*> m_treeEdges{this};
 };
 
 class RV_EXPORT RVSortedPathsAlgorithm : public RVInternalGraphAlgorithm {
