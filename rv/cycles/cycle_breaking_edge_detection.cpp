@@ -38,19 +38,10 @@ void RVCycleBreakingEdgeDetectionOutputData::buildReflexiveEdgeList(RVEdgeDList&
     list = *m_reflexiveEdges;
 }
 
-int RVCycleBreakingEdgeDetectionOutputData::backwardEdge(RVEdge* edge, int flag) {
-    if (auto* own = record<RVEdgeExtensionCycleBreakingEdgeDetectionOutput>(edge)) own->backwardEdge(flag);
-    return flag;
-}
-
 void RVCycleBreakingEdgeDetectionOutputData::reset() {
     m_edges->deleteAllCells();
     m_reflexiveEdges->deleteAllCells();
     deleteDataReferences(pAssociatedGraph());
-}
-
-RVEdgeAlgorithmExtension* RVCycleBreakingEdgeDetectionOutputData::newEdgeAlgorithmExtension(RVEdge* edge) {
-    return newRecord<RVEdgeExtensionCycleBreakingEdgeDetectionOutput>(edge);
 }
 
 RVCycleBreakingEdgeDetectionInternalData::RVCycleBreakingEdgeDetectionInternalData()
@@ -68,51 +59,6 @@ RVGraphReductionAction* RVCycleBreakingEdgeDetectionInternalData::popAction() {
 
 RVGraphReductionAction* RVCycleBreakingEdgeDetectionInternalData::topAction() const {
     return RVGraphReductionAction::castDown(m_actionStack.get()->pFirstObject());
-}
-
-RVNode* RVCycleBreakingEdgeDetectionInternalData::pLocalOriginalNode(RVNode* node, RVNode* original) {
-    auto* own = record<RVNodeExtensionCycleBreakingEdgeDetectionInternal>(node);
-    if (own != nullptr) own->pLocalOriginalNode(original);
-    return original;
-}
-
-RVNode* RVCycleBreakingEdgeDetectionInternalData::pLocalCopyNode(RVNode* node, RVNode* copy) {
-    auto* own = record<RVNodeExtensionCycleBreakingEdgeDetectionInternal>(node);
-    if (own != nullptr) own->pLocalCopyNode(copy);
-    return copy;
-}
-
-RVEdge* RVCycleBreakingEdgeDetectionInternalData::pLocalOriginalEdge(RVEdge* edge, RVEdge* original) {
-    if (auto* own = edgeRecord(edge)) own->pLocalOriginalEdge(original);
-    return original;
-}
-
-RVEdge* RVCycleBreakingEdgeDetectionInternalData::pLocalCopyEdge(RVEdge* edge, RVEdge* copy) {
-    if (auto* own = edgeRecord(edge)) own->pLocalCopyEdge(copy);
-    return copy;
-}
-
-int RVCycleBreakingEdgeDetectionInternalData::weight(RVEdge* edge, int value) {
-    if (auto* own = edgeRecord(edge)) own->weight(value);
-    return value;
-}
-
-int RVCycleBreakingEdgeDetectionInternalData::reversed(RVEdge* edge, int flag) {
-    if (auto* own = edgeRecord(edge)) own->reversed(flag);
-    return flag;
-}
-
-int RVCycleBreakingEdgeDetectionInternalData::touched(RVEdge* edge, int flag) {
-    if (auto* own = edgeRecord(edge)) own->touched(flag);
-    return flag;
-}
-
-RVNodeAlgorithmExtension* RVCycleBreakingEdgeDetectionInternalData::newNodeAlgorithmExtension(RVNode* node) {
-    return newRecord<RVNodeExtensionCycleBreakingEdgeDetectionInternal>(node);
-}
-
-RVEdgeAlgorithmExtension* RVCycleBreakingEdgeDetectionInternalData::newEdgeAlgorithmExtension(RVEdge* edge) {
-    return newRecord<RVEdgeExtensionCycleBreakingEdgeDetectionInternal>(edge);
 }
 
 // The run

@@ -32,6 +32,7 @@
 
 #include "rv/cycles/graph_reduction_action.h"
 #include "rv/foundation/owned_lists.h"
+#include "rv/framework/columns.h"
 #include "rv/framework/internal_graph_algorithm.h"
 
 class RVTopologicalHeuristicOutputData;
@@ -132,6 +133,7 @@ private:
 
 class RV_EXPORT RVCycleBreakingEdgeDetectionOutputData : public RVAnalysisOutputData {
     RV_DATA_OBJECT(RVCycleBreakingEdgeDetectionOutputData)
+    RV_EDGE_RECORDS(RVEdgeExtensionCycleBreakingEdgeDetectionOutput)
 
 public:
     RVCycleBreakingEdgeDetectionOutputData() = default;
@@ -141,26 +143,26 @@ public:
     void buildEdgeList(RVEdgeDList& list) const;
     void buildReflexiveEdgeList(RVEdgeDList& list) const;
     // 1 for a backward edge; 0 for all others, self-loops included.
-    int backwardEdge(RVEdge* edge) const {
-        return constRecord<RVEdgeExtensionCycleBreakingEdgeDetectionOutput>(edge).backwardEdge();
-    }
-    int backwardEdge(RVEdge* edge, int flag);
+    int backwardEdge(RVEdge* edge) const { return m_isBackward.get(edge); }
+    int backwardEdge(RVEdge* edge, int flag) { return m_isBackward.store(edge, flag); }
+    // The same, for writing all at once.
+    rv::EdgeColumn<int>& isBackward() { return m_isBackward; }
 
     void reset() override;
-
-protected:
-    RVEdgeAlgorithmExtension* newEdgeAlgorithmExtension(RVEdge* edge) override;
 
 private:
     friend class RVCycleBreakingEdgeDetectionAlgorithm;
     rv::Owned<RVEdgeDList> m_edges;
     rv::Owned<RVEdgeDList> m_reflexiveEdges;
+    rv::EdgeColumn<int> m_isBackward{this, &EdgeRecord::backwardEdge, &EdgeRecord::backwardEdge};
 };
 
 // What a run keeps. A piece is a graph of its own that is made from edges of the working graph and destroyed
 // when it has been dealt with.
 class RV_EXPORT RVCycleBreakingEdgeDetectionInternalData : public RVAnalysisInternalData {
     RV_DATA_OBJECT(RVCycleBreakingEdgeDetectionInternalData)
+    RV_NODE_RECORDS(RVNodeExtensionCycleBreakingEdgeDetectionInternal)
+    RV_EDGE_RECORDS(RVEdgeExtensionCycleBreakingEdgeDetectionInternal)
 
 public:
     RVCycleBreakingEdgeDetectionInternalData();
@@ -181,24 +183,28 @@ public:
     RVGraphReductionAction* topAction() const;
     bool actionStackEmpty() const { return m_actionStack.get()->length() == 0; }
 
-    RVNode* pLocalOriginalNode(RVNode* node) const { return nodeRecordToRead(node).pLocalOriginalNode(); }
-    RVNode* pLocalOriginalNode(RVNode* node, RVNode* original);
-    RVNode* pLocalCopyNode(RVNode* node) const { return nodeRecordToRead(node).pLocalCopyNode(); }
-    RVNode* pLocalCopyNode(RVNode* node, RVNode* copy);
-    RVEdge* pLocalOriginalEdge(RVEdge* edge) const { return edgeRecordToRead(edge).pLocalOriginalEdge(); }
-    RVEdge* pLocalOriginalEdge(RVEdge* edge, RVEdge* original);
-    RVEdge* pLocalCopyEdge(RVEdge* edge) const { return edgeRecordToRead(edge).pLocalCopyEdge(); }
-    RVEdge* pLocalCopyEdge(RVEdge* edge, RVEdge* copy);
-    int weight(RVEdge* edge) const { return edgeRecordToRead(edge).weight(); }
-    int weight(RVEdge* edge, int value);
-    int reversed(RVEdge* edge) const { return edgeRecordToRead(edge).reversed(); }
-    int reversed(RVEdge* edge, int flag);
-    int touched(RVEdge* edge) const { return edgeRecordToRead(edge).touched(); }
-    int touched(RVEdge* edge, int flag);
-
-protected:
-    RVNodeAlgorithmExtension* newNodeAlgorithmExtension(RVNode* node) override;
-    RVEdgeAlgorithmExtension* newEdgeAlgorithmExtension(RVEdge* edge) override;
+    RVNode* pLocalOriginalNode(RVNode* node) const { return load(node, &NodeRecord::pLocalOriginalNode); }
+    RVNode* pLocalOriginalNode(RVNode* node, RVNode* original) {
+        return store(node, &NodeRecord::pLocalOriginalNode, original);
+    }
+    RVNode* pLocalCopyNode(RVNode* node) const { return load(node, &NodeRecord::pLocalCopyNode); }
+    RVNode* pLocalCopyNode(RVNode* node, RVNode* copy) {
+        return store(node, &NodeRecord::pLocalCopyNode, copy);
+    }
+    RVEdge* pLocalOriginalEdge(RVEdge* edge) const { return load(edge, &EdgeRecord::pLocalOriginalEdge); }
+    RVEdge* pLocalOriginalEdge(RVEdge* edge, RVEdge* original) {
+        return store(edge, &EdgeRecord::pLocalOriginalEdge, original);
+    }
+    RVEdge* pLocalCopyEdge(RVEdge* edge) const { return load(edge, &EdgeRecord::pLocalCopyEdge); }
+    RVEdge* pLocalCopyEdge(RVEdge* edge, RVEdge* copy) {
+        return store(edge, &EdgeRecord::pLocalCopyEdge, copy);
+    }
+    int weight(RVEdge* edge) const { return load(edge, &EdgeRecord::weight); }
+    int weight(RVEdge* edge, int value) { return store(edge, &EdgeRecord::weight, value); }
+    int reversed(RVEdge* edge) const { return load(edge, &EdgeRecord::reversed); }
+    int reversed(RVEdge* edge, int flag) { return store(edge, &EdgeRecord::reversed, flag); }
+    int touched(RVEdge* edge) const { return load(edge, &EdgeRecord::touched); }
+    int touched(RVEdge* edge, int flag) { return store(edge, &EdgeRecord::touched, flag); }
 
 private:
     friend class RVCycleBreakingEdgeDetectionAlgorithm;
@@ -210,16 +216,6 @@ private:
         ActionStack& operator=(const ActionStack&) = delete;
         ~ActionStack() override { deleteAllCellsAndObjects(); }
     };
-
-    const RVNodeExtensionCycleBreakingEdgeDetectionInternal& nodeRecordToRead(RVNode* node) const {
-        return constRecord<RVNodeExtensionCycleBreakingEdgeDetectionInternal>(node);
-    }
-    const RVEdgeExtensionCycleBreakingEdgeDetectionInternal& edgeRecordToRead(RVEdge* edge) const {
-        return constRecord<RVEdgeExtensionCycleBreakingEdgeDetectionInternal>(edge);
-    }
-    RVEdgeExtensionCycleBreakingEdgeDetectionInternal* edgeRecord(RVEdge* edge) const {
-        return record<RVEdgeExtensionCycleBreakingEdgeDetectionInternal>(edge);
-    }
 
     rv::Owned<RVEdgeDList> m_outputEdges;
     int m_reduced = 0;

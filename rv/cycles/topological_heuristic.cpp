@@ -20,41 +20,9 @@ RV_OBJECT_IMPL(RVTopologicalHeuristicAlgorithm)
 
 // Data
 
-int RVTopologicalHeuristicInputData::weight(RVEdge* edge, int value) {
-    if (auto* own = record<RVEdgeExtensionTopologicalHeuristic>(edge)) own->weight(value);
-    return value;
-}
-
-RVEdgeAlgorithmExtension* RVTopologicalHeuristicInputData::newEdgeAlgorithmExtension(RVEdge* edge) {
-    return newRecord<RVEdgeExtensionTopologicalHeuristic>(edge);
-}
-
-int RVTopologicalHeuristicOutputData::orderNumber(RVNode* node, int number) {
-    if (auto* own = record<RVNodeExtensionTopologicalHeuristic>(node)) own->orderNumber(number);
-    return number;
-}
-
 void RVTopologicalHeuristicOutputData::reset() {
     m_nodes->deleteAllCells();
     deleteDataReferences(pAssociatedGraph());
-}
-
-RVNodeAlgorithmExtension* RVTopologicalHeuristicOutputData::newNodeAlgorithmExtension(RVNode* node) {
-    return newRecord<RVNodeExtensionTopologicalHeuristic>(node);
-}
-
-int RVTopologicalHeuristicInternalData::indegree(RVNode* node, int degree) {
-    if (auto* own = record<RVNodeExtensionTopologicalHeuristicInternal>(node)) own->indegree(degree);
-    return degree;
-}
-
-int RVTopologicalHeuristicInternalData::outdegree(RVNode* node, int degree) {
-    if (auto* own = record<RVNodeExtensionTopologicalHeuristicInternal>(node)) own->outdegree(degree);
-    return degree;
-}
-
-RVNodeAlgorithmExtension* RVTopologicalHeuristicInternalData::newNodeAlgorithmExtension(RVNode* node) {
-    return newRecord<RVNodeExtensionTopologicalHeuristicInternal>(node);
 }
 
 // The lists of a run

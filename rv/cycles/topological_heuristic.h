@@ -23,6 +23,7 @@
 #include <vector>
 
 #include "rv/foundation/cell_handles.h"
+#include "rv/framework/columns.h"
 #include "rv/framework/internal_graph_algorithm.h"
 
 // Per node of the output.
@@ -81,21 +82,23 @@ private:
 // No named fields.
 class RV_EXPORT RVTopologicalHeuristicInputData : public RVAnalysisInputData {
     RV_DATA_OBJECT(RVTopologicalHeuristicInputData)
+    RV_EDGE_RECORDS(RVEdgeExtensionTopologicalHeuristic)
 
 public:
     RVTopologicalHeuristicInputData() = default;
     explicit RVTopologicalHeuristicInputData(RVGraph* graph) : RVAnalysisInputData(graph) {}
 
     // Default 1. Does not influence the numbering.
-    int weight(RVEdge* edge) const { return constRecord<RVEdgeExtensionTopologicalHeuristic>(edge).weight(); }
-    int weight(RVEdge* edge, int value);
+    int weight(RVEdge* edge) const { return m_weights.get(edge); }
+    int weight(RVEdge* edge, int value) { return m_weights.store(edge, value); }
 
-protected:
-    RVEdgeAlgorithmExtension* newEdgeAlgorithmExtension(RVEdge* edge) override;
+private:
+    rv::EdgeColumn<int> m_weights{this, &EdgeRecord::weight, &EdgeRecord::weight, 1};
 };
 
 class RV_EXPORT RVTopologicalHeuristicOutputData : public RVAnalysisOutputData {
     RV_DATA_OBJECT(RVTopologicalHeuristicOutputData)
+    RV_NODE_RECORDS(RVNodeExtensionTopologicalHeuristic)
 
 public:
     RVTopologicalHeuristicOutputData() = default;
@@ -103,10 +106,10 @@ public:
     // All nodes in the order of their numbers.
     RVNodeDList* pNodeList() const { return m_nodes.get(); }
     // From 1 to the number of nodes; 0 before a run.
-    int orderNumber(RVNode* node) const {
-        return constRecord<RVNodeExtensionTopologicalHeuristic>(node).orderNumber();
-    }
-    int orderNumber(RVNode* node, int number);
+    int orderNumber(RVNode* node) const { return m_orderNumbers.get(node); }
+    int orderNumber(RVNode* node, int number) { return m_orderNumbers.store(node, number); }
+    // The order numbers, for writing them all at once.
+    rv::NodeColumn<int>& orderNumbers() { return m_orderNumbers; }
     // 1 when no edge runs backward, self-loops included, so when the graph is acyclic, else 0. Set by every
     // run; 1 before the first one, left alone by reset.
     int acyclic() const { return m_acyclic; }
@@ -114,18 +117,17 @@ public:
 
     void reset() override;
 
-protected:
-    RVNodeAlgorithmExtension* newNodeAlgorithmExtension(RVNode* node) override;
-
 private:
     rv::Owned<RVNodeDList> m_nodes;
     int m_acyclic = 1;
+    rv::NodeColumn<int> m_orderNumbers{this, &NodeRecord::orderNumber, &NodeRecord::orderNumber};
 };
 
 // What a run keeps. All nodes are those of the working graph; every one that is not numbered stands in the
 // source list or in the candidate list.
 class RV_EXPORT RVTopologicalHeuristicInternalData : public RVAnalysisInternalData {
     RV_DATA_OBJECT(RVTopologicalHeuristicInternalData)
+    RV_NODE_RECORDS(RVNodeExtensionTopologicalHeuristicInternal)
 
 public:
     RVTopologicalHeuristicInternalData() = default;
@@ -137,20 +139,13 @@ public:
     // The others, in graph order.
     RVNodeDList* pCandidateList() const { return m_candidates.get(); }
 
-    int indegree(RVNode* node) const { return recordToRead(node).indegree(); }
-    int indegree(RVNode* node, int degree);
-    int outdegree(RVNode* node) const { return recordToRead(node).outdegree(); }
-    int outdegree(RVNode* node, int degree);
-
-protected:
-    RVNodeAlgorithmExtension* newNodeAlgorithmExtension(RVNode* node) override;
+    int indegree(RVNode* node) const { return load(node, &NodeRecord::indegree); }
+    int indegree(RVNode* node, int degree) { return store(node, &NodeRecord::indegree, degree); }
+    int outdegree(RVNode* node) const { return load(node, &NodeRecord::outdegree); }
+    int outdegree(RVNode* node, int degree) { return store(node, &NodeRecord::outdegree, degree); }
 
 private:
     friend class RVTopologicalHeuristicAlgorithm;
-
-    const RVNodeExtensionTopologicalHeuristicInternal& recordToRead(RVNode* node) const {
-        return constRecord<RVNodeExtensionTopologicalHeuristicInternal>(node);
-    }
 
     // A candidate and what it is chosen by: smaller comes first.
     struct Choice {
