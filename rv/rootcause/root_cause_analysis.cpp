@@ -23,11 +23,6 @@
 RV_OBJECT_IMPL(RVRootCauseInputData)
 RV_OBJECT_IMPL(RVRootCauseOutputData)
 
-int RVRootCauseInputData::undirected(RVEdge* edge, int flag) {
-    flag != 0 ? m_undirectedEdges->add(edge) : m_undirectedEdges->remove(edge);
-    return flag;
-}
-
 std::span<const RVInputField> RVRootCauseInputData::inputFields() const {
     using namespace rv::field;
     using D = RVRootCauseInputData;

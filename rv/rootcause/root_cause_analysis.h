@@ -37,6 +37,7 @@
 
 #include "rv/foundation/hash_map.h"
 #include "rv/framework/base_graph_algorithm.h"
+#include "rv/framework/columns.h"
 
 // Named fields: "undirected", "effectNodeList", "range", "threshold" (of the graph), "cost" (of a node and of
 // an edge), "weight" (of a node), "edgeUndirected" (of an edge).
@@ -61,16 +62,24 @@ public:
     double threshold(double value) { return m_threshold = value; }
 
     // Nonzero for an edge that is followed in both directions; default 0.
-    int undirected(RVEdge* edge) const { return m_undirectedEdges->contains(edge) ? 1 : 0; }
-    int undirected(RVEdge* edge, int flag);
+    int undirected(RVEdge* edge) const { return m_edgesUndirected.get(edge); }
+    int undirected(RVEdge* edge, int flag) {
+        m_edgesUndirected.store(edge, flag != 0 ? 1 : 0);
+        return flag;
+    }
     // Default 0 for a node and 1 for an edge.
-    int cost(RVNode* node) const { return m_costs->getInt(node, 0); }
-    int cost(RVNode* node, int value) { return m_costs->putInt(node, value); }
-    int cost(RVEdge* edge) const { return m_costs->getInt(edge, 1); }
-    int cost(RVEdge* edge, int value) { return m_costs->putInt(edge, value); }
+    int cost(RVNode* node) const { return m_nodeCosts.get(node); }
+    int cost(RVNode* node, int value) { return m_nodeCosts.store(node, value); }
+    int cost(RVEdge* edge) const { return m_edgeCosts.get(edge); }
+    int cost(RVEdge* edge, int value) { return m_edgeCosts.store(edge, value); }
     // Of an effect; default 1.
-    int weight(RVNode* node) const { return m_nodeWeights->getInt(node, 1); }
-    int weight(RVNode* node, int value) { return m_nodeWeights->putInt(node, value); }
+    int weight(RVNode* node) const { return m_nodeWeights.get(node); }
+    int weight(RVNode* node, int value) { return m_nodeWeights.store(node, value); }
+    // The same, for reading all at once.
+    const rv::EdgeColumn<int>& edgesUndirected() const { return m_edgesUndirected; }
+    const rv::NodeCosts& nodeCosts() const { return m_nodeCosts; }
+    const rv::EdgeCosts& edgeCosts() const { return m_edgeCosts; }
+    const rv::NodeCosts& nodeWeights() const { return m_nodeWeights; }
 
 protected:
     RVRootCauseInputData() = default;
@@ -82,9 +91,10 @@ private:
     RVNodeDList* m_pEffectNodes = nullptr;
     int m_range = -1;
     double m_threshold = 1.0;
-    rv::Owned<RVHashSet> m_undirectedEdges;
-    rv::OwnedMap<rv::Values::Destroy> m_costs;
-    rv::OwnedMap<rv::Values::Destroy> m_nodeWeights;
+    rv::EdgeColumn<int> m_edgesUndirected{this};
+    rv::NodeCosts m_nodeCosts{this};
+    rv::EdgeCosts m_edgeCosts{this, 1};
+    rv::NodeCosts m_nodeWeights{this, 1};
 };
 
 class RV_EXPORT RVRootCauseOutputData : public RVAnalysisOutputData {
