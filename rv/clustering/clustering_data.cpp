@@ -15,32 +15,6 @@ RV_OBJECT_IMPL(RVClusteringInternalData)
 
 // Inputs
 
-RVNodeAlgorithmExtension* RVBasicClusteringInputData::newNodeAlgorithmExtension(RVNode* node) {
-    return newRecord<RVNodeExtensionRatioCut>(node);
-}
-
-RVEdgeAlgorithmExtension* RVBasicClusteringInputData::newEdgeAlgorithmExtension(RVEdge* edge) {
-    return newRecord<RVEdgeExtensionRatioCutInput>(edge);
-}
-
-int RVBasicClusteringInputData::getWeight(RVNode* node) const {
-    return constRecord<RVNodeExtensionRatioCut>(node).weight();
-}
-
-int RVBasicClusteringInputData::setWeight(RVNode* node, int weight) {
-    if (auto* own = record<RVNodeExtensionRatioCut>(node)) own->weight(weight);
-    return weight;
-}
-
-int RVBasicClusteringInputData::getCost(RVEdge* edge) const {
-    return constRecord<RVEdgeExtensionRatioCutInput>(edge).cost();
-}
-
-int RVBasicClusteringInputData::setCost(RVEdge* edge, int cost) {
-    if (auto* own = record<RVEdgeExtensionRatioCutInput>(edge)) own->cost(cost);
-    return cost;
-}
-
 void RVBasicClusteringInputData::getWeights(RVBasicClusteringInputData* other) {
     const RVGraph* graph = pAssociatedGraph();
     if (other == nullptr || graph == nullptr) return;
@@ -82,14 +56,14 @@ void RVClusteringOutputData::generateClusterNumbers() {
     for (RVDListIter cluster(pClusters()); cluster; cluster++) {
         ++number;
         for (RVDListIter it(RVDList::castDown(cluster.pObject())); it; it++) {
-            m_numbers->putInt(static_cast<RVNode*>(it.pObject()), number);
+            m_numbers.store(static_cast<RVNode*>(it.pObject()), number);
         }
     }
 }
 
 void RVClusteringOutputData::reset() {
     m_clusters.clear();
-    m_numbers->empty(1, 0);
+    m_numbers.clear();
 }
 
 // Orderings
@@ -117,38 +91,4 @@ int RVClusteringBinTree::virtualObjectCompare(RVObject* a, RVObject* b) const {
 
 int RVClusterSizeSort::virtualCellCompare(RVDListCell* first, RVDListCell* second) const {
     return compare(weightOf(first->pObject()), weightOf(second->pObject()));
-}
-
-// Internal data
-
-RVNodeAlgorithmExtension* RVClusteringInternalData::newNodeAlgorithmExtension(RVNode* node) {
-    return newRecord<RVNodeExtensionClusteringInternal>(node);
-}
-
-RVEdgeAlgorithmExtension* RVClusteringInternalData::newEdgeAlgorithmExtension(RVEdge* edge) {
-    return newRecord<RVEdgeExtensionClusteringInternal>(edge);
-}
-
-RVNode* RVClusteringInternalData::setLocalOriginalNode(RVNode* node, RVNode* original) {
-    if (auto* own = record<RVNodeExtensionClusteringInternal>(node)) own->pLocalOriginalNode(original);
-    return original;
-}
-
-RVNode* RVClusteringInternalData::setLocalNewNode(RVNode* node, RVNode* copy) {
-    if (auto* own = record<RVNodeExtensionClusteringInternal>(node)) own->pLocalNewNode(copy);
-    return copy;
-}
-
-RVEdge* RVClusteringInternalData::getLocalOriginalEdge(RVEdge* edge) const {
-    return constRecord<RVEdgeExtensionClusteringInternal>(edge).pLocalOriginalEdge();
-}
-
-RVEdge* RVClusteringInternalData::setLocalOriginalEdge(RVEdge* edge, RVEdge* original) {
-    if (auto* own = record<RVEdgeExtensionClusteringInternal>(edge)) own->pLocalOriginalEdge(original);
-    return original;
-}
-
-double RVClusteringInternalData::setX(RVNode* node, double x) {
-    if (auto* own = record<RVNodeExtensionClusteringInternal>(node)) own->x(x);
-    return x;
 }

@@ -15,17 +15,55 @@
 //   input.addConstraint(&apart);
 #pragma once
 
+#include "rv/foundation/boxed_values.h"
 #include "rv/foundation/constraint.h"
-#include "rv/foundation/hash_map.h"
 #include "rv/foundation/list_sort.h"
 #include "rv/foundation/owned_lists.h"
 #include "rv/foundation/sorted_tree.h"
 #include "rv/framework/analysis_data.h"
+#include "rv/framework/columns.h"
+
+// Per node of the inputs and of the output of a bipartitioning.
+class RV_EXPORT RVNodeExtensionRatioCut : public RVNodeAnalysisExtension {
+    RV_PLAIN_RECORD(RVNodeExtensionRatioCut)
+
+public:
+    RVNodeExtensionRatioCut() = default;
+    RVNodeExtensionRatioCut(RVNode* node, const RVAlgorithmData* data)
+        : RVNodeAnalysisExtension(node, data) {}
+
+    int weight() const { return m_weight; }
+    int weight(int value) { return m_weight = value; }
+    double x() const { return m_x; }
+    double x(double value) { return m_x = value; }
+
+private:
+    int m_weight = 1;
+    double m_x = 0.0;
+};
+
+// Per edge of the inputs.
+class RV_EXPORT RVEdgeExtensionRatioCutInput : public RVEdgeAnalysisExtension {
+    RV_PLAIN_RECORD(RVEdgeExtensionRatioCutInput)
+
+public:
+    RVEdgeExtensionRatioCutInput() = default;
+    RVEdgeExtensionRatioCutInput(RVEdge* edge, const RVAlgorithmData* data)
+        : RVEdgeAnalysisExtension(edge, data) {}
+
+    int cost() const { return m_cost; }
+    int cost(int value) { return m_cost = value; }
+
+private:
+    int m_cost = 1;
+};
 
 // Inputs. None of them has named fields.
 
 class RV_EXPORT RVBasicClusteringInputData : public RVAnalysisInputData {
     RV_DATA_OBJECT(RVBasicClusteringInputData)
+    RV_NODE_RECORDS(RVNodeExtensionRatioCut)
+    RV_EDGE_RECORDS(RVEdgeExtensionRatioCutInput)
 
 public:
     RVBasicClusteringInputData() = default;
@@ -35,20 +73,21 @@ public:
     int getQuality() const { return m_quality; }
     int setQuality(int quality) { return m_quality = quality; }
     // Default 1.
-    int getWeight(RVNode* node) const;
-    int setWeight(RVNode* node, int weight);
+    int getWeight(RVNode* node) const { return m_weights.get(node); }
+    int setWeight(RVNode* node, int weight) { return m_weights.store(node, weight); }
     // Default 1.
-    int getCost(RVEdge* edge) const;
-    int setCost(RVEdge* edge, int cost);
+    int getCost(RVEdge* edge) const { return m_costs.get(edge); }
+    int setCost(RVEdge* edge, int cost) { return m_costs.store(edge, cost); }
+    // The same, for reading all at once.
+    const rv::NodeCosts& weights() const { return m_weights; }
+    const rv::EdgeCosts& costs() const { return m_costs; }
     // Takes the weights and costs of the nodes and edges of this input's graph from another input about it.
     void getWeights(RVBasicClusteringInputData* other);
 
-protected:
-    RVNodeAlgorithmExtension* newNodeAlgorithmExtension(RVNode* node) override;
-    RVEdgeAlgorithmExtension* newEdgeAlgorithmExtension(RVEdge* edge) override;
-
 private:
     int m_quality = 1;
+    rv::NodeCosts m_weights{this, &NodeRecord::weight, &NodeRecord::weight, 1};
+    rv::EdgeCosts m_costs{this, &EdgeRecord::cost, &EdgeRecord::cost, 1};
 };
 
 class RV_EXPORT RVClusteringInputData : public RVBasicClusteringInputData {
@@ -113,13 +152,13 @@ public:
     // Clusters that are added later have no number until this is called again.
     void generateClusterNumbers();
     // The number of a node's cluster; 0 for a node without one.
-    int getClusterNumber(RVNode* node) const { return m_numbers->getInt(node, 0); }
+    int getClusterNumber(RVNode* node) const { return m_numbers.get(node); }
 
     void reset() override;
 
 private:
     rv::OwnedLists<RVDList> m_clusters;
-    rv::OwnedMap<rv::Values::Destroy> m_numbers;
+    rv::NodeColumn<int> m_numbers{this};
 };
 
 // Orderings of graph objects that carry boxed values in their slots. A value that is not there counts as 0.
@@ -142,42 +181,7 @@ public:
     int virtualCellCompare(RVDListCell* first, RVDListCell* second) const override;
 };
 
-// Records, and what the algorithms keep for the time of a run.
-
-// Per node of the inputs and of the output of a bipartitioning.
-class RV_EXPORT RVNodeExtensionRatioCut : public RVNodeAnalysisExtension {
-    RV_PLAIN_RECORD(RVNodeExtensionRatioCut)
-
-public:
-    RVNodeExtensionRatioCut() = default;
-    RVNodeExtensionRatioCut(RVNode* node, const RVAlgorithmData* data)
-        : RVNodeAnalysisExtension(node, data) {}
-
-    int weight() const { return m_weight; }
-    int weight(int value) { return m_weight = value; }
-    double x() const { return m_x; }
-    double x(double value) { return m_x = value; }
-
-private:
-    int m_weight = 1;
-    double m_x = 0.0;
-};
-
-// Per edge of the inputs.
-class RV_EXPORT RVEdgeExtensionRatioCutInput : public RVEdgeAnalysisExtension {
-    RV_PLAIN_RECORD(RVEdgeExtensionRatioCutInput)
-
-public:
-    RVEdgeExtensionRatioCutInput() = default;
-    RVEdgeExtensionRatioCutInput(RVEdge* edge, const RVAlgorithmData* data)
-        : RVEdgeAnalysisExtension(edge, data) {}
-
-    int cost() const { return m_cost; }
-    int cost(int value) { return m_cost = value; }
-
-private:
-    int m_cost = 1;
-};
+// What the algorithms keep for the time of a run.
 
 class RV_EXPORT RVNodeExtensionClusteringInternal : public RVNodeAnalysisExtension {
     RV_PLAIN_RECORD(RVNodeExtensionClusteringInternal)
@@ -219,28 +223,27 @@ private:
 // the object first, then the value, which they give.
 class RV_EXPORT RVClusteringInternalData : public RVAnalysisInternalData {
     RV_DATA_OBJECT(RVClusteringInternalData)
+    RV_NODE_RECORDS(RVNodeExtensionClusteringInternal)
+    RV_EDGE_RECORDS(RVEdgeExtensionClusteringInternal)
 
 public:
     RVClusteringInternalData() = default;
 
     // The node from which a node was copied.
-    RVNode* getLocalOriginalNode(RVNode* node) const { return nodeToRead(node).pLocalOriginalNode(); }
-    RVNode* setLocalOriginalNode(RVNode* node, RVNode* original);
-    // The present copy of a node.
-    RVNode* getLocalNewNode(RVNode* node) const { return nodeToRead(node).pLocalNewNode(); }
-    RVNode* setLocalNewNode(RVNode* node, RVNode* copy);
-    RVEdge* getLocalOriginalEdge(RVEdge* edge) const;
-    RVEdge* setLocalOriginalEdge(RVEdge* edge, RVEdge* original);
-    // The position of a node in the last bipartitioning.
-    double getX(RVNode* node) const { return nodeToRead(node).x(); }
-    double setX(RVNode* node, double x);
-
-protected:
-    RVNodeAlgorithmExtension* newNodeAlgorithmExtension(RVNode* node) override;
-    RVEdgeAlgorithmExtension* newEdgeAlgorithmExtension(RVEdge* edge) override;
-
-private:
-    const RVNodeExtensionClusteringInternal& nodeToRead(RVNode* node) const {
-        return constRecord<RVNodeExtensionClusteringInternal>(node);
+    RVNode* getLocalOriginalNode(RVNode* node) const { return load(node, &NodeRecord::pLocalOriginalNode); }
+    RVNode* setLocalOriginalNode(RVNode* node, RVNode* original) {
+        return store(node, &NodeRecord::pLocalOriginalNode, original);
     }
+    // The present copy of a node.
+    RVNode* getLocalNewNode(RVNode* node) const { return load(node, &NodeRecord::pLocalNewNode); }
+    RVNode* setLocalNewNode(RVNode* node, RVNode* copy) {
+        return store(node, &NodeRecord::pLocalNewNode, copy);
+    }
+    RVEdge* getLocalOriginalEdge(RVEdge* edge) const { return load(edge, &EdgeRecord::pLocalOriginalEdge); }
+    RVEdge* setLocalOriginalEdge(RVEdge* edge, RVEdge* original) {
+        return store(edge, &EdgeRecord::pLocalOriginalEdge, original);
+    }
+    // The position of a node in the last bipartitioning.
+    double getX(RVNode* node) const { return load(node, &NodeRecord::x); }
+    double setX(RVNode* node, double x) { return store(node, &NodeRecord::x, x); }
 };

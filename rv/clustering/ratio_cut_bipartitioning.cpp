@@ -30,20 +30,6 @@ RV_OBJECT_IMPL(RVRatioCutVariableSort)
 
 // Data
 
-double RVRatioCutBipartitioningInputData::setX(RVNode* node, double x) {
-    if (auto* own = record<RVNodeExtensionRatioCut>(node)) own->x(x);
-    return x;
-}
-
-double RVRatioCutBipartitioningOutputData::setX(RVNode* node, double x) {
-    if (auto* own = record<RVNodeExtensionRatioCut>(node)) own->x(x);
-    return x;
-}
-
-RVNodeAlgorithmExtension* RVRatioCutBipartitioningOutputData::newNodeAlgorithmExtension(RVNode* node) {
-    return newRecord<RVNodeExtensionRatioCut>(node);
-}
-
 void RVRatioCutBipartitioningOutputData::reset() {
     RVClusteringOutputData::reset();
     deleteDataReferences(pAssociatedGraph());

@@ -42,16 +42,18 @@ public:
     int hasInitialValue() const { return m_hasInitialValue; }
     int hasInitialValue(int flag) { return m_hasInitialValue = flag; }
     // Default 0.0. What is no number, or not between -1e100 and 1e100, counts as 0.0.
-    double getX(RVNode* node) const { return constRecord<RVNodeExtensionRatioCut>(node).x(); }
-    double setX(RVNode* node, double x);
+    double getX(RVNode* node) const { return m_x.get(node); }
+    double setX(RVNode* node, double x) { return m_x.store(node, x); }
 
 private:
     int m_hasInitialValue = 0;
+    rv::NodeColumn<double> m_x{this, &RVNodeExtensionRatioCut::x, &RVNodeExtensionRatioCut::x};
 };
 
 // Two clusters.
 class RV_EXPORT RVRatioCutBipartitioningOutputData : public RVClusteringOutputData {
     RV_DATA_OBJECT(RVRatioCutBipartitioningOutputData)
+    RV_NODE_RECORDS(RVNodeExtensionRatioCut)
 
 public:
     RVRatioCutBipartitioningOutputData() = default;
@@ -60,16 +62,14 @@ public:
     double totalCost() const { return m_totalCost; }
     double totalCost(double cost) { return m_totalCost = cost; }
     // The final position of a node.
-    double getX(RVNode* node) const { return constRecord<RVNodeExtensionRatioCut>(node).x(); }
-    double setX(RVNode* node, double x);
+    double getX(RVNode* node) const { return m_x.get(node); }
+    double setX(RVNode* node, double x) { return m_x.store(node, x); }
 
     void reset() override;
 
-protected:
-    RVNodeAlgorithmExtension* newNodeAlgorithmExtension(RVNode* node) override;
-
 private:
     double m_totalCost = 0.0;
+    rv::NodeColumn<double> m_x{this, &RVNodeExtensionRatioCut::x, &RVNodeExtensionRatioCut::x};
 };
 
 class RV_EXPORT RVRatioCutBipartitioningAlgorithm : public RVInternalAlgorithm {
