@@ -97,34 +97,7 @@ void RVAnalysisInputData::copyData(const RVAlgorithmInputData* other) {
     }
 }
 
-RVAlgorithmExtensionList* RVAnalysisInputData::pAlgorithmExtensionList(
-    RVGraphObjectExtensions* extensions) const {
-    return extensions->pAnalysisExtensions();
-}
-
-// Output data
-
-RVAlgorithmExtensionList* RVAnalysisOutputData::pAlgorithmExtensionList(
-    RVGraphObjectExtensions* extensions) const {
-    return extensions->pAnalysisExtensions();
-}
-
 // Internal data
-
-int RVAnalysisInternalData::directed(RVEdge* edge, int flag) {
-    if (auto* own = record<RVEdgeAnalysisExtension>(edge)) own->directed(flag);
-    return flag;
-}
-
-int RVAnalysisInternalData::dummyEdge(RVEdge* edge, int flag) {
-    if (auto* own = record<RVEdgeAnalysisExtension>(edge)) own->dummyEdge(flag);
-    return flag;
-}
-
-int RVAnalysisInternalData::removedAsMultiEdge(RVEdge* edge, int flag) {
-    if (auto* own = record<RVEdgeAnalysisExtension>(edge)) own->removedAsMultiEdge(flag);
-    return flag;
-}
 
 namespace {
 const RVEdgeDList kNoEdges;
@@ -148,17 +121,4 @@ RVEdgeDList* RVAnalysisInternalData::pMultiEdgeList(RVEdge* edge) const {
 RVEdgeDList* RVAnalysisInternalData::pReflexiveEdgeList(RVNode* node) const {
     auto* own = record<RVNodeAnalysisExtension>(node);
     return own == nullptr ? nullptr : own->pReflexiveEdgeList();
-}
-
-RVNodeAlgorithmExtension* RVAnalysisInternalData::newNodeAlgorithmExtension(RVNode* node) {
-    return newRecord<RVNodeAnalysisExtension>(node);
-}
-
-RVEdgeAlgorithmExtension* RVAnalysisInternalData::newEdgeAlgorithmExtension(RVEdge* edge) {
-    return newRecord<RVEdgeAnalysisExtension>(edge);
-}
-
-RVAlgorithmExtensionList* RVAnalysisInternalData::pAlgorithmExtensionList(
-    RVGraphObjectExtensions* extensions) const {
-    return extensions->pAnalysisExtensions();
 }

@@ -136,7 +136,6 @@ public:
 
 protected:
     virtual std::span<const RVInputField> inputFields() const;
-    RVAlgorithmExtensionList* pAlgorithmExtensionList(RVGraphObjectExtensions* extensions) const override;
 
 private:
     template <class Ask>
@@ -150,15 +149,14 @@ class RV_EXPORT RVAnalysisOutputData : public RVAlgorithmOutputData {
 
 public:
     RVAnalysisOutputData() = default;
-
-protected:
-    RVAlgorithmExtensionList* pAlgorithmExtensionList(RVGraphObjectExtensions* extensions) const override;
 };
 
 // What an algorithm keeps for the time of a run, beginning with what preprocessing detached. A copy starts
 // with the defaults of this class.
 class RV_EXPORT RVAnalysisInternalData : public RVAlgorithmData {
     RV_DATA_OBJECT(RVAnalysisInternalData)
+    RV_NODE_RECORDS(RVNodeAnalysisExtension)
+    RV_EDGE_RECORDS(RVEdgeAnalysisExtension)
 
 public:
     RVAnalysisInternalData() = default;
@@ -174,12 +172,14 @@ public:
     }
 
     // Values of the objects' records. Setters give the value that they stored.
-    int directed(RVEdge* edge) const { return edgeRecordToRead(edge).directed(); }
-    int directed(RVEdge* edge, int flag);
-    int dummyEdge(RVEdge* edge) const { return edgeRecordToRead(edge).dummyEdge(); }
-    int dummyEdge(RVEdge* edge, int flag);
-    int removedAsMultiEdge(RVEdge* edge) const { return edgeRecordToRead(edge).removedAsMultiEdge(); }
-    int removedAsMultiEdge(RVEdge* edge, int flag);
+    int directed(RVEdge* edge) const { return load(edge, &EdgeRecord::directed); }
+    int directed(RVEdge* edge, int flag) { return store(edge, &EdgeRecord::directed, flag); }
+    int dummyEdge(RVEdge* edge) const { return load(edge, &EdgeRecord::dummyEdge); }
+    int dummyEdge(RVEdge* edge, int flag) { return store(edge, &EdgeRecord::dummyEdge, flag); }
+    int removedAsMultiEdge(RVEdge* edge) const { return load(edge, &EdgeRecord::removedAsMultiEdge); }
+    int removedAsMultiEdge(RVEdge* edge, int flag) {
+        return store(edge, &EdgeRecord::removedAsMultiEdge, flag);
+    }
     // The lists, for walking: empty where none was made.
     const RVEdgeDList& multiEdges(RVEdge* edge) const;
     const RVEdgeDList& reflexiveEdges(RVNode* node) const;
@@ -187,16 +187,7 @@ public:
     RVEdgeDList* pMultiEdgeList(RVEdge* edge) const;
     RVEdgeDList* pReflexiveEdgeList(RVNode* node) const;
 
-protected:
-    RVNodeAlgorithmExtension* newNodeAlgorithmExtension(RVNode* node) override;
-    RVEdgeAlgorithmExtension* newEdgeAlgorithmExtension(RVEdge* edge) override;
-    RVAlgorithmExtensionList* pAlgorithmExtensionList(RVGraphObjectExtensions* extensions) const override;
-
 private:
-    const RVEdgeAnalysisExtension& edgeRecordToRead(RVEdge* edge) const {
-        return constRecord<RVEdgeAnalysisExtension>(edge);
-    }
-
     rv::Uncopied<rv::Owned<RVNodeDList>> m_disconnectedNodes;
     rv::Uncopied<RVServiceErrorCodeEnum> m_returnCode = RV_NO_ERROR;
 };
