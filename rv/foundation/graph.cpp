@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <chrono>
 #include <cstring>
+#include <exception>
 #include <utility>
 
 #include "rv/foundation/graph_access.h"
@@ -503,9 +504,15 @@ void RVGraph::adopt(RVGraphMember* member) {
         m_hasForeignEdges = from->m_hasForeignEdges = true;
         for (RVDListCell* cell : waiting) wait(static_cast<RVNode*>(member), cell);
     }
+    std::exception_ptr failure;  // of the first that fails; the others hear all the same
     for (std::size_t i = from->m_observers.size(); i > 0; --i) {
-        from->m_observers[i - 1]->memberMoved(member, from, indexThere);
+        try {
+            from->m_observers[i - 1]->memberMoved(member, from, indexThere);
+        } catch (...) {
+            if (failure == nullptr) failure = std::current_exception();
+        }
     }
+    if (failure != nullptr) std::rethrow_exception(failure);
 }
 
 void RVGraph::setName(RVGraphMember* member, const wchar_t* text) {

@@ -1,9 +1,9 @@
 // What algorithms read and write: data objects, and the records that they keep on nodes and edges.
 //
-// A data object is about a graph, its associated graph. Per node and per edge it keeps values in records,
-// made when they are first needed by its virtual factories newNodeAlgorithmExtension and
-// newEdgeAlgorithmExtension; a record stays through detaching and re-attaching of its object. It also maps
-// the objects of one graph to their copies in another and back.
+// A data object is about a graph, its associated graph. Values per node and per edge stand in columns (see
+// columns.h) or in records, made when they are first needed by its virtual factories
+// newNodeAlgorithmExtension and newEdgeAlgorithmExtension; a record stays through detaching and re-attaching
+// of its object. It also maps the objects of one graph to their copies in another and back.
 //
 // A caller's factory gives `new MyRecord(node, this)`; the data owns it from then on.
 //

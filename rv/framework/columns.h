@@ -61,9 +61,11 @@ private:
 
     bool isOf(const RVGraphMember* member) const { return member->isNode() == m_isOfNodes; }
 
-    // The data's calls. The object ends, or has come from another graph; its record takes the value over.
-    virtual void erase(const RVGraphMember* member) noexcept = 0;
-    virtual void move(const RVGraphMember* member, const RVGraph* from, std::size_t placeThere) = 0;
+    // The data's calls. An object ends, comes from another graph, for which room is made before, or gets a
+    // record, which takes the value over.
+    virtual void erase(const RVGraph* graph, std::size_t place) noexcept = 0;
+    virtual void makeRoom(RVGraph* graph, const RVGraph* from, std::size_t placeThere) = 0;
+    virtual void move(const RVGraphMember* member, const RVGraph* from, std::size_t placeThere) noexcept = 0;
     virtual void giveTo(RVAlgorithmExtension* record) noexcept = 0;
     // All values end, or those of one graph's objects.
     virtual void drop(const RVGraph* graph) noexcept = 0;
@@ -130,7 +132,8 @@ public:
     // REQUIRES: usable().
     std::span<const T> values(const RVGraph* graph) const {
         const auto found = m_arrays.find(graph);
-        return found == m_arrays.end() ? std::span<const T>() : std::span<const T>(found->second);
+        if (found == m_arrays.end()) return {};
+        return std::span<const T>(found->second).first(std::min(found->second.size(), limitOf(graph)));
     }
     // The same wherever the values are. Those of attached objects are gathered in the given space if they may
     // be in records.
@@ -161,6 +164,13 @@ public:
 
     // How many values below 0 are in the column.
     std::size_t negatives() const requires kCountsNegatives { return m_negatives; }
+    // Whether a value of the graph's attached objects is below 0. O(1) if none is and all are in the column.
+    bool hasNegatives(const RVGraph* graph) const requires kCountsNegatives {
+        if (m_negatives == 0 && usable()) return false;
+        const auto& objects = listOf(graph);
+        return std::any_of(objects.begin(), objects.end(),
+                           [this](Object* object) { return get(object) < 0; });
+    }
 
 private:
     using Read = T (RVAlgorithmExtension::*)() const;
@@ -182,12 +192,15 @@ private:
     T at(const Buffer<T>& values, std::size_t place) const {
         return place < values.size() ? values[place] : m_default;
     }
+    T valueAt(const RVGraph* graph, std::size_t place) const {
+        const auto found = m_arrays.find(graph);
+        return found == m_arrays.end() ? m_default : at(found->second, place);
+    }
     T getAnywhere(Object* object) const {
         if (object == nullptr) return m_default;
         if (const auto record = recordOf(object))
             return *record == nullptr ? m_default : ((*record)->*m_read)();
-        const auto found = m_arrays.find(object->pHomeGraph());
-        return found == m_arrays.end() ? m_default : at(found->second, placeOf(object));
+        return valueAt(object->pHomeGraph(), placeOf(object));
     }
     void storeAnywhere(Object* object, T value) {
         if (object == nullptr) return;
@@ -210,9 +223,9 @@ private:
         observe(graph);
         return m_arrays[graph];
     }
+    // Grows by more than is asked for, as objects and their values often come in turns.
     void cover(Buffer<T>& array, std::size_t size) const {
-        if (size > array.capacity()) array.reserve(std::max(size, 2 * array.capacity()));
-        if (size > array.size()) array.resize(size, m_default);
+        if (size > array.size()) array.resize(std::max(size, 2 * array.size()), m_default);
     }
     void quicken(const RVGraph* graph, Buffer<T>& array) {
         m_quickGraph = graph;
@@ -235,29 +248,28 @@ private:
         for (const T value : array) count(value, m_default);
     }
 
-    void erase(const RVGraphMember* member) noexcept override {
-        const auto found = m_arrays.find(member->pHomeGraph());
-        if (found == m_arrays.end() || placeOf(member) >= found->second.size()) return;
-        set(found->second[placeOf(member)], m_default);
+    void erase(const RVGraph* graph, std::size_t place) noexcept override {
+        const auto found = m_arrays.find(graph);
+        if (found != m_arrays.end() && place < found->second.size()) set(found->second[place], m_default);
     }
-    // If memory runs out, the value is lost, and not found again by a later object of that place.
-    void move(const RVGraphMember* member, const RVGraph* from, std::size_t placeThere) override {
-        const auto found = m_arrays.find(from);
-        if (found == m_arrays.end() || at(found->second, placeThere) == m_default) return;
-        const T value = found->second[placeThere];
-        set(found->second[placeThere], m_default);
-        RVGraph* const graph = member->pHomeGraph();
+    void makeRoom(RVGraph* graph, const RVGraph* from, std::size_t placeThere) override {
+        if (valueAt(from, placeThere) == m_default) return;
         Buffer<T>& array = arrayOf(graph);
         m_quickGraph = nullptr;
         cover(array, limitOf(graph));
-        set(array[placeOf(member)], value);
+    }
+    void move(const RVGraphMember* member, const RVGraph* from, std::size_t placeThere) noexcept override {
+        const T value = valueAt(from, placeThere);
+        if (value == m_default) return;
+        erase(from, placeThere);
+        set(m_arrays.find(member->pHomeGraph())->second[placeOf(member)], value);
     }
     void giveTo(RVAlgorithmExtension* record) noexcept override {
         const auto* member = static_cast<const RVGraphMember*>(record->pOwner());
-        const auto found = m_arrays.find(member->pHomeGraph());
-        if (found == m_arrays.end() || at(found->second, placeOf(member)) == m_default) return;
-        (record->*m_write)(found->second[placeOf(member)]);
-        set(found->second[placeOf(member)], m_default);
+        const T value = valueAt(member->pHomeGraph(), placeOf(member));
+        if (value == m_default) return;
+        (record->*m_write)(value);
+        erase(member->pHomeGraph(), placeOf(member));
     }
     void drop(const RVGraph* graph) noexcept override {
         const auto found = m_arrays.find(graph);
@@ -280,7 +292,7 @@ template <class T>
 using NodeColumn = MemberColumn<RVNode, T>;
 template <class T>
 using EdgeColumn = MemberColumn<RVEdge, T>;
-// Numbers of which it is known how many are below 0.
+// Costs, capacities and the like, of which it is known how many are below 0.
 using NodeCosts = MemberColumn<RVNode, int, true>;
 using EdgeCosts = MemberColumn<RVEdge, int, true>;
 

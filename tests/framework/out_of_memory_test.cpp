@@ -108,4 +108,77 @@ TEST(OutOfMemoryOfData, LeavesNoMappingToACopyThatFailed) {
     EXPECT_EQ(data.pCopyNode(g.node("a")), g.node("a")) << "the copy is gone";
 }
 
+// What data know of a node that cannot be moved goes with it or is lost; it is never found where the node
+// was.
+TEST(OutOfMemoryOfData, LeavesNothingOfAMovedNodeWhereItWas) {
+    failsOnce = true;
+    bool isDone = false;
+    int againAtItsPlace = 0;
+    for (int allocations = 0; !isDone; ++allocations) {
+        const TestGraph g("a b c");
+        const TestGraph other("d");
+        RVPathCostInputData columns(g);
+        RVDijkstraOutputData outputs[2];
+        columns.cost(g.node("a"), -5);
+        for (auto& output : outputs) output.dist(g.node("a"), 7);
+        outputs[1].pAlgorithmExtension(g.node("a"));
+        columns.pCopyNode(g.node("a"), g.node("b"));
+        columns.pCopyNode(g.node("b"), g.node("a"));
+        columns.pCopyNode(g.node("c"), g.node("a"));
+        RVNode* const moved = g->removeNode(g.node("a"));
+        const int index = moved->denseIndex();
+        allocationsLeft = allocations;
+        bool isMoved = false;
+        try {
+            isMoved = other->insertNode(moved) == moved;
+        } catch (const std::bad_alloc&) {
+        }
+        isDone = allocationsLeft >= 0;  // none has failed
+        allocationsLeft = -1;
+        const bool isThere = moved->pHomeGraph() == other.get();
+        const bool isComplete = isMoved || !isThere;
+        EXPECT_TRUE(columns.cost(moved) == -5 || (!isComplete && columns.cost(moved) == 0));
+        EXPECT_EQ(columns.nodeCosts().negatives(), columns.cost(moved) == 0 ? 0U : 1U);
+        for (auto& output : outputs) {
+            EXPECT_TRUE(output.dist(moved) == 7 || (!isComplete && output.dist(moved) == -100));
+        }
+        EXPECT_TRUE(columns.pCopyNode(moved) == g.node("b") ||
+                    (!isComplete && columns.pCopyNode(moved) == moved));
+        RVNode* const made = g->addNode();  // where the moved node was, as a rule
+        againAtItsPlace += isThere && made->denseIndex() == index ? 1 : 0;
+        EXPECT_EQ(columns.cost(made), 0);
+        EXPECT_EQ(columns.pCopyNode(made), made);
+        for (auto& output : outputs) EXPECT_EQ(output.dist(made), -100);
+        delete moved;
+        EXPECT_EQ(columns.pCopyNode(g.node("c")), g.node("c"));
+        EXPECT_EQ(columns.nodeCosts().negatives(), 0U);
+    }
+    EXPECT_GT(againAtItsPlace, 3);
+}
+
+// A value that cannot be stored leaves what was stored before.
+TEST(OutOfMemoryOfData, LeavesColumnsAsTheyWereWhenTheyCannotGrow) {
+    for (int allocations = 0, stored = 0; stored < 2; ++allocations) {
+        const TestGraph g("a b");
+        RVPathCostInputData data(g);
+        data.cost(g.node("a"), -1);
+        RVNode* const late = g->addNode();
+        stored = 0;
+        allocationsLeft = allocations;
+        try {
+            data.cost(late, -2);
+            ++stored;
+            const RVPathCostInputData copy(data);
+            ++stored;
+            allocationsLeft = -1;
+            EXPECT_EQ(copy.cost(late) + copy.cost(g.node("a")), -3);
+        } catch (const std::bad_alloc&) {
+        }
+        allocationsLeft = -1;
+        EXPECT_EQ(data.cost(g.node("a")), -1);
+        EXPECT_EQ(data.cost(late), stored == 0 ? 0 : -2);
+        EXPECT_EQ(data.nodeCosts().negatives(), stored == 0 ? 1U : 2U);
+    }
+}
+
 }  // namespace
