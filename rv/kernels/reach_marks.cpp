@@ -17,7 +17,6 @@ ReachMarks::ReachMarks(const SearchSpace& space, Pulse& pulse)
     m_ends.reserve(groups.size());
     Buffer<Index> lastSources(groups.size(), Index{kNoIndex});  // by component, the last that leads to it
     for (Index group = 0; group < groups.size(); ++group) {
-        lastSources[group] = group;
         for (const Index node : groups[group]) {
             pulse.beat(1 + std::int64_t{space.arcs.degree(node)});
             for (const Index target : space.arcs.targetsOf(node)) {

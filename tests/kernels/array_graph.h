@@ -2,8 +2,10 @@
 #pragma once
 
 #include <algorithm>
+#include <cstdint>
 #include <map>
 #include <random>
+#include <span>
 #include <sstream>
 #include <string>
 #include <utility>
@@ -16,15 +18,27 @@ namespace rvtest {
 using rv::Index;
 using rv::kNoIndex;
 
-// Numbers below a limit, drawn the same way by every standard library.
+// Numbers below a limit: drawn, the same ones by every standard library, or read from bytes and 0 after them.
 class Dice {
 public:
     explicit Dice(std::uint64_t seed) : m_engine(seed) {}
-    Index below(Index limit) { return static_cast<Index>(m_engine() % limit); }
-    bool oneIn(Index count) { return below(count) == 0; }
+    explicit Dice(std::span<const std::uint8_t> bytes) : m_bytes(bytes), m_areGiven(true) {}
+    Index below(Index limit) { return static_cast<Index>((m_areGiven ? read(limit) : m_engine()) % limit); }
+    bool oneIn(Index count) { return below(count) == count - 1; }
 
 private:
+    std::uint64_t read(Index limit) {
+        std::uint64_t value = 0;
+        for (; limit > 0; limit >>= 8) {
+            value = value << 8 | (m_bytes.empty() ? 0U : m_bytes.front());
+            m_bytes = m_bytes.subspan(m_bytes.empty() ? 0 : 1);
+        }
+        return value;
+    }
+
     std::mt19937_64 m_engine;
+    std::span<const std::uint8_t> m_bytes;
+    bool m_areGiven = false;
 };
 
 // Owns arcs of all nodes.
@@ -199,6 +213,15 @@ inline ArrayGraph randomArrays(Dice& dice) {
         graph.twoWay[edge] = isMixed && dice.oneIn(3);
     }
     return graph;
+}
+
+// Up to forty nodes, so that levels have many nodes and there are many shortest paths.
+inline ArrayGraph randomDigraph(Dice& dice) {
+    const Index nodes = 2 + dice.below(39);
+    std::vector<std::pair<Index, Index>> pairs;
+    for (Index left = nodes / 2 + dice.below(3 * nodes); left > 0; --left)
+        pairs.emplace_back(dice.below(nodes), dice.below(nodes));
+    return ArrayGraph::plain(nodes, pairs);
 }
 
 }  // namespace rvtest
