@@ -127,12 +127,6 @@ std::shared_ptr<const FlatGraph> snapshotForPart(const RVGraph* graph) {
     return nullptr;
 }
 
-std::shared_ptr<const FlatGraph> keptSnapshot(const RVGraph* graph) {
-    const std::lock_guard lock(GraphAccess::mutex(graph));
-    const SnapshotCache& cache = cacheOf(graph);
-    return cache.isKept(graph) ? cache.flat : nullptr;
-}
-
 void noteWalk(const RVGraph* graph, std::size_t arcs) {
     const std::lock_guard lock(GraphAccess::mutex(graph));
     SnapshotCache& cache = cacheOf(graph);

@@ -19,8 +19,6 @@ namespace rv {
 
 // The graph as it is now. Built unless it is kept; kept until the graph changes.
 std::shared_ptr<const FlatGraph> snapshotOf(const RVGraph* graph);
-// The same if it is kept, else nullptr.
-std::shared_ptr<const FlatGraph> keptSnapshot(const RVGraph* graph);
 
 // For a question about a part of the graph: the kept snapshot, or a new one once walks over objects have touched more
 // than the graph, else nullptr. Then GraphAccess::nodes tells the nodes by their numbers.
