@@ -6,9 +6,9 @@
 // Codes of run: RV_NO_ERROR, RV_NO_INPUT_GRAPH, RV_NO_GRAPH_FACTORY, then RV_NO_SOURCE_NODE,
 // RV_SOURCE_NODE_NOT_IN_GRAPH, RV_NO_TARGET_NODE, RV_TARGET_NODE_NOT_IN_GRAPH, RV_ALGORITHM_FAILURE when the
 // search for the path fails, and the framework's.
-// Method: searches from both ends that take steps in turn, so that a test costs at most twice what the cheaper of the two
-// would alone, and nothing for the rest of the graph. O(n + m) time and space at worst; an object of a subclass runs on
-// hooks and a copy, O(n + m).
+// Method: searches from both ends that take steps in turn, so that a test costs at most twice what the
+// cheaper of the two would alone, and nothing for the rest of the graph. O(n + m) time and space at worst; an
+// object of a subclass runs on hooks and a copy, O(n + m).
 //
 //   RVNewCycleTestAlgorithm test;
 //   RVNewCycleTestInputData input(graph);

@@ -24,7 +24,6 @@
 //   if (flow.run() == RV_NO_ERROR) use(output.totalFlow(), output.flow(edge));
 #pragma once
 
-
 #include "rv/flow/flow_data.h"
 #include "rv/framework/base_graph_algorithm.h"
 #include "rv/framework/columns.h"

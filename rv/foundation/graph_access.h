@@ -5,9 +5,9 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
-#include <typeinfo>
 #include <mutex>
 #include <span>
+#include <typeinfo>
 #include <vector>
 
 #include "rv/foundation/graph.h"

@@ -20,8 +20,8 @@ namespace rv {
 // The graph as it is now. Built unless it is kept; kept until the graph changes.
 std::shared_ptr<const FlatGraph> snapshotOf(const RVGraph* graph);
 
-// For a question about a part of the graph: the kept snapshot, or a new one once walks over objects have touched more
-// than the graph, else nullptr. Then GraphAccess::nodes tells the nodes by their numbers.
+// For a question about a part of the graph: the kept snapshot, or a new one once walks over objects have
+// touched more than the graph, else nullptr. Then GraphAccess::nodes tells the nodes by their numbers.
 std::shared_ptr<const FlatGraph> snapshotForPart(const RVGraph* graph);
 // A walk over objects has followed so many arcs.
 void noteWalk(const RVGraph* graph, std::size_t arcs);

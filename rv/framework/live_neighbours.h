@@ -1,5 +1,5 @@
-// The neighbours of nodes over the lists of the graph itself, for searches that touch little of it (two_sided.h).
-// Internal to the library, not installed.
+// The neighbours of nodes over the lists of the graph itself, for searches that touch little of it
+// (two_sided.h). Internal to the library, not installed.
 #pragma once
 
 #include "rv/foundation/graph_access.h"

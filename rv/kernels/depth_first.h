@@ -38,7 +38,7 @@ inline int kindOfParallel(int kindOfFollowed, bool pointsForward, bool isUndirec
 // tree edge if one of them is. isUndirected(edge) tells whether a forward edge counts as a back edge.
 template <class Kind, class IsUndirected>
 Buffer<Kind> edgeKinds(const SearchSpace& space, const DepthFirst& search, IsUndirected isUndirected,
-                      Pulse& pulse) {
+                       Pulse& pulse) {
     Buffer<Kind> kinds(space.order.ends.size(), static_cast<Kind>(kNoKind));
     for (Index node = 0; node < space.nodeLimit(); ++node) {
         const int number = search.numbers[node];

@@ -3,7 +3,8 @@
 //
 // Codes of run: RV_NO_ERROR, RV_NO_INPUT_GRAPH, RV_NO_GRAPH_FACTORY, RV_ALGORITHM_FAILURE when the
 // topological sort that it runs fails, and the framework's. Debug mode then prints the sort's code.
-// O(n + m) time and space, in arrays made of the caller's graph; an object of a subclass runs on hooks and a copy.
+// O(n + m) time and space, in arrays made of the caller's graph; an object of a subclass runs on hooks and a
+// copy.
 //
 //   RVAcyclicTestAlgorithm test;
 //   RVAcyclicTestInputData input(graph);

@@ -2,9 +2,9 @@
 
 #include <utility>
 
+#include "rv/framework/graph_snapshot.h"
 #include "rv/framework/member_lists.h"
 #include "rv/framework/run_pulse.h"
-#include "rv/framework/graph_snapshot.h"
 #include "rv/kernels/connected_components.h"
 #include "rv/kernels/flat_graph.h"
 

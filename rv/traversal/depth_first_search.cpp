@@ -38,7 +38,8 @@ namespace {
 
 using Kinds = rv::Buffer<RVAnalysisEdgeTypeEnum>;
 
-// The kinds of what was left out of the search: the loops of nodes, and the parallels of edges, that it reached.
+// The kinds of what was left out of the search: the loops of nodes, and the parallels of edges, that it
+// reached.
 void addKindsOfLeftOut(const rv::SearchView& view, const rv::DepthFirst& search, Kinds& kinds) {
     const rv::SimpleGraph& graph = view.graph();
     for (const rv::Index node : search.order) {
@@ -68,9 +69,8 @@ std::optional<RVServiceErrorCodeEnum> RVDepthFirstSearchAlgorithm::answer() {
     rv::RunPulse pulse(pRunControl(), "depth-first search", graph->numberOfEdges());
     const rv::SearchView view(*input);
     const RVNode* start = input->pStartNode();
-    rv::DepthFirst search = start == nullptr
-                                ? rv::depthFirst(view.space(), pulse)
-                                : rv::depthFirst(view.space().arcs, rv::indexOf(start), pulse);
+    rv::DepthFirst search = start == nullptr ? rv::depthFirst(view.space(), pulse)
+                                             : rv::depthFirst(view.space().arcs, rv::indexOf(start), pulse);
     Kinds kinds = rv::edgeKinds<RVAnalysisEdgeTypeEnum>(
         view.space(), search, [&](rv::Index edge) { return view.isUndirected(edge); }, pulse);
     if (view.graph().leavesOut()) addKindsOfLeftOut(view, search, kinds);

@@ -6,9 +6,9 @@
 //
 // Codes of run: RV_NO_ERROR, RV_NO_INPUT_GRAPH, RV_NO_GRAPH_FACTORY, then RV_NO_START_NODE,
 // RV_START_NODE_NOT_IN_GRAPH, RV_NO_FINISH_NODE, RV_FINISH_NODE_NOT_IN_GRAPH, and the framework's.
-// Method: breadth-first searches from both ends, which cost what they touch; where no path exists, the nodes that can be
-// reached and their edges. O(n + m) time and space at worst; an object of a subclass runs on the hooks of a
-// breadth-first search that stops at the finish node.
+// Method: breadth-first searches from both ends, which cost what they touch; where no path exists, the nodes
+// that can be reached and their edges. O(n + m) time and space at worst; an object of a subclass runs on the
+// hooks of a breadth-first search that stops at the finish node.
 //
 //   RVPathExistsTestAlgorithm test;
 //   RVPathExistsTestInputData input(graph);

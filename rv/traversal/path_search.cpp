@@ -7,9 +7,10 @@ namespace rv {
 
 namespace {
 
-// Arcs back are those of the edges that come in, or, where all edges are followed both ways, the arcs themselves. Where
-// single edges are, the search goes forward only.
-bool findInSnapshot(const RVTraversalInputData& input, Index from, Index to, TwoSidedScratch& scratch, Pulse& pulse) {
+// Arcs back are those of the edges that come in, or, where all edges are followed both ways, the arcs
+// themselves. Where single edges are, the search goes forward only.
+bool findInSnapshot(const RVTraversalInputData& input, Index from, Index to, TwoSidedScratch& scratch,
+                    Pulse& pulse) {
     const SearchView view(input);
     const Arcs& arcs = view.space().arcs;
     if (input.undirected() != 0) return shortestPath(ArcNeighbours(arcs, arcs), from, to, scratch, pulse);
@@ -20,8 +21,8 @@ bool findInSnapshot(const RVTraversalInputData& input, Index from, Index to, Two
 
 }  // namespace
 
-// The lists of the graph itself show the same as the snapshot where the first of parallel edges in an out-list is the
-// first in the graph, and no edge is followed both ways.
+// The lists of the graph itself show the same as the snapshot where the first of parallel edges in an
+// out-list is the first in the graph, and no edge is followed both ways.
 PathSearch::PathSearch(const RVTraversalInputData& input, const RVNode* from, const RVNode* to, Pulse& pulse)
     : m_scratch(input.pAssociatedGraph()) {
     const RVGraph* graph = input.pAssociatedGraph();

@@ -1,4 +1,5 @@
-// A path of fewest edges between two nodes, as the path exists test gives it. Internal to the library, not installed.
+// A path of fewest edges between two nodes, as the path exists test gives it. Internal to the library, not
+// installed.
 #pragma once
 
 #include <span>

@@ -1,5 +1,5 @@
-// The snapshot of a search's graph, as its input says which edges are followed both ways. Internal to the library, not
-// installed.
+// The snapshot of a search's graph, as its input says which edges are followed both ways. Internal to the
+// library, not installed.
 #pragma once
 
 #include <memory>

@@ -32,8 +32,8 @@ RVServiceErrorCodeEnum RVStronglyConnectedComponentsAlgorithm::checkData() { ret
 
 namespace {
 
-// The edges inside a component, node after node: each node's kept edges, every one followed by its parallels, and then
-// its loops.
+// The edges inside a component, node after node: each node's kept edges, every one followed by its parallels,
+// and then its loops.
 void listEdges(const rv::SimpleGraph& graph, const rv::Components& components, rv::Index group,
                rv::Buffer<rv::Index>& edges) {
     const rv::Arcs& arcs = graph.space.arcs;

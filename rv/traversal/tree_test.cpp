@@ -38,8 +38,8 @@ RVServiceErrorCodeEnum RVTreeTestAlgorithm::algorithmBody() {
     return RV_NO_ERROR;
 }
 
-// Without a cycle no edge joins what hangs together already. If no node has more than one in-edge, every tree has one
-// node without: it has one edge less than it has nodes.
+// Without a cycle no edge joins what hangs together already. If no node has more than one in-edge, every tree
+// has one node without: it has one edge less than it has nodes.
 bool RVTreeTestAlgorithm::isForest(const RVGraph* graph) const {
     const auto flat = rv::snapshotOf(graph);
     const rv::GraphOrder order = flat->order();

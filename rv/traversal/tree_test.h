@@ -4,9 +4,9 @@
 // node without in-edges, and no node more than one in-edge. Self-loops and parallel edges count as edges, so
 // a graph with either is neither. The empty graph is a tree but no forest.
 //
-// Codes of run: RV_NO_ERROR, RV_NO_INPUT_GRAPH, RV_NO_GRAPH_FACTORY, RV_ALGORITHM_FAILURE when the graph has lost its
-// factory meanwhile, and the framework's. Debug mode then prints the code.
-// O(n) time and space where there are fewer edges than nodes, otherwise O(1).
+// Codes of run: RV_NO_ERROR, RV_NO_INPUT_GRAPH, RV_NO_GRAPH_FACTORY, RV_ALGORITHM_FAILURE when the graph has
+// lost its factory meanwhile, and the framework's. Debug mode then prints the code. O(n) time and space where
+// there are fewer edges than nodes, otherwise O(1).
 //
 //   RVTreeTestAlgorithm test;
 //   RVTreeTestInputData input(graph);

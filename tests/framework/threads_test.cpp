@@ -1,5 +1,5 @@
-// Threads with graphs of their own, which share nothing but their factory, and threads that ask about one graph. Meant
-// for the thread sanitizer.
+// Threads with graphs of their own, which share nothing but their factory, and threads that ask about one
+// graph. Meant for the thread sanitizer.
 
 #include <gtest/gtest.h>
 
@@ -49,8 +49,8 @@ template <class R>
 class SharedGraph : public testing::Test {};
 TYPED_TEST_SUITE(SharedGraph, Sharing, AlgorithmNames);
 
-// Each thread makes, binds and destroys its own data again and again, and different threads ask different questions.
-// Between the rounds the graph changes.
+// Each thread makes, binds and destroys its own data again and again, and different threads ask different
+// questions. Between the rounds the graph changes.
 TYPED_TEST(SharedGraph, GivesEveryThreadTheAnswersOfOne) {
     const TestGraph g(randomText(7, {.nodes = 40, .edges = 200, .undirected = 25}));
     const auto answer = [&g](int flag, int range) {
@@ -68,7 +68,8 @@ TYPED_TEST(SharedGraph, GivesEveryThreadTheAnswersOfOne) {
         for (int thread = 0; thread < 4; ++thread) threads.emplace_back(ask, thread);
         for (std::thread& thread : threads) thread.join();
         for (int thread = 0; thread < 4; ++thread) {
-            for (int turn = 0; turn < 5; ++turn) EXPECT_EQ(answers[thread][turn], answer(thread % 2, turn - 1));
+            for (int turn = 0; turn < 5; ++turn)
+                EXPECT_EQ(answers[thread][turn], answer(thread % 2, turn - 1));
         }
         g->discardEdge(g->pFirstEdge());
         if (round == 1) g->pLastEdge()->invertDirection();
