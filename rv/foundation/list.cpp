@@ -47,10 +47,16 @@ RVObject* RVDList::pObjectInPosition(int i) const {
     return cell == nullptr ? nullptr : cell->pObject();
 }
 
-RVDListCell* RVDList::newCell(RVObject* object) {
+// A pool for new cells.
+rv::CellPool& RVDList::ownPool() {
     if (m_pPool == nullptr) m_pPool = rv::CellPool::create(sizeof(RVDListCell));
-    return ::new (m_pPool->allocate()) RVDListCell(object);
+    if (m_pPool->isShared()) m_pPool = rv::CellPool::createOnTop(m_pPool);
+    return *m_pPool;
 }
+
+RVDListCell* RVDList::newCell(RVObject* object) { return ::new (ownPool().allocate()) RVDListCell(object); }
+
+void* RVDList::newRun(std::size_t& count) { return ownPool().allocateRun(count); }
 
 RVDListCell* RVDList::newLastCell(RVObject* object) {
     if (m_readOnly) return nullptr;
@@ -110,7 +116,11 @@ void RVDList::forgetCells() {
 
 void RVDList::releaseCells() {
     if (m_pPool == nullptr) return;
-    if (m_pPool->hasSetAside()) {
+    if (m_pPool->isShared()) {
+        m_pPool->abandon();
+        m_pPool = nullptr;
+        ++m_releases;
+    } else if (m_pPool->hasSetAside()) {
         for (RVDListCell* cell = m_pFirst; cell != nullptr;) {
             RVDListCell* next = cell->m_pNext;
             m_pPool->recycle(cell);

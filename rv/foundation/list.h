@@ -14,6 +14,8 @@
 // been taken out of its list ends.
 #pragma once
 
+#include <cassert>
+#include <cstddef>
 #include <cstdint>
 #include <new>
 
@@ -22,6 +24,8 @@
 namespace rv {
 class CellPool;
 class GraphAccess;
+class ListAccess;
+class SharedCells;
 }  // namespace rv
 
 class RV_EXPORT RVDListCell {
@@ -51,6 +55,7 @@ private:
     friend class RVBinTree;
     friend class RVDListSort;
     friend class rv::GraphAccess;
+    friend class rv::ListAccess;
     friend class RVNode;
     friend class RVEdge;
 
@@ -147,11 +152,15 @@ private:
     friend class RVBinTree;
     friend class RVDListSort;
     friend class rv::GraphAccess;
+    friend class rv::ListAccess;
+    friend class rv::SharedCells;
     friend class RVGraph;
     friend class RVNode;
     friend class RVEdge;
 
+    rv::CellPool& ownPool();
     RVDListCell* newCell(RVObject* object);
+    void* newRun(std::size_t& count);
     void linkLast(RVDListCell* cell);
     void linkFirst(RVDListCell* cell);
     void linkBefore(RVDListCell* cell, RVDListCell* place);
@@ -161,7 +170,7 @@ private:
 
     RVDListCell* m_pFirst = nullptr;
     RVDListCell* m_pLast = nullptr;
-    rv::CellPool* m_pPool = nullptr;
+    rv::CellPool* m_pPool = nullptr;  // where its cells are; others may have cells there as well
     int m_length = 0;
     std::uint32_t m_releases : 30 = 0;
     bool m_readOnly : 1 = false;
@@ -216,6 +225,30 @@ public:
 
 private:
     RVDListCell* m_pCell;
+};
+
+// What the library does with lists beyond their public operations.
+class ListAccess {
+public:
+    // Appends get(0) up to get(count - 1), whose cells are made at once. Some may have been appended when
+    // memory fails.
+    // REQUIRES: the list keeps no order of its own, and is no graph's own list.
+    template <class Get>
+    static void append(RVDList& list, std::size_t count, Get get) {
+        assert(!list.m_readOnly && !list.m_sorted);
+        append(list, count, get, [&list](std::size_t& run) { return list.newRun(run); });
+    }
+    // The same with memory for cells from newRun(run), which says for how many.
+    template <class Get, class NewRun>
+    static void append(RVDList& list, std::size_t count, Get get, NewRun newRun) {
+        for (std::size_t i = 0; i < count;) {
+            std::size_t run = count - i;
+            auto* cell = static_cast<RVDListCell*>(newRun(run));
+            for (const std::size_t end = i + run; i < end; ++i, ++cell) {
+                list.linkLast(::new (static_cast<void*>(cell)) RVDListCell(get(i)));
+            }
+        }
+    }
 };
 
 }  // namespace rv

@@ -35,6 +35,20 @@ public:
         return slot;
     }
 
+    // Gives slots side by side, at least one and at most so many, and says how many.
+    void* allocateRun(std::size_t& count) {
+        if (m_free != nullptr) {
+            count = 1;
+            return allocate();
+        }
+        if (m_bump == m_end) grow();
+        const auto left = static_cast<std::size_t>(m_end - m_bump) / m_slotSize;
+        if (left < count) count = left;
+        void* run = m_bump;
+        m_bump += count * m_slotSize;
+        return run;
+    }
+
     // Takes back a slot whose object has been destroyed.
     void recycle(void* slot) {
         void* const none = nullptr;

@@ -429,6 +429,83 @@ TEST(Graph, KnowsWhereItsListsStandInTheOrderOfIndices) {
     EXPECT_EQ(flags(), std::pair(true, true)) << "the lists were empty";
 }
 
+// Notes when it is told of something, and may then go, alone or with another one.
+struct Observer final : rv::GraphObserver {
+    explicit Observer(RVGraph* watched, Ids& heard, int n) : graph(watched), told(heard), number(n) {
+        rv::GraphAccess::addObserver(graph, this);
+    }
+    Observer(const Observer&) = delete;
+    Observer& operator=(const Observer&) = delete;
+    ~Observer() { leave(); }
+    void leave() {
+        if (graph != nullptr) rv::GraphAccess::removeObserver(graph, this);
+        graph = nullptr;
+    }
+    void graphDies(RVGraph*) override {
+        graph = nullptr;
+        note();
+    }
+    void memberDies(RVGraphMember*) override { note(); }
+    void memberMoved(RVGraphMember*, RVGraph*, int) override { note(); }
+    void note() {
+        told.push_back(number);
+        if (leavesWhenTold) leave();
+        if (takesAway != nullptr) takesAway->leave();
+    }
+
+    RVGraph* graph;
+    Ids& told;
+    int number;
+    bool leavesWhenTold = false;
+    Observer* takesAway = nullptr;
+};
+
+TEST(Graph, TellsItsObserversLastFirst) {
+    for (unsigned seed = 0; seed < 200; ++seed) {
+        std::minstd_rand random(seed + 1);
+        auto graph = std::make_unique<RVGraph>();
+        RVGraph other;
+        Ids told;
+        std::vector<std::unique_ptr<Observer>> all;  // in the order in which they came
+        for (int number = 0; number < 60; ++number) {
+            all.push_back(std::make_unique<Observer>(graph.get(), told, number));
+            while (all.size() > 1 && random() % 5 < 2) {
+                all.erase(all.begin() + static_cast<std::ptrdiff_t>(random() % all.size()));
+            }
+            if (random() % 4 != 0) continue;
+            Observer& leaving = *all[random() % all.size()];
+            leaving.leavesWhenTold = true;
+            Observer& taken = *all[random() % all.size()];
+            leaving.takesAway = &taken;
+            Ids expected;
+            for (auto it = all.rbegin(); it != all.rend(); ++it) {
+                // One that came before the one by which it is taken away is not told any more.
+                if (it->get() != &taken || taken.number >= leaving.number) expected.push_back((*it)->number);
+            }
+            if (random() % 2 == 0) {
+                graph->discardNode(graph->addNode());
+            } else {
+                other.insertNode(graph->removeNode(graph->addNode()));
+            }
+            EXPECT_EQ(told, expected) << "seed " << seed;
+            told.clear();
+            std::erase_if(all, [](const auto& each) { return each->graph == nullptr; });
+        }
+        Ids expected;
+        for (auto it = all.rbegin(); it != all.rend(); ++it) expected.push_back((*it)->number);
+        graph.reset();
+        ASSERT_EQ(told, expected) << "seed " << seed;
+    }
+}
+
+TEST(Graph, HasAnyNumberOfObserversThatLeaveInAnyOrder) {
+    RVGraph graph;
+    std::vector<std::unique_ptr<RVAlgorithmData>> all(300000);
+    for (auto& data : all) data = std::make_unique<RVAlgorithmData>(&graph);
+    all.clear();  // first to last
+    graph.discardNode(graph.addNode());
+}
+
 TEST(Graph, WalksItsEdges) {
     rvtest::TestGraph graph("a->b b->b c->b b->a");
     RVNode* const b = graph.node("b");

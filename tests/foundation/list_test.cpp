@@ -6,9 +6,11 @@
 #include <functional>
 #include <memory>
 #include <random>
+#include <thread>
 #include <vector>
 
 #include "rv/foundation/graph_iterators.h"
+#include "rv/foundation/owned_lists.h"
 
 namespace {
 
@@ -37,12 +39,23 @@ void expectCells(const RVDList& list, const Cells& cells) {
     EXPECT_EQ(walked(list, RVBackward), expected);
 }
 
-// A few objects enter and leave a list many times; beside it, the cells that it should have.
+Cells cellsOf(const RVDList& list) {
+    Cells cells;
+    for (RVDListIter it(&list); it; it++) cells.push_back(it.pCell());
+    return cells;
+}
+
+// A few objects enter and leave a list many times; beside it, the cells that it should have. At first it has
+// its cells in memory that it shares with another list.
 void changeAtRandom(unsigned seed) {
     std::minstd_rand random(seed);
     RVObject objects[8];
-    auto list = std::make_unique<RVDList>();
-    Cells cells;
+    const auto any = [&](std::size_t) { return &objects[random() % 8]; };
+    auto owner = std::make_unique<rv::OwnedLists<RVDList>>();
+    std::unique_ptr<RVDList> list(owner->add(seed % 12, any));
+    delete owner->get()->searchAndRemoveObject(list.get());
+    owner->add(3, any);
+    Cells cells = cellsOf(*list);
     Cells out;
     for (int step = 0; step < 200 && !testing::Test::HasFailure(); ++step) {
         RVObject* const object = &objects[random() % 8];
@@ -76,6 +89,11 @@ void changeAtRandom(unsigned seed) {
                 cells.push_back(list->pCellInPosition(static_cast<int>(length + i) + 1));
                 EXPECT_EQ(cells.back()->pObject(), cells[i]->pObject());
             }
+        } else if (action == 7 && random() % 4 == 0) {
+            rv::ListAccess::append(*list, random() % 9, any);
+            cells = cellsOf(*list);
+        } else if (action == 5) {
+            owner.reset();
         } else if (action == 7 || action == 8) {
             cells.insert(cells.begin(), list->prependObject(object));
         } else if (action > 8) {
@@ -92,6 +110,51 @@ TEST(List, RandomOperationsAgreeWithAModel) {
         changeAtRandom(seed);
         ASSERT_FALSE(HasFailure()) << "seed " << seed;
     }
+}
+
+TEST(OwnedLists, MayLoseListsAndCells) {
+    RVObject objects[3];
+    const auto all = [&objects](std::size_t i) { return &objects[i]; };
+    auto lists = std::make_unique<rv::OwnedLists<RVDList>>();
+    lists->add(3, all);
+    lists->add()->appendObject(&objects[2]);
+    lists->add(2, all);
+    const auto contents = [](const RVDList& listOfLists) {
+        std::vector<Objects> each;
+        for (RVObject* list : walked(listOfLists)) each.push_back(walked(*RVDList::castDown(list)));
+        return each;
+    };
+    const std::vector<Objects> expected = contents(*lists->get());
+    EXPECT_THAT(expected, ElementsAre(Objects{&objects[0], &objects[1], &objects[2]}, Objects{&objects[2]},
+                                      Objects{&objects[0], &objects[1]}));
+
+    const rv::OwnedLists<RVDList> copy(*lists);
+    RVDList copies;
+    lists->buildCopies(copies);
+    auto* const taken = RVDList::castDown((*lists)->pFirstObject());
+    RVDListCell* const cell = RVDList::castDown((*lists)->pLastObject())
+                                  ->removeCell(RVDList::castDown((*lists)->pLastObject())->pFirstCell());
+    delete (*lists)->searchAndRemoveObject(taken);
+    // The taken list changes in another thread while its owner goes on.
+    std::thread other([&] {
+        for (int i = 0; i < 100; ++i) {
+            taken->appendObject(&objects[1]);
+            taken->discardCell(taken->pFirstCell());
+        }
+    });
+    for (int i = 0; i < 100; ++i) {
+        lists->add(2, all);
+        if (i % 10 == 0) lists->clear();
+    }
+    lists.reset();
+    other.join();
+    EXPECT_EQ(walked(*taken), Objects(3, &objects[1]));
+    EXPECT_EQ(cell->pObject(), &objects[0]);
+    delete cell;
+    delete taken;
+    EXPECT_EQ(contents(*copy.get()), expected);
+    EXPECT_EQ(contents(copies), expected);
+    copies.deleteAllCellsAndObjects();
 }
 
 TEST(List, WalksAreLive) {

@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "rv/foundation/owned_lists.h"
 #include "rv/framework/graph_snapshot.h"
 #include "tests/algorithm_checks.h"
 #include "tests/test_graph.h"
@@ -224,6 +225,32 @@ TEST(OutOfMemoryOfSnapshots, LeavesWhatIsAskedForToBeMadeLater) {
             allocationsLeft = -1;
             EXPECT_EQ(answer(graph), expected) << drawn << " after " << allocations;
         }
+    }
+}
+
+TEST(OutOfMemoryOfLists, LeavesListsThatCanBeUsed) {
+    RVObject object;
+    const auto get = [&object](std::size_t) { return &object; };
+    bool isDone = false;
+    for (int allocations = 0; !isDone; ++allocations) {
+        rv::OwnedLists<RVDList> lists;
+        RVDList list;
+        int made = 0;
+        failsOnce = allocations % 2 == 0;
+        allocationsLeft = allocations / 2;
+        try {
+            for (; made < 30; ++made) lists.add(9, get)->appendObject(&object);
+            rv::ListAccess::append(list, 500, get);
+            const rv::OwnedLists<RVDList> copy(lists);
+            isDone = failsOnce;
+        } catch (const std::bad_alloc&) {
+        }
+        allocationsLeft = -1;
+        EXPECT_GE(lists->length(), made);
+        for (RVDListIter it(lists.get()); it; it++) EXPECT_GE(RVDList::castDown(it.pObject())->length(), 9);
+        const int length = list.length();
+        rv::ListAccess::append(list, 3, get);
+        EXPECT_EQ(list.length(), length + 3);
     }
 }
 
