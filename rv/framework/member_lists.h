@@ -18,17 +18,26 @@ public:
     RVNode* node(Index number) const { return number == kNoIndex ? nullptr : m_nodes[number]; }
     RVEdge* edge(Index number) const { return number == kNoIndex ? nullptr : m_edges[number]; }
 
+    // By place the objects of some numbers.
+    auto nodesAt(std::span<const Index> numbers) const {
+        return [this, numbers](std::size_t place) { return m_nodes[numbers[place]]; };
+    }
+    auto edgesAt(std::span<const Index> numbers) const {
+        return [this, numbers](std::size_t place) { return m_edges[numbers[place]]; };
+    }
+
     void append(std::span<const Index> nodes, RVNodeDList& list) const {
-        for (const Index number : nodes) list.appendNode(m_nodes[number]);
+        ListAccess::append(list, nodes.size(), nodesAt(nodes));
     }
     void append(std::span<const Index> edges, RVEdgeDList& list) const {
-        for (const Index number : edges) list.appendEdge(m_edges[number]);
+        ListAccess::append(list, edges.size(), edgesAt(edges));
     }
 
     // A list of the output for each group.
     template <class Output>
     void append(const NodeGroups& groups, Output& output) const {
-        for (Index group = 0; group < groups.size(); ++group) append(groups[group], *output.addComponent());
+        for (Index group = 0; group < groups.size(); ++group)
+            output.addComponent(groups[group].size(), nodesAt(groups[group]));
     }
 
 private:

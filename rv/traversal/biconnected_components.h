@@ -95,6 +95,11 @@ public:
     RVDList* pComponentList() const { return m_components.get(); }
     // A new empty block behind all others.
     RVNodeDList* addComponent() { return m_components.add(); }
+    // The same with get(0) up to get(count - 1), made faster than by appending them.
+    template <class Get>
+    RVNodeDList* addComponent(std::size_t count, Get get) {
+        return m_components.add(count, get);
+    }
     RVNodeDList* pArticulationNodeList() const { return m_articulationNodes.get(); }
     // Destroys the lists in the given list, then appends for every block a new RVNodeDList, which the caller
     // owns.

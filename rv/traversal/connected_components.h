@@ -42,6 +42,11 @@ public:
     void buildComponentList(RVDList& list) const;
     // A new empty component behind all others.
     RVNodeDList* addComponent() { return m_components.add(); }
+    // The same with get(0) up to get(count - 1), made faster than by appending them.
+    template <class Get>
+    RVNodeDList* addComponent(std::size_t count, Get get) {
+        return m_components.add(count, get);
+    }
     // From 1; 0 before a run.
     int componentNumber(RVNode* node) const { return m_componentNumbers.get(node); }
     int componentNumber(RVNode* node, int number) { return m_componentNumbers.store(node, number); }

@@ -82,7 +82,12 @@ std::optional<RVServiceErrorCodeEnum> RVDepthFirstSearchAlgorithm::answer() {
                    [&](rv::Index parent) { return members.node(parent); });
     output->orderNumbers().assign(graph, std::move(search.numbers));
     output->completionNumbers().assign(graph, std::move(search.completions));
-    output->parentNodes().assign(graph, std::move(parents));
+    // Where a caller's factory makes the records, these may begin with a parent.
+    if (!output->parentNodes().usable()) {
+        for (const rv::Index node : search.order) output->pParentNode(members.node(node), parents[node]);
+    } else {
+        output->parentNodes().take(graph, std::move(parents));
+    }
     output->edgeTypes().assign(graph, std::move(kinds));
     return RV_NO_ERROR;
 }

@@ -65,7 +65,7 @@ std::optional<RVServiceErrorCodeEnum> RVStronglyConnectedComponentsAlgorithm::an
     rv::Buffer<rv::Index> edges;
     for (rv::Index group = 0; group < components.groups.size(); ++group) {
         listEdges(simple, components, group, edges);
-        members.append(edges, *output->addEdgeComponent());
+        output->addEdgeComponent(edges.size(), members.edgesAt(edges));
     }
     output->componentNumbers().assign(graph, std::move(components.numbers));
     return RV_NO_ERROR;
