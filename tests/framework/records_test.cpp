@@ -334,8 +334,14 @@ private:
         std::vector<int> numbers(static_cast<std::size_t>(m_graphs[graph]->nodeIndexLimit()));
         forEachOf(graph, [&](int i) {
             if (!at(i)->isNode() || at(i)->pOwnerGraph() == nullptr || below(3) == 0) return;
-            numbers[rv::placeOf(at(i))] = m_models[data].values[i] = 1 + below(1000);
+            numbers[rv::placeOf(at(i))] = -1;  // for the time being
+            m_models[data].values[i] = 1 + below(1000);
             if (Notes::kMakesRecords) m_models[data].records.insert(i);
+        });
+        m_data[data]->assign(&*m_graphs[graph], numbers);
+        forEachOf(graph, [&](int i) {
+            if (at(i)->isNode() && m_models[data].values.count(i) != 0)
+                numbers[rv::placeOf(at(i))] = m_models[data].values.at(i);
         });
         m_data[data]->assign(&*m_graphs[graph], numbers);
     }
@@ -356,6 +362,7 @@ private:
             if (Notes::kMakesRecords) return;
             for (int graph = 0; graph < kCount; ++graph) {
                 const std::vector<int> values = data.values(&*m_graphs[graph]);
+                ASSERT_LE(static_cast<int>(values.size()), m_graphs[graph]->nodeIndexLimit());
                 for (RVNode* node : *m_graphs[graph]->pNodeList()) {
                     const bool isInside = rv::placeOf(node) < values.size();
                     ASSERT_EQ(isInside ? values[rv::placeOf(node)] : 0, data.value(node));
@@ -448,6 +455,18 @@ TYPED_TEST(Records, FollowAModelThroughRandomChanges) {
         world.reset();
         ASSERT_EQ(Counted::alive, aliveBefore);
     }
+}
+
+TEST(Columns, EndByAssignmentThroughABase) {
+    const TestGraph g("a->b");
+    ColumnNotes data(g);
+    data.value(g.node("a"), 3);
+    data.other(g.edge("a->b"), -4);
+    const RVAnalysisInputData plain(g);
+    static_cast<RVAnalysisInputData&>(data) = plain;
+    EXPECT_EQ(data.value(g.node("a")), 0);
+    EXPECT_EQ(data.other(g.edge("a->b")), 0);
+    EXPECT_EQ(data.otherNegatives(), 0U);
 }
 
 // Neither a graph that dies nor a node that is discarded looks at all others: this would take very long.
