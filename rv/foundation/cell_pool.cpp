@@ -32,6 +32,7 @@ void CellPool::releaseAll() {
     if (m_pBelow != nullptr) std::exchange(m_pBelow, nullptr)->abandon();
 }
 
+// NOLINTBEGIN(misc-no-recursion): a shared pool stands on no other one
 void CellPool::destroy() {
     if (m_pBelow != nullptr) m_pBelow->abandon();
     this->~CellPool();
@@ -60,5 +61,6 @@ void CellPool::abandon() {
     m_abandoned = true;
     if (m_setAside == 0) destroy();
 }
+// NOLINTEND(misc-no-recursion)
 
 }  // namespace rv

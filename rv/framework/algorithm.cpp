@@ -64,7 +64,7 @@ RVServiceErrorCodeEnum RVAlgorithm::run() {
 }
 
 RVServiceErrorCodeEnum RVAlgorithm::answerOrRunHooks() {
-    rv::RunPulse(m_pRunControl, "beginning");
+    rv::lookAt(m_pRunControl, "beginning");
     if (const auto code = answer()) return *code;
     return runAndThen([this] { return runHooksAndCleanup(); }, [this] { endRunStates(); });
 }
@@ -95,15 +95,15 @@ rv::RunStateBase::RunStateBase(RVAlgorithm* algorithm) : m_next(algorithm->m_pRu
 
 RVServiceErrorCodeEnum RVAlgorithm::runHooks() {
     initialize();
-    rv::RunPulse(m_pRunControl, "reading the input");
+    rv::lookAt(m_pRunControl, "reading the input");
     parseInputData();
-    rv::RunPulse(m_pRunControl, "preparing");
+    rv::lookAt(m_pRunControl, "preparing");
     return runAndThen([this] { return runPreprocessedHooks(); }, [this] { postprocess(); });
 }
 
 RVServiceErrorCodeEnum RVAlgorithm::runPreprocessedHooks() {
     preprocess();
-    rv::RunPulse(m_pRunControl, "working");
+    rv::lookAt(m_pRunControl, "working");
     const RVServiceErrorCodeEnum code = algorithmBody();
     generateOutputData();
     return code;

@@ -32,4 +32,7 @@ private:
     std::int64_t m_nextClock = kStepsOfClock;
 };
 
+// One look, between two steps of a run.
+inline void lookAt(RVRunControl* control, const char* phase) { const RunPulse pulse(control, phase); }
+
 }  // namespace rv
