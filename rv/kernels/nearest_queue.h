@@ -17,13 +17,13 @@ namespace rv {
 // Gives the smallest key, of equal ones the one that came first. An entry that was overtaken stays until it
 // is given.
 //
-// A radix queue (Ahuja, Mehlhorn, Orlin and Tarjan 1990) with digits of six bits. Invariant: an entry stands
-// in the level of the highest digit in which its key differs from the key given last, in the bucket of that
-// digit of its own key. So equal keys share a bucket, where they keep their order, and the first bucket of
-// the lowest level that is not empty has the smallest keys. When no entry of level 0 is left, the smallest
-// key of that bucket becomes the last one, and its entries go to the levels below, which are empty.
+// A radix queue (Ahuja, Mehlhorn, Orlin and Tarjan 1990) with digits of six bits. Invariant: no key is below
+// the base; an entry stands in the level of the highest digit in which its key differs from the base, in the
+// bucket of that digit of its own key. So equal keys share a bucket, where they keep their order, and the
+// first bucket of the lowest level that is not empty has the smallest keys. When no entry of level 0 is left,
+// the smallest key of that bucket becomes the base, and its entries go to the levels below, which are empty.
 //
-// O(1) for each digit in which keys differ from the last one: as fast as a ring of buckets where costs are
+// O(1) for each digit in which a key differs from the base: as fast as a ring of buckets where costs are
 // small, and no bound of them need be known. 12 or 16 bytes an entry; the place of one that was given is used
 // again.
 template <class Key>
@@ -55,7 +55,6 @@ public:
         }
         m_links[first].next = m_free;
         m_free = first;
-        m_last = link.entry.key;
         return link.entry;
     }
 
@@ -82,7 +81,7 @@ private:
     Bucket& bucketAt(Place place) { return m_buckets[place.level * kRadix + place.digit]; }
     Place placeOf(Key key) const {
         const auto bits = static_cast<Bits>(key);
-        const auto differing = static_cast<Bits>(bits ^ static_cast<Bits>(m_last));
+        const auto differing = static_cast<Bits>(bits ^ static_cast<Bits>(m_base));
         const unsigned level = static_cast<unsigned>(std::bit_width(Bits(differing | 1)) - 1) / kDigit;
         return {level, static_cast<unsigned>(bits >> kDigit * level) % kRadix};
     }
@@ -120,10 +119,10 @@ private:
         const Place place{level, firstBit(m_used[level])};
         const Bucket bucket = bucketAt(place);
         setUsed(place, false);
-        m_last = m_links[bucket.first].entry.key;
+        m_base = m_links[bucket.first].entry.key;
         for (Index link = bucket.first; link != bucket.last;) {
             link = m_links[link].next;
-            m_last = std::min(m_last, m_links[link].entry.key);
+            m_base = std::min(m_base, m_links[link].entry.key);
         }
         for (Index link = bucket.first, next = kNoIndex;; link = next) {
             next = m_links[link].next;
@@ -137,7 +136,7 @@ private:
     std::uint32_t m_levels = 0;                                   // a bit for each level that is not empty
     Buffer<Link> m_links;
     Index m_free = kNoIndex;  // the first of the links that hold no entry
-    Key m_last = 0;           // the key given last
+    Key m_base = 0;
 };
 
 }  // namespace rv

@@ -7,7 +7,8 @@
 //   Index nodeLimit()
 //   cursor forward(Index node), backward(Index node)   over the arcs out of it, into it
 //   Index next(cursor&)                                the other end of the next arc; kNoIndex at the end
-// For shortestPath besides:
+// where the order of arcs backward plays no part, nor do loops and parallel arcs. For shortestPath they also
+// have
 //   Index edge(const cursor&)                          of the arc that next() followed last
 //   Index forwardDegree(Index node), backwardDegree(Index node)
 #pragma once
