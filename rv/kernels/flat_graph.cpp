@@ -66,37 +66,13 @@ public:
         m_arrays.makeRoom(begins.back() + more);
     }
     // Calls forEachArc(f), which calls f(node, target, edge) with every arc.
-    // Many arcs are first put together by blocks of nodes, so that the memory written lies close together.
     template <class F>
     void sort(F forEachArc) {
-        Index* const targets = m_arrays.targets();
-        Index* const edges = m_arrays.edges();
-        const auto put = [=, next = m_next](Index node, Index target, Index edge) {
-            const Index place = next[node]++;
-            targets[place] = target;
-            edges[place] = edge;
-        };
         const std::size_t arcs = m_arrays.begins.back();
-        if (arcs < kManyArcs || m_nodeLimit < kManyNodes) {
-            forEachArc(put);
-            return;
-        }
-        const int blockBits = static_cast<int>(std::bit_width(m_nodeLimit)) - kBlocksBits;
-        std::vector<Index> next;
-        for (std::size_t node = 0; node < m_nodeLimit; node += std::size_t{1} << blockBits) {
-            next.push_back(m_next[node]);
-        }
-        struct Arc {
-            Index node, target, edge;
-        };
-        Buffer<Arc> byBlock(arcs);
-        forEachArc([&](Index node, Index target, Index edge) {
-            byBlock[next[node >> blockBits]++] = {node, target, edge};
-        });
-        for (const Arc& arc : byBlock) put(arc.node, arc.target, arc.edge);
+        arcs < kManyArcs || m_nodeLimit < kManyNodes ? forEachArc(put()) : sortByBlocks(arcs, forEachArc);
     }
     // What has been sorted.
-    Arcs arcs() {
+    Arcs arcs() const {
         const std::span<const Index> begins(m_arrays.begins);
         const std::size_t arcs = begins[m_nodeLimit];
         return {begins.first(m_nodeLimit),
@@ -109,6 +85,37 @@ private:
     static constexpr std::size_t kManyArcs = std::size_t{1} << 20;
     static constexpr Index kManyNodes = Index{1} << 17;
     static constexpr int kBlocksBits = 9;  // of the number of blocks
+
+    // Puts an arc in its place.
+    struct Put {
+        void operator()(Index node, Index target, Index edge) const {
+            const Index place = next[node]++;
+            targets[place] = target;
+            edges[place] = edge;
+        }
+        Index* targets;
+        Index* edges;
+        Index* next;  // by node
+    };
+    Put put() const { return {m_arrays.targets(), m_arrays.edges(), m_next}; }
+    // The arcs of some nodes are put together first, so that the memory written at a time lies close
+    // together.
+    template <class F>
+    void sortByBlocks(std::size_t arcs, F forEachArc) {
+        const int blockBits = static_cast<int>(std::bit_width(m_nodeLimit)) - kBlocksBits;
+        std::vector<Index> next;
+        for (std::size_t node = 0; node < m_nodeLimit; node += std::size_t{1} << blockBits) {
+            next.push_back(m_next[node]);
+        }
+        struct Arc {
+            Index node, target, edge;
+        };
+        Buffer<Arc> byBlock(arcs);
+        forEachArc([&](Index node, Index target, Index edge) {
+            byBlock[next[node >> blockBits]++] = {node, target, edge};
+        });
+        for (const Arc& arc : byBlock) put()(arc.node, arc.target, arc.edge);
+    }
 
     ArcArrays& m_arrays;
     Index m_nodeLimit;
