@@ -26,8 +26,10 @@ public:
     template <class U>
     ArrayAllocator(const ArrayAllocator<U>&) {}
 
+    // NOLINTBEGIN(bugprone-sizeof-expression): elements may be pointers
     T* allocate(std::size_t n) { return static_cast<T*>(allocateArray(n * sizeof(T))); }
     void deallocate(T* memory, std::size_t n) noexcept { freeArray(memory, n * sizeof(T)); }
+    // NOLINTEND(bugprone-sizeof-expression)
     template <class U>
     void construct(U* place) {
         ::new (static_cast<void*>(place)) U;
