@@ -26,7 +26,7 @@ public:
     template <class U>
     ArrayAllocator(const ArrayAllocator<U>&) {}
 
-    // NOLINTBEGIN(bugprone-sizeof-expression): T may be a pointer
+    // NOLINTBEGIN(bugprone-sizeof-expression): elements may be pointers
     T* allocate(std::size_t n) { return static_cast<T*>(allocateArray(n * sizeof(T))); }
     void deallocate(T* memory, std::size_t n) noexcept { freeArray(memory, n * sizeof(T)); }
     // NOLINTEND(bugprone-sizeof-expression)

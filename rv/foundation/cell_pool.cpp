@@ -32,7 +32,7 @@ void CellPool::releaseAll() {
     if (m_pBelow != nullptr) std::exchange(m_pBelow, nullptr)->abandon();
 }
 
-// NOLINTBEGIN(misc-no-recursion): a shared pool stands on no other one
+// NOLINTNEXTLINE(misc-no-recursion): once, for the pool below
 void CellPool::destroy() {
     if (m_pBelow != nullptr) m_pBelow->abandon();
     this->~CellPool();
@@ -53,6 +53,7 @@ void CellPool::destroySetAside(void* cell) {
 }
 
 // Whoever gives up a shared pool last has seen what the others did with it.
+// NOLINTNEXTLINE(misc-no-recursion)
 void CellPool::abandon() {
     if (m_isShared) {
         if (m_users.fetch_sub(1, std::memory_order_acq_rel) == 1) destroy();
@@ -61,6 +62,5 @@ void CellPool::abandon() {
     m_abandoned = true;
     if (m_setAside == 0) destroy();
 }
-// NOLINTEND(misc-no-recursion)
 
 }  // namespace rv

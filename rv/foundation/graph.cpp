@@ -372,8 +372,8 @@ void RVGraph::note(RVEdge* edge, int change) {
     m_ends[place] = change < 0 ? rv::Ends{} : edge->denseEnds();
 }
 
-// What is new stands at the ends of the lists, with what went and came back. Ends are read some steps after
-// they have been asked for, so that the memory has time to answer.
+// What is new stands at the ends of the lists, or before what went and came back. The ends of an edge are
+// read some steps after they have been asked for, so that the memory has time to answer.
 void RVGraph::coverIndices() {
     const std::size_t coveredNodes = m_nodeAt.size();
     m_nodeAt.resize(static_cast<std::size_t>(nodeIndexLimit()), nullptr);

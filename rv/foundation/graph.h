@@ -380,9 +380,9 @@ public:
     // Grows with every change of the graph's nodes, edges, ends or orders.
     std::uint64_t modificationCount() const { return m_modifications; }
 
-    // Algorithms keep a copy of the graph as arrays with it, for questions to come, until it changes: some
-    // 30 to 60 bytes an edge. This gives the memory back; the next question makes the arrays again.
-    // REQUIRES: no algorithm is running on the graph.
+    // Algorithms keep the graph as arrays as well, with it, until it changes: 25 to 50 bytes an edge. This
+    // gives the memory back; the next question makes the arrays again. REQUIRES: no algorithm is running on
+    // the graph.
     void releaseSnapshot();
 
     const wchar_t* pNameString() const override;

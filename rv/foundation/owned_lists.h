@@ -50,7 +50,7 @@ public:
     RVDList* get() const { return &m_lists; }
     RVDList* operator->() const { return &m_lists; }
 
-    // A new empty list behind all others.
+    // A new empty list after all others.
     List* add() {
         return add(0, [](std::size_t) { return nullptr; });
     }

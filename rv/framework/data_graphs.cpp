@@ -125,7 +125,7 @@ void DataGraph::memberMoved(RVGraphMember* member, RVGraph* from, int indexThere
     const int limit = indexLimit(member->pHomeGraph(), kind);
     const auto move = [&](auto& there, auto& at) {
         const auto value = there.get(indexThere);
-        if (value == 0) return;
+        if (value == decltype(value){}) return;
         there.reset(indexThere);
         at.set(member->denseIndex(), value, limit);
     };

@@ -102,7 +102,7 @@ private:
     // together.
     template <class F>
     void sortByBlocks(std::size_t arcs, F forEachArc) {
-        const int blockBits = static_cast<int>(std::bit_width(m_nodeLimit)) - kBlocksBits;
+        const int blockBits = std::max(static_cast<int>(std::bit_width(m_nodeLimit)) - kBlocksBits, 0);
         std::vector<Index> next;
         for (std::size_t node = 0; node < m_nodeLimit; node += std::size_t{1} << blockBits) {
             next.push_back(m_next[node]);

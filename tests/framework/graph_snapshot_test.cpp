@@ -240,7 +240,8 @@ TEST(GraphSnapshot, AnswersSeveralThreads) {
             std::size_t arcs = 0;
             for (int i = 0; i < 5; ++i) {
                 const RVAlgorithmData data(graph.get());
-                const RVAlgorithmData copy(data);
+                RVAlgorithmData copy(data);
+                EXPECT_EQ(copy.pInputGraph(graph), graph.get());
                 const rv::ScratchLoan<Memory> memory(graph);
                 const auto flat = rv::snapshotOf(graph);
                 memory->values.assign(flat->out().targets.begin(), flat->out().targets.end());
