@@ -38,7 +38,8 @@ template <class List>
 class OwnedLists {
 public:
     OwnedLists() = default;
-    OwnedLists(const OwnedLists& other) { *this = other; }
+    // By the default constructor first, so that what was copied goes if a copy fails.
+    OwnedLists(const OwnedLists& other) : OwnedLists() { *this = other; }
     OwnedLists& operator=(const OwnedLists& other) {
         if (this == &other) return *this;
         clear();
