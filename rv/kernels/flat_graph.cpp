@@ -332,7 +332,7 @@ const SimpleGraph& FlatGraph::undirected() const {
 }
 
 // The room after the out-arcs is for those that are written again without loops and parallels.
-FlatGraph::SortedArcs& FlatGraph::sortedOut() const {
+SortedArcs& FlatGraph::sortedOut() const {
     return m_out.get([this](SortedArcs& made) { makeArcs(true, made); });
 }
 
@@ -446,6 +446,18 @@ SimpleGraph FlatGraph::mixed(std::span<const Index> twoWayEdges) const {
     });
     made.space.arcs = sorter.arcs();
     siftInPlace(Sieve(*this, Sieve::kMixed, made), made);
+    return made;
+}
+
+SortedArcs FlatGraph::backArcs(std::span<const Index> edges) const {
+    SortedArcs made;
+    ArcSorter sorter(made.arrays, m_parts.nodeLimit);
+    for (const Index edge : edges) sorter.count(m_parts.ends[edge].target);
+    sorter.makeRoom();
+    sorter.sort([&](auto put) {
+        for (const Index edge : edges) put(m_parts.ends[edge].target, m_parts.ends[edge].source, edge);
+    });
+    made.arcs = sorter.arcs();
     return made;
 }
 

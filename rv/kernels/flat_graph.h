@@ -32,6 +32,11 @@ struct ArcArrays {
     Buffer<Index> memory;  // all targets, then all edges
 };
 
+struct SortedArcs {
+    ArcArrays arrays;
+    Arcs arcs;
+};
+
 // Edges by the node or edge to which they belong, those of one owner in the order in which they came.
 class EdgeChains {
 public:
@@ -166,12 +171,10 @@ public:
         return mixed(twoWayEdges);
     }
 
-private:
-    struct SortedArcs {
-        ArcArrays arrays;
-        Arcs arcs;
-    };
+    // Arcs that follow some edges back, each node's in the order in which the edges are given.
+    SortedArcs backArcs(std::span<const Index> edges) const;
 
+private:
     SortedArcs& sortedOut() const;
     void makeArcs(bool out, SortedArcs& made) const;
     void begin(SimpleGraph& made) const;

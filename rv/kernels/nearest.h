@@ -101,6 +101,7 @@ struct NearestLabels {
         : distances(nodeLimit, D{kUnreached}), edges(nodeLimit, Index{kNoIndex}) {}
 
     D distance(Index node) const { return distances[node]; }
+    Index edge(Index node) const { return edges[node]; }
     void improve(Index node, D distance, Index edge) {
         distances[node] = distance;
         edges[node] = edge;

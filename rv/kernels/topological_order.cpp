@@ -3,6 +3,9 @@
 
 #include "rv/kernels/topological_order.h"
 
+#include <algorithm>
+#include <cstdint>
+
 namespace rv {
 
 namespace {
@@ -34,6 +37,37 @@ TopologicalOrder topologicalOrder(const Arcs& arcs, const GraphOrder& order, std
     }
     nodes.resize(count);
     return {std::move(nodes), count == order.nodeCount};
+}
+
+Buffer<Index> topologicalOrderFrom(const Arcs& arcs, Index start, Pulse& pulse) {
+    enum State : unsigned char { kNew, kOpen, kComplete };
+    struct Open {
+        Index node;
+        Index arc;  // the next one to be followed
+    };
+    Buffer<State> states(arcs.nodeLimit(), kNew);
+    Buffer<Index> nodes;
+    Buffer<Open> path;
+    const auto open = [&](Index node) {
+        pulse.beat(1 + std::int64_t{arcs.degree(node)});
+        states[node] = kOpen;
+        path.push_back({node, arcs.first[node]});
+    };
+    open(start);
+    while (!path.empty()) {
+        const Index node = path.back().node;
+        if (path.back().arc == arcs.last[node]) {
+            states[node] = kComplete;
+            nodes.push_back(node);
+            path.pop_back();
+            continue;
+        }
+        const Index target = arcs.targets[path.back().arc++];
+        if (states[target] == kOpen) return {};
+        if (states[target] == kNew) open(target);
+    }
+    std::ranges::reverse(nodes);
+    return nodes;
 }
 
 }  // namespace rv

@@ -25,4 +25,8 @@ struct TopologicalOrder {
 TopologicalOrder topologicalOrder(const Arcs& arcs, const GraphOrder& order, std::span<const Index> inDegrees,
                                   Pulse& pulse);
 
+// What one node reaches, by a depth-first search (Tarjan 1976) that ends at the first arc which closes a
+// cycle: then nothing.
+Buffer<Index> topologicalOrderFrom(const Arcs& arcs, Index start, Pulse& pulse);
+
 }  // namespace rv

@@ -1,7 +1,12 @@
 #include "rv/shortestpaths/acyclic_shortest_paths.h"
 
+#include <utility>
+
 #include "rv/foundation/text_output.h"
 #include "rv/framework/check_input.h"
+#include "rv/framework/run_pulse.h"
+#include "rv/kernels/relaxing.h"
+#include "rv/shortestpaths/path_answer.h"
 
 RV_OBJECT_IMPL(RVShortestPathsAcyclicInputData)
 RV_OBJECT_IMPL(RVShortestPathsAcyclicInternalData)
@@ -41,22 +46,20 @@ RVServiceErrorCodeEnum RVShortestPathsAcyclicAlgorithm::checkData() {
     return code;
 }
 
-void RVShortestPathsAcyclicAlgorithm::parseInputData() {
-    RVDijkstraAlgorithm::parseInputData();
+std::optional<RVServiceErrorCodeEnum> RVShortestPathsAcyclicAlgorithm::answer() {
+    if (!isExactly<RVShortestPathsAcyclicAlgorithm>()) return std::nullopt;
     const auto* input = RVShortestPathsAcyclicInputData::castDown(pInputData());
-    for (RVNode* node : *input->pCandidateNodeList()) {
-        pData()->pTopologicalSortedNodeList()->appendNode(pData()->pCopyNode(node));
-    }
-}
-
-RVNode* RVShortestPathsAcyclicAlgorithm::findStartNode() {
-    RVNodeDList* sorted = pData()->pTopologicalSortedNodeList();
-    RVNode* node = nullptr;
-    while (RVDListCell* first = sorted->pFirstCell()) {
-        node = RVNode::castDown(first->pObject());
-        sorted->discardCell(first);
-        pData()->pCandidateEdgeList()->copyAppendList(node->pOutEdgeList());
-        if (node->outDegree() > 0) break;
-    }
-    return node;
+    auto* output = RVShortestPathsOutputData::castDown(pOutputData());
+    rv::RunPulse pulse(pRunControl(), "cheapest paths", input->pAssociatedGraph()->numberOfEdges());
+    const rv::PathView view(*input);
+    rv::NearestLabels<int> labels(rv::nodeLimitOf(input->pAssociatedGraph()));
+    labels.improve(rv::indexOf(input->pStartNode()), 0, rv::kNoIndex);
+    rv::Buffer<rv::Index> order;
+    for (const RVNode* node : *input->pCandidateNodeList()) order.push_back(rv::indexOf(node));
+    view.withTraversalWays(false, false, pulse,
+                           [&](const auto& ways) { rv::relaxInOrder(ways, order, labels, pulse); });
+    rv::writePath(view, labels, *input, *output);
+    auto* withDistances = storeDistances() == 0 ? nullptr : dynamic_cast<RVDijkstraOutputData*>(output);
+    if (withDistances != nullptr) rv::writeDistances(view, std::move(labels.distances), *withDistances);
+    return RV_NO_ERROR;
 }

@@ -69,6 +69,7 @@ public:
     RVServiceErrorCodeEnum checkData() override;
 
 protected:
+    std::optional<RVServiceErrorCodeEnum> answer() override;
     void parseInputData() override;
     RVAlgorithmData* newInternalData() override;
     RVNode* findStartNode() override;

@@ -156,6 +156,7 @@ public:
     int storeDistances(int flag) { return m_storeDistances = flag; }
 
 protected:
+    std::optional<RVServiceErrorCodeEnum> answer() override;
     void initialize() override;
     void generateOutputData() override;
     void parseInputData() override;
