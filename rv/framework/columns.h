@@ -162,6 +162,21 @@ public:
         }
     }
 
+    // Calls f(object, value) for the attached objects of all graphs whose values are in the column and not
+    // the default.
+    template <class F>
+    void forEachAttached(F f) const {
+        for (const auto& [graph, array] : m_arrays) {
+            for (Object* object : listOf(graph)) {
+                if (const T value = at(array, placeOf(object)); value != m_default) f(object, value);
+            }
+        }
+    }
+    // These values become the default.
+    void clearAttached() noexcept {
+        forEachAttached([this](Object* object, T) { erase(object->pHomeGraph(), placeOf(object)); });
+    }
+
     // How many values below 0 are in the column.
     std::size_t negatives() const requires kCountsNegatives { return m_negatives; }
     // Whether a value of the graph's attached objects is below 0. O(1) if none is and all are in the column.

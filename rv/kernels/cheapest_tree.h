@@ -22,11 +22,11 @@ class CheapestTree {
 public:
     static constexpr std::int64_t kUnreached = NearestLabels<std::int64_t>::kUnreached;
 
-    // Out-arcs and in-arcs of a graph, of which the edges that isBothWays tells are followed against their
-    // direction as well. anyBothWays and anyNegative are false where it is known that no edge is such a one,
-    // or has a cost below 0.
-    template <class CostOf, class IsBothWays>
-    CheapestTree(const Arcs& out, const Arcs& in, Index start, bool anyBothWays, IsBothWays isBothWays,
+    // The out-arcs of a graph, and its in-arcs by in(), which is called if need be. The edges that isBothWays
+    // tells are followed against their direction as well. anyBothWays and anyNegative are false where it is
+    // known that no edge is such a one, or has a cost below 0.
+    template <class In, class CostOf, class IsBothWays>
+    CheapestTree(const Arcs& out, In in, Index start, bool anyBothWays, IsBothWays isBothWays,
                  bool anyNegative, CostOf costOf, Pulse& pulse)
         : m_pulse(pulse) {
         const auto cost = [&](Index, Index edge) { return std::int64_t{costOf(edge)}; };
@@ -34,16 +34,17 @@ public:
         if (!anyBothWays) {
             find(oneWay, true, out, in, start, anyNegative, costOf);
         } else {
-            const NearestWays ways(NoCost(), ArcWays(out, cost), ArcWays(in, cost, isBothWays));
+            const NearestWays ways(NoCost(), ArcWays(out, cost), ArcWays(in(), cost, isBothWays));
             const Part part = reach(ways, out.nodeLimit(), start);
             const bool staysOneWay = std::ranges::none_of(
-                part.nodes, [&](Index node) { return std::ranges::any_of(in.edgesOf(node), isBothWays); });
+                part.nodes, [&](Index node) { return std::ranges::any_of(in().edgesOf(node), isBothWays); });
             find(ways, staysOneWay, out, in, start, anyNegative, costOf);
         }
     }
 
     // Whether there is a negative cycle; then distances and edges are what was found until then.
     bool hasNegativeCycle() const { return m_hasNegativeCycle; }
+    bool covers(Index node) const { return node < m_edges.size(); }
     // kUnreached for a node that is not reached.
     std::int64_t distance(Index node) const {
         if (!m_exact.empty()) return m_exact[node];
@@ -87,15 +88,15 @@ private:
         return part;
     }
 
-    template <class Ways, class CostOf>
-    void find(const Ways& ways, bool isOneWay, const Arcs& out, const Arcs& in, Index start, bool anyNegative,
+    template <class Ways, class In, class CostOf>
+    void find(const Ways& ways, bool isOneWay, const Arcs& out, In in, Index start, bool anyNegative,
               CostOf costOf) {
         const Index nodeLimit = out.nodeLimit();
         NearestLabels<std::int64_t> labels(0);
         if (const auto order = isOneWay ? topologicalOrderFrom(out, start, m_pulse) : Buffer<Index>();
             !order.empty()) {
             labels = NearestLabels<std::int64_t>(nodeLimit);
-            relaxInto(order, in, start, NoCost(), costOf, labels, m_pulse);
+            relaxInto(order, in(), start, NoCost(), costOf, labels, m_pulse);
         } else {
             const Part part = anyNegative ? reach(ways, nodeLimit, start) : Part();
             if (!part.hasNegativeCost) return findNearest(ways, nodeLimit, start);

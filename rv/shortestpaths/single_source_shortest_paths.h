@@ -29,13 +29,11 @@
 //   if (paths.run() == RV_NO_ERROR) use(output.distance(other), output.pTreeEdge(other));
 #pragma once
 
-#include <cstdint>
-#include <memory>
-#include <vector>
+#include <span>
 
-#include "rv/foundation/hash_map.h"
 #include "rv/foundation/keyed_tree.h"
 #include "rv/framework/internal_graph_algorithm.h"
+#include "rv/framework/map_on_request.h"
 
 class RVSingleSourceShortestPathsAlgorithm;
 
@@ -55,20 +53,32 @@ public:
     RVNode* pStartNode(RVNode* node) { return m_pStartNode = node; }
 
     // Default 0 for a node and 1 for an edge.
-    int cost(RVNode* node) const { return m_costs->getInt(node, 0); }
-    int cost(RVNode* node, int value) { return m_costs->putInt(node, value); }
-    int cost(RVEdge* edge) const { return m_costs->getInt(edge, 1); }
-    int cost(RVEdge* edge, int value) { return m_costs->putInt(edge, value); }
+    int cost(RVNode* node) const { return m_costMap.get(node, m_nodeCosts); }
+    int cost(RVNode* node, int value) { return m_costMap.store(node, value, m_nodeCosts); }
+    int cost(RVEdge* edge) const { return m_costMap.get(edge, m_edgeCosts); }
+    int cost(RVEdge* edge, int value) { return m_costMap.store(edge, value, m_edgeCosts); }
     // Nonzero for an edge that is followed in both directions; default 0.
-    int undirected(RVEdge* edge) const { return m_undirectedEdges->contains(edge) ? 1 : 0; }
+    int undirected(RVEdge* edge) const { return m_undirectedSet.get(edge, m_undirected); }
     int undirected(RVEdge* edge, int flag);
 
     // The costs, from node or edge to RVInt, and the undirected edges. The setters take map or set over and
-    // destroy the present one, costs included; none stands for an empty one.
-    RVHashMap* pCostMap() const { return m_costs.get(); }
-    RVHashMap* pCostMap(RVHashMap* map) { return m_costs.take(map); }
-    RVHashSet* pUndirectedEdgeSet() const { return m_undirectedEdges.get(); }
-    RVHashSet* pUndirectedEdgeSet(RVHashSet* edges) { return m_undirectedEdges.take(edges); }
+    // destroy the present one, costs included; none stands for an empty one. Asking for them costs what they
+    // hold, and from then on every cost is looked up there.
+    RVHashMap* pCostMap() const { return m_costMap.handOut(m_nodeCosts, m_edgeCosts); }
+    RVHashMap* pCostMap(RVHashMap* map) { return m_costMap.take(map, m_nodeCosts, m_edgeCosts); }
+    RVHashSet* pUndirectedEdgeSet() const { return m_undirectedSet.handOut(m_undirected); }
+    RVHashSet* pUndirectedEdgeSet(RVHashSet* edges) { return m_undirectedSet.take(edges, m_undirected); }
+
+    // All of these values, for reading them at once: those of a graph's edges by dense index, as far as any
+    // have been stored. The space is used if need be.
+    std::span<const int> edgeCosts(const RVGraph* graph, rv::Buffer<int>& space) const {
+        return m_costMap.values(graph, m_edgeCosts, space);
+    }
+    std::span<const int> undirectedEdges(const RVGraph* graph, rv::Buffer<int>& space) const {
+        return m_undirectedSet.values(graph, m_undirected, space);
+    }
+    // Whether a cost of the graph's edges is below 0.
+    bool hasNegativeCosts(const RVGraph* graph) const;
 
 protected:
     RVSingleSourceShortestPathsInputData() = default;
@@ -81,8 +91,11 @@ private:
 
     int m_directed = 1;
     RVNode* m_pStartNode = nullptr;
-    rv::OwnedMap<rv::Values::Destroy> m_costs;
-    rv::Exchangeable<RVHashSet> m_undirectedEdges;
+    mutable rv::NodeColumn<int> m_nodeCosts{this};
+    mutable rv::EdgeCosts m_edgeCosts{this, 1};
+    mutable rv::EdgeColumn<int> m_undirected{this};
+    rv::IntMapOnRequest m_costMap;
+    rv::SetOnRequest m_undirectedSet;
 };
 
 class RV_EXPORT RVSingleSourceShortestPathsOutputData : public RVAnalysisOutputData {
@@ -93,23 +106,28 @@ public:
 
     // The maps behind what follows: from node to edge, and from node to RVInt. The setters take a map over
     // and destroy the present one, distances included; none stands for an empty one.
-    RVHashMap* pTreeEdgeMap() const { return m_treeEdges.get(); }
-    RVHashMap* pTreeEdgeMap(RVHashMap* map) { return m_treeEdges.take(map); }
-    RVHashMap* pDistanceMap() const { return m_distances.get(); }
-    RVHashMap* pDistanceMap(RVHashMap* map) { return m_distances.take(map); }
+    // Asking for one costs what it holds, and from then on every such value is looked up there.
+    RVHashMap* pTreeEdgeMap() const { return m_treeEdgeMap.handOut(m_treeEdges); }
+    RVHashMap* pTreeEdgeMap(RVHashMap* map) { return m_treeEdgeMap.take(map, m_treeEdges); }
+    RVHashMap* pDistanceMap() const { return m_distanceMap.handOut(m_distances); }
+    RVHashMap* pDistanceMap(RVHashMap* map) { return m_distanceMap.take(map, m_distances); }
     // The edge by which a cheapest path enters the node; none for the start node and nodes not reached. A
     // node that negative costs bring back from infinity has its way through nodes that count as not reached.
-    RVEdge* pTreeEdge(RVNode* node) const { return static_cast<RVEdge*>(m_treeEdges->get(node)); }
-    RVEdge* pTreeEdge(RVNode* node, RVEdge* edge);
+    RVEdge* pTreeEdge(RVNode* node) const { return m_treeEdgeMap.get(node, m_treeEdges); }
+    RVEdge* pTreeEdge(RVNode* node, RVEdge* edge) { return m_treeEdgeMap.store(node, edge, m_treeEdges); }
     // 2147483647 for a node that the start node does not reach.
-    int distance(RVNode* node) const;
-    int distance(RVNode* node, int value) { return m_distances->putInt(node, value); }
+    int distance(RVNode* node) const { return m_distanceMap.get(node, m_distances); }
+    int distance(RVNode* node, int value) { return m_distanceMap.store(node, value, m_distances); }
+    // Those of all nodes of a graph at once, by dense index. The default stands where there is no node.
+    void assign(RVGraph* graph, rv::Buffer<int>&& distances, rv::Buffer<RVEdge*>&& treeEdges);
 
     void reset() override;
 
 private:
-    rv::OwnedMap<rv::Values::Keep> m_treeEdges;
-    rv::OwnedMap<rv::Values::Destroy> m_distances;
+    mutable rv::NodeColumn<RVEdge*> m_treeEdges{this};
+    mutable rv::NodeColumn<int> m_distances{this, 2147483647};
+    rv::ObjectMapOnRequest<RVEdge> m_treeEdgeMap;
+    rv::IntMapOnRequest m_distanceMap;
 };
 
 // The nodes that wait for being settled, nearest first.
@@ -136,6 +154,7 @@ public:
     RVServiceErrorCodeEnum checkData() override;
 
 protected:
+    std::optional<RVServiceErrorCodeEnum> answer() override;
     RVServiceErrorCodeEnum algorithmBody() override;
     void generateOutputData() override;
     void parseInputData() override;
@@ -146,24 +165,8 @@ protected:
 
 private:
     friend class RVSingleSourceShortestPathsBinTree;
-    friend class RVSortedPathsAlgorithm;
 
-    // What a run keeps. Values by dense index of the working graph's objects.
     struct Run;
 
-    RVServiceErrorCodeEnum makeShortestPathTreeAcyclic();
-    RVServiceErrorCodeEnum makeShortestPathTreeDijkstra();
-    RVServiceErrorCodeEnum makeShortestPathTreeBellmanFord();
-    bool hasUndirectedEdges() const;
-    bool hasNegativeEdgeCosts() const;
-
     rv::RunState<Run> m_run{this};
-
-    // For an algorithm that uses this one as a part, with costs and distances past the 32-bit range. By dense
-    // index of the graph's edges and nodes, on which the run must work itself.
-    struct Exact {
-        const std::vector<std::int64_t>* costs = nullptr;
-        std::vector<std::int64_t>* distances = nullptr;
-    };
-    Exact m_exact;
 };

@@ -1,25 +1,23 @@
-// Eppstein's construction. Every edge that is not in the tree of cheapest paths to the finish node costs a
-// detour, its delta. The detours out of a node form a heap, its out-heap. The out-heaps on a node's way
-// through the tree are joined by a heap of their roots, its sidetrack heap, which shares all but one path
-// with that of the next node on the way. Cross edges lead from a detour to the sidetrack heap of the node
-// where it ends.
-
 #include "rv/shortestpaths/sorted_paths.h"
 
-#include <algorithm>
 #include <cstdint>
-#include <limits>
+#include <memory>
+#include <optional>
 #include <utility>
 #include <vector>
 
 #include "rv/foundation/arithmetic.h"
 #include "rv/foundation/graph_access.h"
 #include "rv/framework/check_input.h"
+#include "rv/framework/graph_snapshot.h"
 #include "rv/framework/input_fields.h"
+#include "rv/framework/member_lists.h"
 #include "rv/framework/run_pulse.h"
-#include "rv/shortestpaths/single_source_shortest_paths.h"
+#include "rv/kernels/cheapest_tree.h"
+#include "rv/kernels/part_between.h"
+#include "rv/kernels/path_graph.h"
+#include "rv/kernels/topological_order.h"
 #include "rv/shortestpaths/unreached.h"
-#include "rv/traversal/topological_sort.h"
 
 RV_OBJECT_IMPL(RVSortedPathsInputData)
 
@@ -221,73 +219,40 @@ namespace {
 
 using rv::placeOf;
 
-// Of nodes that are not reached, and of edges there.
-constexpr std::int64_t kInfiniteDelta = std::numeric_limits<std::int64_t>::max();
-
-enum EdgeType : std::uint8_t { kRootEdge = 0, kHeapEdge = 1, kCrossEdge = 2 };
-
-// All edges of a graph turned around, and back on every way out. Either way the edges stand in all lists in
-// the order of the graph's edge list afterwards.
-class ReversedGraph {
-public:
-    explicit ReversedGraph(const RVGraph* graph) : m_graph(graph) { reverse(); }
-    ReversedGraph(const ReversedGraph&) = delete;
-    ReversedGraph& operator=(const ReversedGraph&) = delete;
-    ~ReversedGraph() { reverse(); }
-
-private:
-    void reverse() {
-        for (RVEdge* edge : *m_graph->pEdgeList()) edge->invertDirection();
-    }
-    const RVGraph* m_graph;
-};
+constexpr auto kOneWay = [](rv::Index) { return false; };
 
 }  // namespace
 
-// Values by dense index: of the working graph's nodes and edges, and of those of the path graph, whose
-// indices are those of their making.
 struct RVSortedPathsAlgorithm::Run {
-    bool isTreeEdge(const RVEdge* edge) const { return treeEdges[placeOf(edge->pSourceNode())] == edge; }
-    std::int64_t delta(const RVNode* pathNode) const { return deltas[placeOf(detours[placeOf(pathNode)])]; }
+    // Finds everything about the paths of a graph whose edges cost costOf(edge), with the nodes that they
+    // enter.
+    template <class CostOf>
+    RVServiceErrorCodeEnum solve(const RVGraph* graph, const RVNode* from, const RVNode* to, CostOf costOf,
+                                 RVRunControl* control);
+    void countPaths(rv::Pulse& pulse);
+    void build(const RVGraph* graph);
+    // original(member) is the caller's object for one of the graph that was searched.
+    template <class Original>
+    void write(const RVSortedPathsInputData& input, RVSortedPathsOutputData& output, Original original);
 
-    RVNode* addPathNode(RVEdge* detour) {
-        RVNode* node = pathGraph->addNode(0);
-        detours.push_back(detour);
-        leftChildren.push_back(nullptr);
-        rightChildren.push_back(nullptr);
-        return node;
-    }
-    RVEdge* addPathEdge(RVNode* from, RVNode* to, EdgeType type) {
-        pathEdgeTypes.push_back(type);
-        return pathGraph->addEdge(from, to, 0);
-    }
-    RVNode*& child(const RVNode* node, bool right) {
-        return (right ? rightChildren : leftChildren)[placeOf(node)];
-    }
+    // Of the class itself and of subclasses.
+    std::shared_ptr<const rv::FlatGraph> flat;
+    const RVGraph* searched = nullptr;
+    std::optional<rv::PartBetween> part;
+    std::optional<rv::CheapestTree> tree;  // over the ways of the part, backward
+    bool pathExists = false;
+    bool hasCycle = false;
+    int numberOfPaths = 0;
+    rv::PathGraph paths;
+    std::unique_ptr<RVGraph> pathGraph;
+    std::vector<RVNode*> pathNodes;
+    std::vector<RVEdge*> pathEdges;
 
-    void heapify(std::vector<RVEdge*>& heap) const;
-    std::vector<RVNode*> sortedTreeNodes(int limit) const;
-    RVNode* insert(RVNode* root, RVNode* added, int size);
-
+    // Of the hooks, in the working graph.
     RVNode* start = nullptr;
     RVNode* finish = nullptr;
     std::vector<std::int64_t> costs;  // of edges, with the nodes that they enter
     RVNodeDList removedNodes;
-    std::vector<std::int64_t> distances;  // to the finish node
-    std::vector<RVEdge*> treeEdges;
-    std::vector<std::int64_t> deltas;
-    std::vector<RVNode*> heapRoots;  // by node: of the out-heap, then of the sidetrack heap; none for empty
-    bool pathExists = false;
-    bool hasCycle = false;
-    int numberOfPaths = 0;
-
-    std::unique_ptr<RVGraph> pathGraph;
-    RVNode* root = nullptr;
-    std::vector<RVEdge*> detours;  // by path-graph node; none for the root
-    std::vector<RVNode*> leftChildren;
-    std::vector<RVNode*> rightChildren;
-    std::vector<EdgeType> pathEdgeTypes;
-    std::vector<std::int64_t> pathEdgeCosts;
 };
 
 RV_OBJECT_IMPL(RVSortedPathsAlgorithm)
@@ -296,6 +261,114 @@ RVServiceErrorCodeEnum RVSortedPathsAlgorithm::checkData() {
     const RVServiceErrorCodeEnum code = checkInputGraph();
     return code != RV_NO_ERROR ? code : rv::checkEnds(*RVSortedPathsInputData::castDown(pInputData()));
 }
+
+template <class CostOf>
+RVServiceErrorCodeEnum RVSortedPathsAlgorithm::Run::solve(const RVGraph* graph, const RVNode* from,
+                                                          const RVNode* to, CostOf costOf,
+                                                          RVRunControl* control) {
+    flat = rv::snapshotOf(graph);
+    searched = graph;
+    rv::RunPulse pulse(control, "cheapest paths", graph->numberOfEdges());
+    part.emplace(*flat, rv::indexOf(from), rv::indexOf(to), false, kOneWay, pulse);
+    if (!part->exists()) return RV_NO_ERROR;
+    rv::Buffer<std::int64_t> partCosts(part->edges().size());
+    for (std::size_t i = 0; i < partCosts.size(); ++i) partCosts[i] = costOf(part->edges()[i]);
+    const rv::FlatGraph& ways = part->flat();
+    tree.emplace(
+        ways.in(), [&]() -> const rv::Arcs& { return ways.out(); }, part->finish(), false, kOneWay, true,
+        [&](rv::Index edge) { return partCosts[edge]; }, pulse);
+    if (tree->hasNegativeCycle()) return RV_NEGATIVE_CYCLE;
+    if (tree->distance(part->start()) >= rv::kInfinite) return RV_NO_ERROR;
+    pathExists = true;
+    rv::RunPulse heapPulse(control, "out-heaps", static_cast<std::int64_t>(part->edges().size()));
+    rv::RunPulse treePulse(control, "heaps of detours", static_cast<std::int64_t>(part->nodes().size()));
+    paths = rv::makePathGraph(
+        {ways.out(), ways.in(), part->ends(), partCosts, *tree, part->start(), part->finish()}, heapPulse,
+        treePulse);
+    countPaths(pulse);
+    build(graph);
+    return RV_NO_ERROR;
+}
+
+void RVSortedPathsAlgorithm::Run::countPaths(rv::Pulse& pulse) {
+    const rv::Arcs& in = part->flat().in();
+    const rv::TopologicalOrder sorted =
+        rv::topologicalOrder(part->flat().out(), part->flat().order(), {}, pulse);
+    hasCycle = !sorted.isComplete;
+    numberOfPaths = rv::kInfinite;
+    if (hasCycle) return;
+    rv::Buffer<int> counts(in.nodeLimit());
+    for (const rv::Index node : sorted.nodes) {
+        std::int64_t sum = node == part->start() ? 1 : 0;
+        for (const rv::Index source : in.targetsOf(node)) {
+            sum += counts[source];
+            if (sum > rv::kInfinite) return;
+        }
+        counts[node] = static_cast<int>(sum);
+    }
+    numberOfPaths = counts[part->finish()];
+}
+
+void RVSortedPathsAlgorithm::Run::build(const RVGraph* graph) {
+    pathGraph = rv::newGraphLike(graph);
+    pathNodes.reserve(paths.detours.size());
+    for (std::size_t i = 0; i < paths.detours.size(); ++i) pathNodes.push_back(pathGraph->addNode(0));
+    pathEdges.reserve(paths.edges.size());
+    for (const rv::PathGraph::Edge& edge : paths.edges)
+        pathEdges.push_back(pathGraph->addEdge(pathNodes[edge.from], pathNodes[edge.to], 0));
+}
+
+template <class Original>
+void RVSortedPathsAlgorithm::Run::write(const RVSortedPathsInputData& input, RVSortedPathsOutputData& output,
+                                        Original original) {
+    output.pathExists(pathExists ? 1 : 0);
+    output.acyclic(hasCycle ? 0 : 1);
+    output.numberOfPaths(numberOfPaths);
+    if (!pathExists) return;
+    output.m_shortestPathLength = tree->distance(part->start());
+    output.pStartNode(input.pStartNode());
+    output.pFinishNode(input.pFinishNode());
+    output.finishNodeCost(input.cost(input.pFinishNode()));
+    const rv::Members members(searched);
+    const auto edgeOf = [&](rv::Index way) {
+        return way == rv::kNoIndex ? nullptr : original(members.edge(part->edges()[way]));
+    };
+    for (rv::Index node = 0; node < part->nodes().size(); ++node) {
+        if (RVEdge* const edge = edgeOf(tree->edge(node)))
+            output.pTreeEdge(original(members.node(part->nodes()[node])), edge);
+    }
+    output.pPathGraph(pathGraph.get());
+    output.pRootNode(pathNodes.back());
+    rv::PathGraphValues& values = *output.m_pathGraph;
+    for (std::size_t i = 0; i < pathNodes.size(); ++i)
+        values.set(values.sidetracks, pathNodes[i], edgeOf(paths.detours[i]));
+    for (std::size_t i = 0; i < pathEdges.size(); ++i) {
+        values.set(values.costs, pathEdges[i], paths.edges[i].cost);
+        values.set(values.types, pathEdges[i], int{paths.edges[i].type});
+    }
+    static_cast<void>(pathGraph.release());  // the caller's from now on
+}
+
+std::optional<RVServiceErrorCodeEnum> RVSortedPathsAlgorithm::answer() {
+    const auto* input = RVSortedPathsInputData::castDown(pInputData());
+    const RVGraph* graph = input->pAssociatedGraph();
+    if (!isExactly<RVSortedPathsAlgorithm>() || !rv::hasCopyFactory(graph)) return std::nullopt;
+    rv::Buffer<int> spaces[2];
+    const std::span<const int> edgeCosts = input->edgeCosts().values(graph, spaces[0]);
+    const std::span<const int> nodeCosts = input->nodeCosts().values(graph, spaces[1]);
+    const auto costOf = [&, ends = rv::snapshotOf(graph)->order().ends](rv::Index edge) {
+        const rv::Index target = ends[edge].target;
+        const std::int64_t cost = edge < edgeCosts.size() ? edgeCosts[edge] : 1;
+        return cost + (target < nodeCosts.size() ? nodeCosts[target] : 0);
+    };
+    Run& run = *m_run;
+    const RVServiceErrorCodeEnum code =
+        run.solve(graph, input->pStartNode(), input->pFinishNode(), costOf, pRunControl());
+    run.write(*input, *RVSortedPathsOutputData::castDown(pOutputData()), [](auto* member) { return member; });
+    return code;
+}
+
+// The hooks, on which subclasses run
 
 void RVSortedPathsAlgorithm::parseInputData() {
     const auto* input = RVSortedPathsInputData::castDown(pInputData());
@@ -352,233 +425,19 @@ RVServiceErrorCodeEnum RVSortedPathsAlgorithm::algorithmBody() {
     Run& run = *m_run;
     const RVGraph* graph = pAssociatedGraph();
     if (run.finish->pOwnerGraph() == nullptr) return RV_NO_ERROR;
-    const RVServiceErrorCodeEnum code = makeShortestPathTree();
-    if (code != RV_NO_ERROR || run.distances[placeOf(run.start)] >= rv::kInfinite) return code;
-    run.pathExists = true;
-    calculateDeltaValues();
-    run.pathGraph = rv::newGraphLike(graph);
-    buildOutHeaps();
-    buildSidetrackHeaps();
-    buildPathGraph();
-    enumeratePaths();
-    return RV_NO_ERROR;
-}
-
-// Over the graph with all edges reversed, so that distances and tree edges lead to the finish node.
-RVServiceErrorCodeEnum RVSortedPathsAlgorithm::makeShortestPathTree() {
-    Run& run = *m_run;
-    RVGraph* graph = pAssociatedGraph();
-    RVSingleSourceShortestPathsAlgorithm search;
-    RVSingleSourceShortestPathsInputData input(graph);
-    RVSingleSourceShortestPathsOutputData output;
     run.costs.resize(static_cast<std::size_t>(graph->edgeIndexLimit()), 1);
-    search.useOriginalGraph(1);
-    search.m_exact = {&run.costs, &run.distances};
-    input.pStartNode(run.finish);
-    RVServiceErrorCodeEnum code = RV_NO_ERROR;
-    {
-        const ReversedGraph reversed(graph);
-        code = rv::runPart(*this, search, input, output);
-    }
-    if (code != RV_NO_ERROR) return code;
-    run.treeEdges.resize(run.distances.size());
-    for (RVNode* node : *graph->pNodeList()) run.treeEdges[placeOf(node)] = output.pTreeEdge(node);
-    return code;
-}
-
-// A node that Dijkstra's method did not reach is infinitely far from the finish node, and so is what lies
-// before it: edges to and from there are on no path that counts.
-void RVSortedPathsAlgorithm::calculateDeltaValues() {
-    Run& run = *m_run;
-    run.deltas.assign(run.costs.size(), kInfiniteDelta);
-    for (const RVEdge* edge : *pAssociatedGraph()->pEdgeList()) {
-        const std::int64_t before = run.distances[placeOf(edge->pSourceNode())];
-        const std::int64_t behind = run.distances[placeOf(edge->pTargetNode())];
-        if (before == kInfiniteDelta || behind == kInfiniteDelta) continue;
-        run.deltas[placeOf(edge)] = behind + run.costs[placeOf(edge)] - before;
-    }
-}
-
-// Position 0 holds a least delta and has one child, position 1; from there on the children of position i are
-// 2 i and 2 i + 1.
-void RVSortedPathsAlgorithm::Run::heapify(std::vector<RVEdge*>& heap) const {
-    const auto isLess = [this](const RVEdge* a, const RVEdge* b) {
-        return deltas[placeOf(a)] < deltas[placeOf(b)];
-    };
-    for (std::size_t i = 1; i < heap.size(); ++i) {
-        if (isLess(heap[i], heap[0])) std::swap(heap[i], heap[0]);
-    }
-    for (std::size_t j = heap.size(); j-- > 1;) {
-        for (std::size_t i = j; 2 * i < heap.size();) {
-            std::size_t least = 2 * i;
-            if (least + 1 < heap.size() && isLess(heap[least + 1], heap[least])) ++least;
-            if (!isLess(heap[least], heap[i])) break;
-            std::swap(heap[i], heap[least]);
-            i = least;
-        }
-    }
-}
-
-void RVSortedPathsAlgorithm::buildOutHeaps() {
-    Run& run = *m_run;
-    run.heapRoots.assign(run.distances.size(), nullptr);
-    std::vector<RVEdge*> heap;
-    std::vector<RVNode*> heapNodes;
-    rv::RunPulse pulse(pRunControl(), "out-heaps", pAssociatedGraph()->numberOfEdges());
-    for (const RVNode* node : *pAssociatedGraph()->pNodeList()) {
-        pulse.beat(1 + node->outDegree());
-        heap.clear();
-        heapNodes.clear();
-        for (RVEdge* edge : *node->pOutEdgeList()) {
-            if (!run.isTreeEdge(edge) && run.deltas[placeOf(edge)] != kInfiniteDelta) heap.push_back(edge);
-        }
-        run.heapify(heap);
-        for (RVEdge* edge : heap) heapNodes.push_back(run.addPathNode(edge));
-        for (std::size_t i = 1; i < heap.size(); ++i) {
-            run.addPathEdge(heapNodes[i / 2], heapNodes[i], kHeapEdge);
-        }
-        if (!heap.empty()) run.heapRoots[placeOf(node)] = heapNodes[0];
-    }
-}
-
-// Breadth first from the finish node, so that every node comes after the one to which its tree edge leads.
-std::vector<RVNode*> RVSortedPathsAlgorithm::Run::sortedTreeNodes(int limit) const {
-    std::vector<RVNode*> nodes;
-    nodes.reserve(static_cast<std::size_t>(limit));
-    nodes.push_back(finish);
-    for (std::size_t i = 0; i < nodes.size(); ++i) {
-        for (const RVEdge* edge : *nodes[i]->pInEdgeList()) {
-            if (isTreeEdge(edge)) nodes.push_back(edge->pSourceNode());
-        }
-    }
-    return nodes;
-}
-
-void RVSortedPathsAlgorithm::buildSidetrackHeaps() {
-    Run& run = *m_run;
-    std::vector<int> sizes(run.heapRoots.size());
-    const int nodes = pAssociatedGraph()->numberOfNodes();
-    rv::RunPulse pulse(pRunControl(), "heaps of detours", nodes);
-    for (const RVNode* node : run.sortedTreeNodes(nodes)) {
-        pulse.beat();
-        RVNode*& root = run.heapRoots[placeOf(node)];
-        int& size = sizes[placeOf(node)];
-        if (node == run.finish) {
-            size = root != nullptr ? 1 : 0;
-            continue;
-        }
-        const RVNode* next = run.treeEdges[placeOf(node)]->pTargetNode();
-        size = sizes[placeOf(next)];
-        root = root == nullptr ? run.heapRoots[placeOf(next)]
-                               : run.insert(run.heapRoots[placeOf(next)], root, ++size);
-    }
-    // The children become edges only now, after out-heap edges could be told by being the only ones.
-    for (RVNode* node : *run.pathGraph->pNodeList()) {
-        for (const bool right : {false, true}) {
-            if (RVNode* child = run.child(node, right)) run.addPathEdge(node, child, kHeapEdge);
-        }
-    }
-}
-
-// Inserts the root of an out-heap as the last, size-th position of a heap of such roots. The positions above
-// it are copied, so that the heap without it stays. Gives the new heap's root.
-RVNode* RVSortedPathsAlgorithm::Run::insert(RVNode* heapRoot, RVNode* added, int size) {
-    int depth = 0;
-    while ((size >> depth) > 1) ++depth;
-    const auto turnsRight = [=](int level) { return (size >> (depth - level - 1)) % 2 != 0; };
-    std::vector<RVNode*> path;  // from the root
-    RVNode* old = heapRoot;
-    for (int level = 0; level < depth; ++level) {
-        RVNode* copy = addPathNode(detours[placeOf(old)]);
-        child(copy, false) = child(old, false);
-        child(copy, true) = child(old, true);
-        if (const RVEdge* outHeapEdge = old->pOutEdge())
-            addPathEdge(copy, outHeapEdge->pTargetNode(), kHeapEdge);
-        if (level > 0) child(path.back(), turnsRight(level - 1)) = copy;
-        path.push_back(copy);
-        old = child(old, turnsRight(level));
-    }
-    if (depth > 0) child(path.back(), turnsRight(depth - 1)) = added;
-    path.push_back(added);
-
-    for (int level = depth; level > 0; --level) {
-        RVNode* parent = path[static_cast<std::size_t>(level - 1)];
-        if (delta(added) >= delta(parent)) break;
-        const bool right = turnsRight(level - 1);
-        std::swap(child(added, false), child(parent, false));
-        std::swap(child(added, true), child(parent, true));
-        child(added, right) = parent;
-        if (level > 1) child(path[static_cast<std::size_t>(level - 2)], turnsRight(level - 2)) = added;
-        std::swap(path[static_cast<std::size_t>(level)], path[static_cast<std::size_t>(level - 1)]);
-    }
-    return path.front();
-}
-
-void RVSortedPathsAlgorithm::buildPathGraph() {
-    Run& run = *m_run;
-    for (const RVEdge* edge : *run.pathGraph->pEdgeList()) {
-        run.pathEdgeCosts.push_back(run.delta(edge->pTargetNode()) - run.delta(edge->pSourceNode()));
-    }
-    const auto leadOn = [&](RVNode* from, const RVNode* node, EdgeType type) {
-        RVNode* heapRoot = run.heapRoots[placeOf(node)];
-        if (heapRoot == nullptr) return;
-        run.addPathEdge(from, heapRoot, type);
-        run.pathEdgeCosts.push_back(run.delta(heapRoot));
-    };
-    for (RVNode* node : *run.pathGraph->pNodeList()) {
-        leadOn(node, run.detours[placeOf(node)]->pTargetNode(), kCrossEdge);
-    }
-    run.root = run.addPathNode(nullptr);
-    leadOn(run.root, run.start, kRootEdge);
-}
-
-void RVSortedPathsAlgorithm::enumeratePaths() {
-    Run& run = *m_run;
-    RVTopologicalSortAlgorithm sort;
-    RVTopologicalSortInputData input(pAssociatedGraph());
-    RVTopologicalSortOutputData sorted;
-    rv::runPart(*this, sort, input, sorted);
-    run.hasCycle = sorted.acyclic() == 0;
-    run.numberOfPaths = rv::kInfinite;
-    if (run.hasCycle) return;
-    std::vector<int> counts(run.distances.size());
-    for (const RVNode* node : *sorted.pNodeList()) {
-        std::int64_t sum = node == run.start ? 1 : 0;
-        for (const RVEdge* edge : *node->pInEdgeList()) {
-            sum += counts[placeOf(edge->pSourceNode())];
-            if (sum > rv::kInfinite) return;
-        }
-        counts[placeOf(node)] = static_cast<int>(sum);
-    }
-    run.numberOfPaths = counts[placeOf(run.finish)];
+    return run.solve(
+        graph, run.start, run.finish, [&](rv::Index edge) { return run.costs[edge]; }, pRunControl());
 }
 
 void RVSortedPathsAlgorithm::generateOutputData() {
     const RVAlgorithmData* data = pInternalData();
-    const auto* input = RVSortedPathsInputData::castDown(pInputData());
-    auto* output = RVSortedPathsOutputData::castDown(pOutputData());
-    Run& run = *m_run;
-    output->pathExists(run.pathExists ? 1 : 0);
-    output->acyclic(run.hasCycle ? 0 : 1);
-    output->numberOfPaths(run.numberOfPaths);
-    if (!run.pathExists) return;
-    output->m_shortestPathLength = run.distances[placeOf(run.start)];
-    output->pStartNode(data->pOriginalNode(run.start));
-    output->pFinishNode(data->pOriginalNode(run.finish));
-    output->finishNodeCost(input->cost(output->pFinishNode()));
-    for (RVNode* node : *pAssociatedGraph()->pNodeList()) {
-        RVEdge* edge = run.treeEdges[placeOf(node)];
-        if (edge != nullptr) output->pTreeEdge(data->pOriginalNode(node), data->pOriginalEdge(edge));
-    }
-    output->pPathGraph(run.pathGraph.get());
-    output->pRootNode(run.root);
-    for (RVNode* node : *run.pathGraph->pNodeList()) {
-        RVEdge* detour = run.detours[placeOf(node)];
-        if (detour != nullptr) output->pSidetrackEdge(node, data->pOriginalEdge(detour));
-    }
-    for (RVEdge* edge : *run.pathGraph->pEdgeList()) {
-        output->exactCost(edge, run.pathEdgeCosts[placeOf(edge)]);
-        output->type(edge, run.pathEdgeTypes[placeOf(edge)]);
-    }
-    static_cast<void>(run.pathGraph.release());  // the caller's from now on
+    m_run->write(*RVSortedPathsInputData::castDown(pInputData()),
+                 *RVSortedPathsOutputData::castDown(pOutputData()), [data](auto* member) {
+                     if constexpr (std::is_same_v<decltype(member), RVNode*>) {
+                         return data->pOriginalNode(member);
+                     } else {
+                         return data->pOriginalEdge(member);
+                     }
+                 });
 }

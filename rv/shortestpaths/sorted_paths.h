@@ -167,6 +167,7 @@ public:
     RVServiceErrorCodeEnum checkData() override;
 
 protected:
+    std::optional<RVServiceErrorCodeEnum> answer() override;
     RVServiceErrorCodeEnum algorithmBody() override;
     void generateOutputData() override;
     void parseInputData() override;
@@ -180,12 +181,6 @@ private:
 
     void removeOtherNodes(RVNode* end, int reversed);
     void addNodeCosts();
-    RVServiceErrorCodeEnum makeShortestPathTree();
-    void calculateDeltaValues();
-    void buildOutHeaps();
-    void buildSidetrackHeaps();
-    void buildPathGraph();
-    void enumeratePaths();
 
     rv::RunState<Run> m_run{this};
 };
