@@ -30,11 +30,16 @@
 //   if (paths.run() == RV_NO_ERROR) use(output.computeLengthOfShortestPath(a, b));
 #pragma once
 
+#include <span>
 #include <vector>
 
 #include "rv/framework/base_graph_algorithm.h"
 #include "rv/framework/columns.h"
 #include "rv/shortestpaths/path_costs.h"
+
+namespace rv {
+class PathMatrix;
+}
 
 // Named fields: those of RVPathCostInputData.
 class RV_EXPORT RVAllPairsShortestPathsInputData : public RVPathCostInputData {
@@ -96,7 +101,10 @@ public:
     void reset() override;
 
 private:
+    friend class RVAllPairsShortestPathsAlgorithm;
+
     bool isInGraph(const RVNode* node) const;
+    void store(const RVGraph& graph, const rv::PathMatrix& matrix, std::span<RVEdge* const> edges) const;
 
     mutable rv::NodeColumn<int> m_numbers{this, &NodeRecord::number, &NodeRecord::number};
 };

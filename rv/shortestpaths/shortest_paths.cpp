@@ -1,26 +1,23 @@
 #include "rv/shortestpaths/shortest_paths.h"
 
+#include <algorithm>
 #include <utility>
+#include <vector>
 
 #include "rv/foundation/arithmetic.h"
 #include "rv/framework/check_input.h"
-#include "rv/framework/sub_algorithm.h"
-#include "rv/shortestpaths/all_pairs_shortest_paths.h"
-#include "rv/shortestpaths/dijkstra.h"
-#include "rv/shortestpaths/unreached.h"
-#include "rv/traversal/topological_sort.h"
+#include "rv/framework/run_pulse.h"
+#include "rv/kernels/part_between.h"
+#include "rv/kernels/path_matrix.h"
+#include "rv/kernels/relaxing.h"
+#include "rv/kernels/topological_order.h"
+#include "rv/shortestpaths/path_answer.h"
 
 RV_OBJECT_IMPL(RVShortestPathsAlgorithm)
 
-namespace {
-
-using rv::placeOf;
-
-}  // namespace
-
 RVServiceErrorCodeEnum RVShortestPathsAlgorithm::checkData() {
     const RVServiceErrorCodeEnum code = checkInputGraph();
-    return code != RV_NO_ERROR ? code : rv::checkEnds(*pQuestion());
+    return code != RV_NO_ERROR ? code : rv::checkEnds(*RVShortestPathsInputData::castDown(pInputData()));
 }
 
 int RVShortestPathsAlgorithm::canUseOriginalGraph() const { return 0; }
@@ -29,236 +26,243 @@ void RVShortestPathsAlgorithm::preprocessGraph() {}
 
 void RVShortestPathsAlgorithm::postprocessGraph() {}
 
-const RVShortestPathsInputData* RVShortestPathsAlgorithm::pQuestion() const {
-    return RVShortestPathsInputData::castDown(pInputData());
-}
-
-RVShortestPathsOutputData* RVShortestPathsAlgorithm::pAnswer() const {
-    return RVShortestPathsOutputData::castDown(pOutputData());
-}
-
-int RVShortestPathsAlgorithm::cost(const RVEdge* edge) const { return m_run->costs[placeOf(edge)]; }
-
-int RVShortestPathsAlgorithm::cost(const RVEdge* edge, int value) {
-    std::vector<int>& costs = m_run->costs;
-    if (placeOf(edge) >= costs.size()) costs.resize(placeOf(edge) + 1);
-    return costs[placeOf(edge)] = value;
-}
-
-// Edges that stand for the cost of a node are none of the caller's.
-void RVShortestPathsAlgorithm::appendOriginal(RVEdge* edge, RVEdgeDList& list) const {
-    RVEdge* original = pInternalData()->pOriginalEdge(edge);
-    if (original != edge) list.appendEdge(original);
-}
-
-RVServiceErrorCodeEnum RVShortestPathsAlgorithm::algorithmBody() {
-    const RVGraph* graph = pAssociatedGraph();
-    processUndirectedEdges();
-    filterGraph(0);
-    if (graph->numberOfNodes() > 0) filterGraph(1);
-    if (graph->numberOfNodes() == 0) {
-        pAnswer()->totalCost(rv::kInfinite);
-        return pAnalysisInternalData()->returnCode();
-    }
-    storeEdgeCosts();
-    splitNodes();
-    hasNegativeCost() ? sortAndRun() : runDijkstraAlgorithm();
-    return pAnalysisInternalData()->returnCode();
-}
-
-// Preparing the copy
-
-void RVShortestPathsAlgorithm::processUndirectedEdges() {
-    RVGraph* graph = pAssociatedGraph();
-    RVAlgorithmData* data = pInternalData();
-    const bool all = pQuestion()->undirected() != 0;
-    const RVEdgeDList edges(*graph->pEdgeList());
-    for (RVEdge* edge : edges) {
-        RVEdge* original = data->pOriginalEdge(edge);
-        if (!all && pQuestion()->undirected(original) == 0) continue;
-        data->pOriginalEdge(graph->addEdge(edge->pTargetNode(), edge->pSourceNode(), 0), original);
-    }
-}
-
-// Keeps what the start node reaches, or, reversed, what reaches the finish node; nothing when that leaves out
-// the other of the two.
-void RVShortestPathsAlgorithm::filterGraph(int reverse) {
-    RVGraph* graph = pAssociatedGraph();
-    RVAnalysisInternalData* data = pAnalysisInternalData();
-    RVNode* from = data->pCopyNode(pQuestion()->pStartNode());
-    RVNode* to = data->pCopyNode(pQuestion()->pFinishNode());
-    if (reverse != 0) std::swap(from, to);
-
-    RVReachableNodesOutputData output;
-    rv::noteFailure(*data, rv::findReachable(*this, graph, from, reverse, output), debugMode(),
-                    L"Error in Reachable Nodes. Return code = %d\n");
-    bool hasPath = true;
-    rv::forEachOtherNode(graph, *output.pNodeList(), [&](const RVNode* node) { hasPath &= node != to; });
-    const RVNodeDList none;
-    rv::forEachOtherNode(graph, hasPath ? *output.pNodeList() : none,
-                         [&](RVNode* node) { graph->discardNode(node); });
-}
-
-void RVShortestPathsAlgorithm::storeEdgeCosts() {
-    m_run->costs.resize(static_cast<std::size_t>(pAssociatedGraph()->edgeIndexLimit()));
-    for (RVEdge* edge : *pAssociatedGraph()->pEdgeList()) {
-        cost(edge, pQuestion()->cost(pInternalData()->pOriginalEdge(edge)));
-    }
-}
-
-// A node with a cost gets another one before it, which takes its in-edges, and an edge of that cost from
-// there. Paths end before the finish node's edge and begin behind the start node's.
-void RVShortestPathsAlgorithm::splitNodes() {
-    RVGraph* graph = pAssociatedGraph();
-    RVAlgorithmData* data = pInternalData();
-    Run& run = *m_run;
-    run.start = data->pCopyNode(pQuestion()->pStartNode());
-    run.finish = data->pCopyNode(pQuestion()->pFinishNode());
-    run.startIsFinish = run.start == run.finish;
-    const RVNodeDList nodes(*graph->pNodeList());
-    for (RVNode* node : nodes) {
-        const int nodeCost = pQuestion()->cost(data->pOriginalNode(node));
-        if (nodeCost == 0) continue;
-        const RVEdgeDList inEdges(*node->pInEdgeList());
-        RVNode* before = graph->addNode(0);
-        cost(graph->addEdge(before, node, 0), nodeCost);
-        for (RVEdge* edge : inEdges) edge->changeTargetNode(before);
-        if (node == run.finish) run.finish = before;
-    }
-}
-
-bool RVShortestPathsAlgorithm::hasNegativeCost() const {
-    for (const RVEdge* edge : *pAssociatedGraph()->pEdgeList()) {
-        if (cost(edge) < 0) return true;
-    }
-    return false;
-}
-
 // The three methods
 
-void RVShortestPathsAlgorithm::answerEmptyPath() {
-    pAnswer()->pathExists(1);
-    pAnswer()->totalCost(0);
-}
+namespace {
 
-void RVShortestPathsAlgorithm::runDijkstraAlgorithm() {
-    if (m_run->startIsFinish) {
-        answerEmptyPath();
-        return;
+using rv::Index;
+
+struct Found {
+    RVServiceErrorCodeEnum code = RV_NO_ERROR;
+    bool exists = false;
+    int cost = 0;
+    rv::Buffer<Index> path;  // backward
+};
+
+// A node that costs something is two: that which is left, and behind all nodes of the graph that which is
+// entered, from where an edge of the node's cost leads to the other one.
+template <class Ways>
+class SplitWays {
+public:
+    SplitWays(const rv::PathView& view, const Ways& ways)
+        : m_view(view), m_ways(ways), m_nodeLimit(view.flat().out().nodeLimit()) {}
+
+    static int leaving(Index) { return 0; }
+    template <class F>
+    void forEach(Index node, F f) const {
+        if (node >= m_nodeLimit) {
+            f(node - m_nodeLimit, rv::kNoIndex, m_view.costOfNode(node - m_nodeLimit));
+        } else {
+            m_ways.forEach(node, [&](Index target, Index edge, int cost) { f(entered(target), edge, cost); });
+        }
     }
-    RVGraph* graph = pAssociatedGraph();
-    RVDijkstraAlgorithm dijkstra;
-    RVShortestPathsInputData input(graph);
-    RVDijkstraOutputData output;
-    dijkstra.useOriginalGraph(1);
-    input.pStartNode(m_run->start);
-    input.pFinishNode(m_run->finish);
-    for (RVEdge* edge : *graph->pEdgeList()) input.cost(edge, cost(edge));
-    const RVServiceErrorCodeEnum code = rv::runPart(*this, dijkstra, input, output);
-    rv::noteFailure(*pAnalysisInternalData(), code, debugMode(), L"Error in Dijkstra. Return code = %d\n");
-    if (code != RV_NO_ERROR) return;
-    pAnswer()->totalCost(output.totalCost());
-    pAnswer()->pathExists(output.pathExists());
-    for (RVEdge* edge : *output.pEdgeList()) appendOriginal(edge, *pAnswer()->pEdgeList());
-}
+    Index entered(Index node) const { return m_view.costOfNode(node) == 0 ? node : m_nodeLimit + node; }
 
-void RVShortestPathsAlgorithm::sortAndRun() {
-    RVTopologicalSortAlgorithm sort;
-    RVTopologicalSortInputData input(pAssociatedGraph());
-    RVTopologicalSortOutputData output;
-    rv::noteFailure(*pAnalysisInternalData(), rv::runPart(*this, sort, input, output), debugMode(),
-                    L"Error in Top Sort. Return code = %d\n");
-    output.acyclic() != 0 ? runAcyclicAlgorithm(output) : runAllPairsAlgorithm();
-}
+private:
+    const rv::PathView& m_view;
+    const Ways& m_ways;
+    const Index m_nodeLimit;
+};
 
-// One pass in topological order: the distance of a node is that of its best predecessor.
-void RVShortestPathsAlgorithm::runAcyclicAlgorithm(const RVTopologicalSortOutputData& sorted) {
-    const Run& run = *m_run;
-    if (run.startIsFinish) {
-        answerEmptyPath();
-        return;
-    }
-    struct Reached {
-        int distance = rv::kInfinite;
-        RVEdge* last = nullptr;
+Found findNearest(const rv::PathView& view, const RVGraph* graph, Index start, Index finish,
+                  rv::Pulse& pulse) {
+    Found found;
+    found.exists = start == finish;
+    if (found.exists) return found;
+    const rv::ScratchLoan<rv::PathScratch> scratch(graph);
+    auto& labels = scratch->labels;
+    const Index nodeLimit = view.flat().out().nodeLimit();
+    scratch->begin(view.hasNodeCosts() ? 2 * nodeLimit : nodeLimit);
+    const auto search = [&](const auto& ways, Index stop) {
+        rv::findNearest(ways, start, {rv::kInfinite, stop}, labels, scratch->settled, pulse);
+        found.cost = labels.distance(stop);
     };
-    std::vector<Reached> reached(static_cast<std::size_t>(pAssociatedGraph()->nodeIndexLimit()));
-    for (const RVNode* node : *sorted.pNodeList()) {
-        Reached& best = reached[placeOf(node)];
-        if (node == run.start) {
-            best.distance = 0;
+    Index node = finish;
+    view.withPlainWays([&](const auto& ways) {
+        if (!view.hasNodeCosts()) return search(ways, finish);
+        const SplitWays split(view, ways);
+        node = split.entered(finish);
+        search(split, node);
+    });
+    found.exists = found.cost != rv::kInfinite;
+    while (found.exists && node != start) {
+        const Index edge = labels.edge(node);
+        if (edge == rv::kNoIndex) {
+            node += nodeLimit;  // it was entered there
             continue;
         }
-        for (RVEdge* edge : *node->pInEdgeList()) {
-            const int before = reached[placeOf(edge->pSourceNode())].distance;
-            if (before == rv::kInfinite) continue;
-            const int distance = rv::saturatingSum(before, cost(edge));
-            if (distance < best.distance) best = {distance, edge};
+        found.path.push_back(edge);
+        node = view.otherEnd(edge, node < nodeLimit ? node : node - nodeLimit);
+    }
+    return found;
+}
+
+// The distance of a node is that of its best predecessor.
+Found findInOrder(const rv::PathView& view, std::span<const Index> order, Index start, Index finish,
+                  rv::Pulse& pulse) {
+    Found found;
+    found.exists = start == finish;
+    if (found.exists) return found;
+    rv::NearestLabels<int> labels(view.flat().out().nodeLimit());
+    rv::relaxInto(
+        order, view.flat().in(), start, [&](Index node) { return view.costOfNode(node); },
+        [&](Index edge) { return view.cost(edge); }, labels, pulse);
+    found.cost = labels.distance(finish);
+    found.exists =
+        found.cost != rv::kInfinite && rv::listPathBackward(view, labels, start, finish, found.path);
+    return found;
+}
+
+// All pairs of the part, in which nodes that cost something are split.
+class AllPairsOfPart {
+public:
+    AllPairsOfPart(const rv::PathView& view, const rv::PartBetween& part, rv::Pulse& pulse) : m_part(part) {
+        std::size_t size = part.nodes().size();
+        for (std::size_t i = 0; i < part.nodes().size(); ++i)
+            m_entered.push_back(view.costOfNode(part.nodes()[i]) == 0 ? i : size++);
+        std::vector<rv::PathMatrix::Edge> edges;
+        for (std::size_t way = 0; way < part.edges().size(); ++way) {
+            const rv::Ends ends = part.ends()[way];
+            edges.push_back({ends.source, m_entered[ends.target], view.cost(part.edges()[way]), false});
         }
+        for (std::size_t i = 0; i < m_entered.size(); ++i) {
+            if (m_entered[i] != i)
+                edges.push_back({m_entered[i], i, view.costOfNode(part.nodes()[i]), false});
+        }
+        for (const auto& edge : edges) m_sources.push_back(edge.source);
+        m_size = size;
+        m_start = part.start();
+        m_finish = m_entered[part.finish()];
+        m_matrix.emplace(std::vector<int>(size), std::move(edges), pulse);
     }
-    const int distance = reached[placeOf(run.finish)].distance;
-    pAnswer()->totalCost(distance);
-    pAnswer()->pathExists(distance != rv::kInfinite ? 1 : 0);
-    if (distance == rv::kInfinite) return;
-    RVEdgeDList backward;
-    for (const RVNode* node = run.finish; node != run.start;) {
-        RVEdge* last = reached[placeOf(node)].last;
-        appendOriginal(last, backward);
-        node = last->pSourceNode();
+
+    Found find() {
+        Found found;
+        if (!m_matrix->compute() || goesRound()) {
+            found.code = RV_NEGATIVE_CYCLE;
+            return found;
+        }
+        found.cost = m_matrix->cost(m_start, m_finish);
+        listPath(found.path);
+        if (m_part.start() == m_part.finish() && found.cost >= 0) {
+            found.cost = 0;
+            found.path.clear();
+            found.exists = true;
+        } else {
+            found.exists = m_hasPath;
+        }
+        return found;
     }
-    for (RVEdge* edge : backward) pAnswer()->pEdgeList()->prependEdge(edge);
+
+private:
+    // Whether the way back from the finish node never ends: then there is a negative cycle whose sum has
+    // wrapped.
+    bool goesRound() const {
+        std::size_t node = m_finish;
+        for (std::size_t steps = 0; steps <= m_size; ++steps) {
+            if (steps > 0 && node == m_start) return false;
+            const Index last = m_matrix->lastEdge(m_start, node);
+            if (last == rv::kNoIndex) return false;
+            node = m_sources[last];
+        }
+        return true;
+    }
+    // Without a path, also where one is infinite on the way, nothing.
+    void listPath(rv::Buffer<Index>& path) {
+        std::size_t node = m_finish;
+        for (std::size_t steps = 0; steps == 0 || node != m_start; ++steps) {
+            const Index last = m_matrix->lastEdge(m_start, node);
+            if (last == rv::kNoIndex || steps >= m_size) return path.clear();
+            if (last < m_part.edges().size()) path.push_back(m_part.edges()[last]);
+            node = m_sources[last];
+        }
+        m_hasPath = true;
+    }
+
+    const rv::PartBetween& m_part;
+    std::vector<std::size_t> m_entered;  // by node: where it is entered
+    std::vector<std::size_t> m_sources;  // by edge
+    std::size_t m_size = 0;
+    std::size_t m_start = 0;
+    std::size_t m_finish = 0;
+    bool m_hasPath = false;
+    std::optional<rv::PathMatrix> m_matrix;
+};
+
+// Costs below 0 count only between start and finish.
+Found findCheapest(const RVShortestPathsInputData& input, RVRunControl* control) {
+    const RVGraph* graph = input.pAssociatedGraph();
+    rv::RunPulse pulse(control, "cheapest paths", graph->numberOfEdges());
+    const rv::PathView view(input);
+    const Index start = rv::indexOf(input.pStartNode());
+    const Index finish = rv::indexOf(input.pFinishNode());
+    if (!input.edgeCosts().hasNegatives(graph) && !input.nodeCosts().hasNegatives(graph))
+        return findNearest(view, graph, start, finish, pulse);
+
+    const rv::PartBetween part(
+        view.flat(), start, finish, view.hasUndirectedEdges(),
+        [&](Index edge) { return view.isUndirected(edge); }, pulse);
+    if (!part.exists()) return {};
+    const bool hasNegatives =
+        std::ranges::any_of(part.edges(), [&](Index edge) { return view.cost(edge) < 0; }) ||
+        std::ranges::any_of(part.nodes(), [&](Index node) { return view.costOfNode(node) < 0; });
+    if (!hasNegatives) return findNearest(view, graph, start, finish, pulse);
+    if (!part.hasWaysBack()) {
+        rv::TopologicalOrder order = rv::topologicalOrder(part.flat().out(), part.flat().order(), {}, pulse);
+        for (Index& node : order.nodes) node = part.nodes()[node];
+        if (order.isComplete) return findInOrder(view, order.nodes, start, finish, pulse);
+    }
+    return AllPairsOfPart(view, part, pulse).find();
 }
 
-void RVShortestPathsAlgorithm::runAllPairsAlgorithm() {
-    RVGraph* graph = pAssociatedGraph();
-    RVAnalysisInternalData* data = pAnalysisInternalData();
-    RVAllPairsShortestPathsAlgorithm paths;
-    RVAllPairsShortestPathsInputData input(graph);
-    auto output = std::make_unique<RVAllPairsShortestPathsOutputData>();
-    for (RVEdge* edge : *graph->pEdgeList()) input.cost(edge, cost(edge));
-    const RVServiceErrorCodeEnum code = rv::runPart(*this, paths, input, *output);
-    if (code == RV_NEGATIVE_CYCLE) {
-        data->returnCode(code);
-    } else {
-        rv::noteFailure(*data, code, debugMode(), L"Error in All Pairs. Return code = %d\n");
-    }
-    if (code != RV_NO_ERROR) return;
-    if (goesRound(*output)) {
-        data->returnCode(RV_NEGATIVE_CYCLE);
-    } else {
-        m_run->allPairs = std::move(output);
-    }
+}  // namespace
+
+// Answers a question about a graph, with the edges of that graph.
+RVServiceErrorCodeEnum RVShortestPathsAlgorithm::findPath(const RVShortestPathsInputData& input,
+                                                          RVEdgeDList& edges) {
+    Found found = findCheapest(input, pRunControl());
+    if (found.code != RV_NO_ERROR) return found.code;
+    auto* output = RVShortestPathsOutputData::castDown(pOutputData());
+    output->pathExists(found.exists ? 1 : 0);
+    output->totalCost(found.exists ? found.cost : rv::kInfinite);
+    if (!found.exists) return RV_NO_ERROR;
+    std::ranges::reverse(found.path);
+    rv::Members(input.pAssociatedGraph()).append(found.path, edges);
+    return RV_NO_ERROR;
 }
 
-// Whether the way back from the finish node never ends: then there is a negative cycle whose sum has wrapped.
-bool RVShortestPathsAlgorithm::goesRound(const RVAllPairsShortestPathsOutputData& paths) const {
-    const Run& run = *m_run;
-    RVNode* node = run.finish;
-    for (int steps = 0; steps <= pAssociatedGraph()->numberOfNodes(); ++steps) {
-        if (steps > 0 && node == run.start) return false;
-        const RVEdge* last = paths.pLastEdge(run.start, node);
-        if (last == nullptr) return false;
-        node = last->pSourceNode();
+std::optional<RVServiceErrorCodeEnum> RVShortestPathsAlgorithm::answer() {
+    const auto* input = RVShortestPathsInputData::castDown(pInputData());
+    if (!isExactly<RVShortestPathsAlgorithm>()) return std::nullopt;
+    return findPath(*input, *RVShortestPathsOutputData::castDown(pOutputData())->pEdgeList());
+}
+
+// The hooks, on which subclasses run: the question is asked of the copy.
+
+RVServiceErrorCodeEnum RVShortestPathsAlgorithm::algorithmBody() {
+    const auto* input = RVShortestPathsInputData::castDown(pInputData());
+    const RVAlgorithmData* data = pInternalData();
+    RVShortestPathsInputData question(pAssociatedGraph());
+    question.undirected(input->undirected());
+    question.pStartNode(data->pCopyNode(input->pStartNode()));
+    question.pFinishNode(data->pCopyNode(input->pFinishNode()));
+    for (RVNode* node : *pAssociatedGraph()->pNodeList())
+        question.cost(node, input->cost(data->pOriginalNode(node)));
+    for (RVEdge* edge : *pAssociatedGraph()->pEdgeList()) {
+        RVEdge* const original = data->pOriginalEdge(edge);
+        question.cost(edge, input->cost(original));
+        if (input->undirected(original) != 0) question.undirected(edge, 1);
     }
-    return true;
+    RVEdgeDList path;
+    const RVServiceErrorCodeEnum code = findPath(question, path);
+    auto* output = RVShortestPathsOutputData::castDown(pOutputData());
+    for (RVEdge* edge : path) {
+        RVEdge* const original = data->pOriginalEdge(edge);
+        if (original != edge) output->pEdgeList()->appendEdge(original);
+    }
+    return code;
 }
 
 void RVShortestPathsAlgorithm::generateOutputData() {
-    RVShortestPathsOutputData* answer = pAnswer();
-    Run& run = *m_run;
-    answer->pAssociatedGraph(pInternalData()->pInputGraph());
-    if (run.allPairs == nullptr) return;  // the other methods have answered
-    RVEdgeDList path;
-    int length = run.allPairs->computeLengthOfShortestPath(run.start, run.finish);
-    run.allPairs->buildShortestPathEdgeList(run.start, run.finish, path);
-    run.allPairs = nullptr;
-    if (run.startIsFinish && length >= 0) {
-        length = 0;
-        path.deleteAllCells();
-    } else if (path.length() == 0) {
-        length = rv::kInfinite;  // none, or one that is infinite on the way
-    }
-    answer->totalCost(length);
-    answer->pathExists(length != rv::kInfinite ? 1 : 0);
-    for (RVEdge* edge : path) appendOriginal(edge, *answer->pEdgeList());
+    pOutputData()->pAssociatedGraph(pInternalData()->pInputGraph());
 }

@@ -23,8 +23,8 @@
 // way there and back, with both its nodes, is one), with pathExists 0 and totalCost 0; RV_ALGORITHM_FAILURE
 // when a part fails, and the framework's. A finish node that cannot be reached is no failure: pathExists 0,
 // totalCost 2147483647 and no edges.
-// Always works on a copy of the graph. O((n + m) log n) time, with negative costs and without cycles O(n +
-// m), with both O(n^3) and O(n^2) space.
+// O((n + m) log C) time for costs up to C, with negative costs and without cycles O(n + m), with both O(n^3)
+// and O(n^2) space.
 //
 //   RVShortestPathsAlgorithm paths;
 //   RVShortestPathsInputData input(graph);
@@ -37,14 +37,8 @@
 //   if (paths.run() == RV_NO_ERROR && output.pathExists()) use(*output.pEdgeList());
 #pragma once
 
-#include <memory>
-#include <vector>
-
 #include "rv/framework/internal_graph_algorithm.h"
 #include "rv/shortestpaths/shortest_paths_data.h"
-
-class RVAllPairsShortestPathsOutputData;
-class RVTopologicalSortOutputData;
 
 class RV_EXPORT RVShortestPathsAlgorithm : public RVInternalGraphAlgorithm {
     RV_OBJECT(RVShortestPathsAlgorithm)
@@ -53,10 +47,11 @@ public:
     RVShortestPathsAlgorithm() = default;
 
     RVServiceErrorCodeEnum checkData() override;
-    // 0: the service changes its graph beyond undoing.
+    // 0: what subclasses run on is a copy.
     int canUseOriginalGraph() const override;
 
 protected:
+    std::optional<RVServiceErrorCodeEnum> answer() override;
     RVServiceErrorCodeEnum algorithmBody() override;
     void generateOutputData() override;
     // Both do nothing: the copy is not normalised.
@@ -64,32 +59,5 @@ protected:
     void postprocessGraph() override;
 
 private:
-    // What a run keeps.
-    struct Run {
-        RVNode* start = nullptr;  // of the copy
-        RVNode* finish = nullptr;
-        bool startIsFinish = false;
-        std::vector<int> costs;  // of the copy's edges, by dense index
-        std::unique_ptr<RVAllPairsShortestPathsOutputData> allPairs;
-    };
-
-    int cost(const RVEdge* edge) const;
-    int cost(const RVEdge* edge, int value);
-    void appendOriginal(RVEdge* edge, RVEdgeDList& list) const;
-    const RVShortestPathsInputData* pQuestion() const;
-    RVShortestPathsOutputData* pAnswer() const;
-    void answerEmptyPath();
-
-    void processUndirectedEdges();
-    void filterGraph(int reverse);
-    void storeEdgeCosts();
-    void splitNodes();
-    bool hasNegativeCost() const;
-    void sortAndRun();
-    void runDijkstraAlgorithm();
-    void runAcyclicAlgorithm(const RVTopologicalSortOutputData& sorted);
-    void runAllPairsAlgorithm();
-    bool goesRound(const RVAllPairsShortestPathsOutputData& paths) const;
-
-    rv::RunState<Run> m_run{this};
+    RVServiceErrorCodeEnum findPath(const RVShortestPathsInputData& input, RVEdgeDList& edges);
 };
