@@ -7,6 +7,7 @@
 #include "rv/foundation/arithmetic.h"
 #include "rv/framework/check_input.h"
 #include "rv/framework/run_pulse.h"
+#include "rv/framework/sub_algorithm.h"
 #include "rv/kernels/part_between.h"
 #include "rv/kernels/path_matrix.h"
 #include "rv/kernels/relaxing.h"
@@ -233,15 +234,24 @@ RVServiceErrorCodeEnum RVShortestPathsAlgorithm::findPath(const RVShortestPathsI
 
 std::optional<RVServiceErrorCodeEnum> RVShortestPathsAlgorithm::answer() {
     const auto* input = RVShortestPathsInputData::castDown(pInputData());
-    if (!isExactly<RVShortestPathsAlgorithm>()) return std::nullopt;
+    if (!isExactly<RVShortestPathsAlgorithm>() || !rv::hasCopyFactory(input->pAssociatedGraph()))
+        return std::nullopt;
     return findPath(*input, *RVShortestPathsOutputData::castDown(pOutputData())->pEdgeList());
 }
 
-// The hooks, on which subclasses run: the question is asked of the copy.
+// The hooks, on which subclasses run: the question is asked of the copy, which needs a factory, as all graphs
+// that are searched.
 
 RVServiceErrorCodeEnum RVShortestPathsAlgorithm::algorithmBody() {
     const auto* input = RVShortestPathsInputData::castDown(pInputData());
-    const RVAlgorithmData* data = pInternalData();
+    auto* output = RVShortestPathsOutputData::castDown(pOutputData());
+    RVAnalysisInternalData* data = pAnalysisInternalData();
+    if (pAssociatedGraph()->pFactory() == nullptr) {
+        rv::noteFailure(*data, RV_NO_GRAPH_FACTORY, debugMode(),
+                        L"Error in Reachable Nodes. Return code = %d\n");
+        output->totalCost(rv::kInfinite);
+        return data->returnCode();
+    }
     RVShortestPathsInputData question(pAssociatedGraph());
     question.undirected(input->undirected());
     question.pStartNode(data->pCopyNode(input->pStartNode()));
@@ -255,7 +265,6 @@ RVServiceErrorCodeEnum RVShortestPathsAlgorithm::algorithmBody() {
     }
     RVEdgeDList path;
     const RVServiceErrorCodeEnum code = findPath(question, path);
-    auto* output = RVShortestPathsOutputData::castDown(pOutputData());
     for (RVEdge* edge : path) {
         RVEdge* const original = data->pOriginalEdge(edge);
         if (original != edge) output->pEdgeList()->appendEdge(original);
