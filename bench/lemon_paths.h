@@ -15,6 +15,8 @@ public:
 
     // From node 0 to all, with distances and predecessors by node.
     void dijkstra();
+    // For each pair a search that ends when the second node is reached. Gives the edges of all paths.
+    long dijkstra(const Pairs& pairs);
 
 private:
     struct Implementation;

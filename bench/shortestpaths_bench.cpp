@@ -6,9 +6,10 @@
 //
 // Rows are named algorithm/family/library/n and report the fastest processor time per edge (ns_per_edge).
 //   dijkstra     distances of all nodes from node 0 and the path to the last one; boost with copy_graph;
-//   rv_cold
-//                after a change of the graph
+//                rv_cold after a change of the graph, rv_hooks by hooks
 //   equal        the same with all costs 1
+//   pair         a cheapest path between two nodes by Dijkstra's method, over some pairs
+//   service_pair the same by the service
 //   reachable    all nodes within an unlimited range of costs, on the caller's graph; boost Dijkstra without
 //                a copy
 //   hops         all nodes without a range; boost breadth-first search without a copy
@@ -112,6 +113,34 @@ void runRv(benchmark::State& state, const Subject& subject, const char* unit, do
     });
 }
 constexpr auto kNothing = [](auto&, auto&) {};
+template <class Algorithm>
+struct OnHooks : Algorithm {};
+
+// Cheapest paths between some pairs of nodes, one after the other; per pair and edge.
+template <class Algorithm, class Output>
+void runPairs(benchmark::State& state, const Subject& subject, bool isCold) {
+    const bench::Pairs pairs = bench::randomPairs(subject.array.nodes);
+    const RvSubject rv(subject);
+    RVShortestPathsInputData input(rv.graph.get());
+    rv.describe(input);
+    Algorithm algorithm;
+    algorithm.pInputData(&input);
+    const double items = subject.array.size() * static_cast<double>(pairs.size());
+    bench::measureRounds(state, kPerEdge, items, [&] {
+        double seconds = 0;
+        for (const auto& [from, to] : pairs) {
+            input.pStartNode(rv.nodes[static_cast<std::size_t>(from)]);
+            input.pFinishNode(rv.nodes[static_cast<std::size_t>(to)]);
+            if (isCold) rv.change();
+            seconds += bench::secondsOf([&] {
+                Output output;
+                algorithm.pOutputData(&output);
+                if (algorithm.run() != RV_NO_ERROR) std::abort();
+            });
+        }
+        return seconds;
+    });
+}
 
 void phases(benchmark::State& state, const Subject& subject) {
     const RvSubject rv(subject);
@@ -281,17 +310,18 @@ Subject withNegative(const NamedFamily& family, int n) { return withCosts(family
 void addDijkstraRows(const char* algorithm, const NamedFamily& family, int n,
                      Subject (*make)(const NamedFamily&, int)) {
     const std::string name = std::string(algorithm) + "/" + family.name + "/";
-    for (const std::string library : {"rv", "rv_cold", "rv_original"}) {
+    const auto addRow = [&]<class Algorithm>(Algorithm*, const char* library, bool isCold) {
         bench::add(name + library, n, [=, &family](benchmark::State& s) {
             const Subject subject = make(family, n);
-            const auto set = [&](auto& search, auto&) {
-                search.storeDistances(1);
-                search.useOriginalGraph(library == "rv_original" ? 1 : 0);
-            };
-            runRv<RVDijkstraAlgorithm, RVShortestPathsInputData, RVDijkstraOutputData>(
-                s, subject, kPerEdge, subject.array.size(), set, library == "rv_cold");
+            runRv<Algorithm, RVShortestPathsInputData, RVDijkstraOutputData>(
+                s, subject, kPerEdge, subject.array.size(),
+                [](auto& search, auto&) { search.storeDistances(1); }, isCold);
         });
-    }
+    };
+    RVDijkstraAlgorithm* const itself = nullptr;
+    addRow(itself, "rv", false);
+    addRow(itself, "rv_cold", true);
+    addRow(static_cast<OnHooks<RVDijkstraAlgorithm>*>(nullptr), "rv_hooks", false);
 #ifdef RV_BENCH_BOOST
     addBoostRows(name, n, make, family, true, boostDijkstra<boost::listS>, boostDijkstra<boost::vecS>);
 #endif
@@ -300,6 +330,25 @@ void addDijkstraRows(const char* algorithm, const NamedFamily& family, int n,
         const Subject subject = make(family, n);
         bench::LemonPaths paths(subject.array, subject.costs);
         bench::measure(s, kPerEdge, subject.array.size(), [&] { paths.dijkstra(); });
+    });
+#endif
+}
+
+template <class Algorithm, class Output>
+void addPairRows(const char* algorithm, const NamedFamily& family, int n) {
+    const std::string name = std::string(algorithm) + "/" + family.name + "/";
+    for (const bool isCold : {false, true}) {
+        bench::add(name + (isCold ? "rv_cold" : "rv"), n, [=, &family](benchmark::State& s) {
+            runPairs<Algorithm, Output>(s, various(family, n), isCold);
+        });
+    }
+#ifdef RV_BENCH_LEMON
+    bench::add(name + "lemon", n, [=, &family](benchmark::State& s) {
+        const Subject subject = various(family, n);
+        const bench::Pairs pairs = bench::randomPairs(n);
+        bench::LemonPaths paths(subject.array, subject.costs);
+        bench::measure(s, kPerEdge, subject.array.size() * static_cast<double>(pairs.size()),
+                       [&] { benchmark::DoNotOptimize(paths.dijkstra(pairs)); });
     });
 #endif
 }
@@ -346,11 +395,14 @@ void addServiceRows(const NamedFamily& family, int n) {
 void addSingleSourceRows(const char* algorithm, const NamedFamily& family, int n,
                          Subject (*make)(const NamedFamily&, int), bool isNegative) {
     const std::string name = std::string(algorithm) + "/" + family.name + "/";
-    bench::add(name + "rv", n, [=, &family](benchmark::State& s) {
-        const Subject subject = make(family, n);
-        runRv<RVSingleSourceShortestPathsAlgorithm, RVSingleSourceShortestPathsInputData,
-              RVSingleSourceShortestPathsOutputData>(s, subject, kPerEdge, subject.array.size(), kNothing);
-    });
+    for (const bool isCold : {false, true}) {
+        bench::add(name + (isCold ? "rv_cold" : "rv"), n, [=, &family](benchmark::State& s) {
+            const Subject subject = make(family, n);
+            runRv<RVSingleSourceShortestPathsAlgorithm, RVSingleSourceShortestPathsInputData,
+                  RVSingleSourceShortestPathsOutputData>(s, subject, kPerEdge, subject.array.size(), kNothing,
+                                                         isCold);
+        });
+    }
 #ifdef RV_BENCH_BOOST
     if (isNegative) {
         addBoostRows(name, n, make, family, true, boostBellmanFord<boost::listS>,
@@ -399,6 +451,8 @@ void addSize(int n) {
     for (const NamedFamily& family : kFamilies) {
         addDijkstraRows("dijkstra", family, n, various);
         addDijkstraRows("equal", family, n, equal);
+        addPairRows<RVDijkstraAlgorithm, RVDijkstraOutputData>("pair", family, n);
+        addPairRows<RVShortestPathsAlgorithm, RVShortestPathsOutputData>("service_pair", family, n);
         addReachableRows(family, n);
         addUniqueRow(family, n);
         addSingleSourceRows("single", family, n, various, false);

@@ -244,6 +244,49 @@ TEST(Paths, AgreeWithAllSimplePaths) {
     EXPECT_GT(cycles, 300);
 }
 
+// Ties, parallel and opposite edges, lists in all orders, and sums that leave the range.
+TEST(Paths, AreThoseOfTheHooks) {
+    Dijkstra dijkstra;
+    AcyclicPaths acyclic;
+    ShortestPaths service;
+    OnHooks<Dijkstra> hookedDijkstra;
+    OnHooks<AcyclicPaths> hookedAcyclic;
+    OnHooks<ShortestPaths> hookedService;
+    for (unsigned seed = 0; seed < 600 && !HasFailure(); ++seed) {
+        const int least = seed % 3 == 0 ? 0 : -3;
+        const std::string tokens = randomText(
+            seed, {.nodes = 6, .edges = 18, .least = least, .most = 3, .undirected = seed % 4 == 0 ? 30 : 0});
+        const MarkedGraph g(tokens, seed);
+        const int undirected = seed % 5 == 0 ? 1 : 0;
+        const int scale = seed % 7 == 0 ? 1000000000 : 1;
+        for (auto* run : {&dijkstra.algorithm, static_cast<RVDijkstraAlgorithm*>(&hookedDijkstra.algorithm),
+                          static_cast<RVDijkstraAlgorithm*>(&acyclic.algorithm),
+                          static_cast<RVDijkstraAlgorithm*>(&hookedAcyclic.algorithm)})
+            run->storeDistances(seed % 2 == 0 ? 1 : 0);
+        const auto answer = [&](auto& run) {
+            run.input.pStartNode(g->pFirstNode());
+            run.input.pFinishNode(g->pLastNode());
+            run.input.undirected(undirected);
+            takeDrawnDirections(run.input, g);
+            for (RVEdge* edge : *g->pEdgeList())
+                run.input.cost(
+                    edge, static_cast<int>(std::clamp<std::int64_t>(std::int64_t{number(edge, 0, 0)} * scale,
+                                                                    -2147483648LL, kInfinite)));
+            if constexpr (requires { run.input.pCandidateNodeList(); }) {
+                run.input.pCandidateNodeList()->deleteAllCells();
+                for (RVNode* node : *g->pNodeList()) run.input.pCandidateNodeList()->appendNode(node);
+                if (seed % 3 == 1) run.input.pCandidateNodeList()->appendNode(g->pFirstNode());
+            }
+            const int code = run(g);  // an output stays as it was where the input is wrong
+            return code == RV_ALGORITHM_FAILURE ? "failed" : std::to_string(code) + describe(run.output, g);
+        };
+        SCOPED_TRACE(std::to_string(seed) + ": " + orders(g));
+        EXPECT_EQ(answer(dijkstra), answer(hookedDijkstra));
+        EXPECT_EQ(answer(acyclic), answer(hookedAcyclic));
+        EXPECT_EQ(answer(service), answer(hookedService));
+    }
+}
+
 TEST(Paths, AnnounceCopiesThatAreDebugged) {
     Dijkstra dijkstra;
     AcyclicPaths acyclic;

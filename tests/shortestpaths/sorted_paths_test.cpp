@@ -88,6 +88,42 @@ TEST(SingleSource, TakesMapsAndSetsOver) {
     EXPECT_FALSE(test.input.hasField("undirected"));
 }
 
+// Values are the same whether a map or set of them has been handed out, also in copies and in a later run.
+TEST(SingleSource, HandsMapsAndSetsOut) {
+    const TestGraph g("s->a b->a a->c");
+    SingleSource test(g);
+    test.input.pStartNode(g.node("s"));
+    test.input.cost(g.edge("s->a"), 7);
+    test.input.cost(g.node("a"), 3);
+    test.input.undirected(g.edge("b->a"), 5);
+    RVHashMap* const costs = test.input.pCostMap();
+    EXPECT_EQ(costs->length(), 2);
+    EXPECT_EQ(costs->getInt(g.edge("s->a"), 0), 7);
+    costs->putInt(g.edge("b->a"), 4);
+    EXPECT_EQ(test.input.cost(g.edge("b->a")) + test.input.cost(g.node("a")), 7);
+    RVHashSet* const undirected = test.input.pUndirectedEdgeSet();
+    EXPECT_TRUE(undirected->contains(g.edge("b->a")));
+    EXPECT_EQ(test(), 0);
+    EXPECT_EQ(test.output.distance(g.node("b")), 11);
+    RVHashMap* const distances = test.output.pDistanceMap();
+    RVHashMap* const treeEdges = test.output.pTreeEdgeMap();
+    EXPECT_EQ(distances->length(), 4);
+    EXPECT_EQ(treeEdges->get(g.node("b")), g.edge("b->a"));
+
+    undirected->remove(g.edge("b->a"));
+    costs->putInt(g.edge("s->a"), -1);
+    EXPECT_TRUE(test.input.hasNegativeCosts(g));
+    const RVSingleSourceShortestPathsOutputData copy(test.output);
+    EXPECT_EQ(test(), 0);
+    EXPECT_EQ(distances, test.output.pDistanceMap());
+    EXPECT_EQ(distances->length(), 3);
+    EXPECT_EQ(treeEdges->length(), 2);
+    EXPECT_EQ(test.output.distance(g.node("c")), 0);
+    EXPECT_EQ(test.output.pTreeEdge(g.node("b")), nullptr);
+    EXPECT_EQ(copy.distance(g.node("c")), 8);
+    EXPECT_EQ(copy.pTreeEdge(g.node("b")), g.edge("b->a"));
+}
+
 TEST(SingleSource, AgreesWithAllSimplePaths) {
     SingleSource test;
     int cycles = 0;
