@@ -286,8 +286,8 @@ TYPED_TEST(Values, AreCopiedWithTheirData) {
     };
     expectCopied(copy);
     expectCopied(*assigned);
-    const std::unique_ptr<typename TypeParam::Data> clone(static_cast<D*>(this->data->cloneObject()));
-    if (clone != nullptr && typeid(*clone) == typeid(D)) expectCopied(*clone);
+    const std::unique_ptr<RVObject> clone(this->data->cloneObject());
+    if (const auto* same = dynamic_cast<const D*>(clone.get())) expectCopied(*same);
     TypeParam::set(*assigned, this->first, this->sample(2));
     this->expect(*assigned, this->first, 2);
     expectCopied(*this->data);
