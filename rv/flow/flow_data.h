@@ -4,6 +4,9 @@
 // in wider arithmetic and stay at 2147483647 when they are given out.
 #pragma once
 
+#include <utility>
+
+#include "rv/foundation/buffer.h"
 #include "rv/framework/analysis_data.h"
 
 // Per edge of the inputs with capacities.
@@ -67,6 +70,13 @@ void clearFlows(Output& output) {
     for (RVEdge* edge : *output.pAssociatedGraph()->pEdgeList()) {
         if (output.flow(edge) != 0) output.flow(edge, 0);
     }
+}
+
+// Gives an output all its flows, by dense index.
+template <class Output>
+void writeFlows(Output& output, Buffer<int>&& flows) {
+    if (!output.flows().usable()) clearFlows(output);
+    output.flows().assign(output.pAssociatedGraph(), std::move(flows));
 }
 
 }  // namespace rv

@@ -127,6 +127,7 @@ public:
     RVServiceErrorCodeEnum checkData() override;
 
 protected:
+    std::optional<RVServiceErrorCodeEnum> answer() override;
     RVServiceErrorCodeEnum algorithmBody() override;
     void generateOutputData() override;
     void parseInputData() override;

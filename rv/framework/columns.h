@@ -167,9 +167,10 @@ public:
     // Whether a value of the graph's attached objects is below 0. O(1) if none is and all are in the column.
     bool hasNegatives(const RVGraph* graph) const requires kCountsNegatives {
         if (m_negatives == 0 && usable()) return false;
-        const auto& objects = listOf(graph);
-        return std::any_of(objects.begin(), objects.end(),
-                           [this](Object* object) { return get(object) < 0; });
+        for (Object* object : listOf(graph)) {
+            if (get(object) < 0) return true;
+        }
+        return false;
     }
 
 private:

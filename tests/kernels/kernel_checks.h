@@ -12,6 +12,7 @@
 #include <utility>
 #include <vector>
 
+#include "rv/kernels/blocking_flow.h"
 #include "rv/kernels/blocks.h"
 #include "rv/kernels/breadth_first.h"
 #include "rv/kernels/connected_components.h"
@@ -558,6 +559,114 @@ inline void expectNearest(const Question& question, rv::ReusedNearestLabels<int>
     const auto exact = SlowSearch<std::int64_t>(question).find();
     EXPECT_EQ(freshAnswer<std::int64_t>(question, pulse), exact);
     EXPECT_EQ(reusedAnswer(question, exactLabels, pulse), exact);
+}
+
+// Flows, by one breadth-first search after another
+
+class SlowFlow {
+public:
+    explicit SlowFlow(const rv::FlowNetwork& network)
+        : flows(network.edgeLimit), m_network(network), m_entering(network.out.nodeLimit()) {
+        while (findPath()) push();
+    }
+
+    std::vector<int> flows;
+    std::int64_t total = 0;
+    std::vector<Index> reached;
+
+private:
+    using State = std::pair<Index, bool>;  // a node, and whether flow may leave it
+    struct Step {
+        State from;
+        Index edge;  // kNoIndex between the states of a node
+        bool isForward;
+        std::int64_t residual;
+    };
+
+    bool findPath() {
+        const State source(m_network.source, true);
+        const State sink(m_network.sink, false);
+        m_steps = {{source, {}}};
+        std::vector<State> queue{source};
+        for (std::size_t next = 0; next < queue.size(); ++next) {
+            for (const auto& [state, step] : stepsFrom(queue[next])) {
+                if (step.residual <= 0 || !m_steps.emplace(state, step).second) continue;
+                if (state == sink) return true;
+                queue.push_back(state);
+            }
+        }
+        reached.clear();
+        for (const State& state : queue) {
+            if (std::count(reached.begin(), reached.end(), state.first) == 0) reached.push_back(state.first);
+        }
+        return false;
+    }
+    std::vector<std::pair<State, Step>> stepsFrom(const State& state) const {
+        constexpr std::int64_t kMany = std::numeric_limits<std::int64_t>::max();
+        const auto [node, isOut] = state;
+        std::vector<std::pair<State, Step>> steps;
+        const auto& capacities = m_network.nodeCapacities;
+        const bool isLimited = node < capacities.size() && capacities[node] != 2147483647;
+        const std::int64_t inner = isLimited && !isOut ? capacities[node] - m_entering[node] : kMany;
+        if (state != State(m_network.source, true))
+            steps.push_back({{node, !isOut}, {state, kNoIndex, isOut, inner}});
+        const rv::Arcs& arcs = isOut ? m_network.out : m_network.in;
+        for (Index arc = arcs.first[node]; arc < arcs.last[node]; ++arc) {
+            const Index edge = arcs.edges[arc];
+            const auto& all = m_network.edgeCapacities;
+            const int residual = isOut ? (edge < all.size() ? all[edge] : 0) - flows[edge] : flows[edge];
+            steps.push_back({{arcs.targets[arc], !isOut}, {state, edge, isOut, residual}});
+        }
+        return steps;
+    }
+    void push() {
+        const State source(m_network.source, true);
+        const State sink(m_network.sink, false);
+        std::int64_t amount = std::numeric_limits<std::int64_t>::max();
+        for (State state = sink; state != source; state = m_steps.at(state).from)
+            amount = std::min(amount, m_steps.at(state).residual);
+        for (State state = sink; state != source; state = m_steps.at(state).from) {
+            const Step& step = m_steps.at(state);
+            if (step.edge == kNoIndex) continue;
+            const auto change = static_cast<int>(step.isForward ? amount : -amount);
+            flows[step.edge] += change;
+            m_entering[step.isForward ? state.first : step.from.first] += change;
+        }
+        total += amount;
+    }
+
+    const rv::FlowNetwork& m_network;
+    std::vector<std::int64_t> m_entering;  // by node
+    std::map<State, Step> m_steps;         // by the state to which they lead
+};
+
+inline void expectMaximumFlow(const ArrayGraph& graph, Dice& dice) {
+    const ArcArrays out = graph.arcs();
+    const ArcArrays in = graph.arcs(true);
+    constexpr Index kRanges[] = {1, 2, 5, 100, 2147483647};
+    const auto capacities = [&](std::size_t count) {
+        const Index range = kRanges[dice.below(5)];
+        std::vector<int> values;
+        for (; count > 0; --count)
+            values.push_back(
+                static_cast<int>(dice.oneIn(5) ? 2147483647U : dice.below(range) + dice.below(2)));
+        return values;
+    };
+    const auto edgeCapacities = capacities(graph.ends.size() - dice.below(2) % (graph.ends.size() + 1));
+    const auto nodeCapacities = capacities(dice.oneIn(2) ? 0 : graph.nodeLimit - dice.below(2));
+    const auto drawn = [&] { return graph.nodes[dice.below(static_cast<Index>(graph.nodes.size()))]; };
+    const rv::FlowNetwork network{out.arcs(),    in.arcs(), static_cast<Index>(graph.ends.size()),
+                                  drawn(),       drawn(),   edgeCapacities,
+                                  nodeCapacities};
+    rv::Pulse pulse;
+    const rv::MaximumFlow found = rv::maximumFlow(network, pulse);
+    const SlowFlow expected(network);
+    SCOPED_TRACE(testing::Message() << "from " << network.source << " to " << network.sink << ", capacities "
+                                    << testing::PrintToString(edgeCapacities) << " and "
+                                    << testing::PrintToString(nodeCapacities));
+    EXPECT_EQ(found.total, expected.total);
+    EXPECT_EQ(listed(found.flows), expected.flows);
+    EXPECT_EQ(listed(found.reached), expected.reached);
 }
 
 }  // namespace rvtest
