@@ -148,6 +148,7 @@ public:
     RVServiceErrorCodeEnum checkData() override;
 
 protected:
+    std::optional<RVServiceErrorCodeEnum> answer() override;
     RVServiceErrorCodeEnum algorithmBody() override;
     void parseInputData() override;
     RVAlgorithmData* newInternalData() override;
