@@ -209,6 +209,7 @@ public:
     int directed() const override;
 
 protected:
+    std::optional<RVServiceErrorCodeEnum> answer() override;
     RVServiceErrorCodeEnum algorithmBody() override;
     void generateOutputData() override;
     void parseInputData() override;

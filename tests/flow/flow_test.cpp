@@ -249,4 +249,32 @@ TEST(DisjointPaths, AreAsManyAsTheLeastCut) {
     EXPECT_GT(several, 100);
 }
 
+// Graphs of many ways, with lists in all orders.
+TEST(DisjointPaths, AndCutsAreTheSameOnHooks) {
+    DisjointPaths paths;
+    OnHooks<DisjointPaths> hookedPaths;
+    MinimumCut cut;
+    OnHooks<MinimumCut> hookedCut;
+    int number = 0;
+    for (unsigned seed = 0; seed < 150; ++seed) {
+        const std::string tokens = randomText(seed, {.nodes = 25, .edges = 160, .least = 0, .most = 5});
+        SCOPED_TRACE(std::to_string(seed) + ": " + tokens);
+        const MarkedGraph g(tokens, seed);
+        for (RVNode* finish : {g->pFirstNode(), g->pLastNode()}) {
+            ASSERT_EQ(runOn(cut, g, g->pFirstNode(), finish), 0);
+            ASSERT_EQ(runOn(hookedCut, g, g->pFirstNode(), finish), 0);
+            ASSERT_EQ(describe(cut.output, g), describe(hookedCut.output, g));
+            for (const int nodeDisjoint : {0, 1}) {
+                paths.input.nodeDisjointPaths(nodeDisjoint);
+                hookedPaths.input.nodeDisjointPaths(nodeDisjoint);
+                ASSERT_EQ(runOn(paths, g, g->pFirstNode(), finish), 0);
+                ASSERT_EQ(runOn(hookedPaths, g, g->pFirstNode(), finish), 0);
+                ASSERT_EQ(describe(paths.output, g), describe(hookedPaths.output, g));
+                number += paths.output.numberOfDisjointPaths();
+            }
+        }
+    }
+    EXPECT_GT(number, 1000);
+}
+
 }  // namespace
