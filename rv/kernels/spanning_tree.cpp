@@ -136,7 +136,8 @@ private:
     }
 };
 
-Buffer<Index> placesByEdge(const Arcs& arcs, std::size_t edgeLimit) {
+// By edge its place among the arcs.
+Buffer<Index> placesIn(const Arcs& arcs, std::size_t edgeLimit) {
     Buffer<Index> places(edgeLimit);
     for (Index node = 0; node < arcs.nodeLimit(); ++node) {
         for (Index arc = arcs.first[node]; arc < arcs.last[node]; ++arc) places[arcs.edges[arc]] = arc;
@@ -147,13 +148,18 @@ Buffer<Index> placesByEdge(const Arcs& arcs, std::size_t edgeLimit) {
 // Leaves one edge of each group of parallels.
 void closeParallels(const FlatGraph& graph, Buffer<Index>& keys) {
     if (!graph.undirected().leavesOut()) return;
-    const Buffer<Index> outPlaces = placesByEdge(graph.out(), keys.size());
-    const Buffer<Index> inPlaces = placesByEdge(graph.in(), keys.size());
     const GraphOrder order = graph.order();
+    Buffer<Index> outPlaces;  // unless all lists stand in the order of the numbers
+    Buffer<Index> inPlaces;
+    if (!graph.areListsInGraphOrder() || !order.edges.empty()) {
+        outPlaces = placesIn(graph.out(), keys.size());
+        inPlaces = placesIn(graph.in(), keys.size());
+    }
     order.forEachEdge([&](Index first) {
         const auto rankOf = [&](Index edge) {
             const bool isOut = order.ends[edge].source == order.ends[first].source;
-            return std::tuple(keys[edge], isOut, isOut ? outPlaces[edge] : inPlaces[edge]);
+            const Buffer<Index>& places = isOut ? outPlaces : inPlaces;
+            return std::tuple(keys[edge], isOut, places.empty() ? edge : places[edge]);
         };
         Index best = first;
         graph.undirected().forEachParallel(first, [&](Index edge) {
