@@ -5,20 +5,25 @@
 //   flow_bench --large                               the greatest networks too
 //
 // Rows are named algorithm/family/library/n and report the fastest processor time per edge (ns_per_edge).
-// Flows go from node 0 to the last one.
+// Flows and paths go from node 0 to the last one.
 //   maximum   maximum flow; boost edmonds_karp_max_flow on vectors, and push_relabel_max_flow;
 //             lemon EdmondsKarp and Preflow
+//   cut       minimum cut; lemon Preflow
+//   edges     edge-disjoint paths; lemon EdmondsKarp and Preflow with unit capacities, flows alone
+//   nodes     node-disjoint paths
 //   cost      a maximum flow of least cost; boost successive_shortest_path_nonnegative_weights on lists;
 //             lemon NetworkSimplex. Also nanoseconds for each path that was found, and for one Dijkstra
 //             traversal of the same graph without a copy
 //   tree      minimum spanning tree, the whole run, on graphs made connected; boost copy_graph and
 //             prim_minimum_spanning_tree on lists; lemon kruskal
-// rv_cold is rv after a change of the graph. All libraries must find the same value.
+// rv_cold is rv after a change of the graph; rv_hooks is a subclass, which copies the graph and runs on
+// hooks. All libraries must find the same value.
 
 #include <benchmark/benchmark.h>
 
 #include <cstdlib>
 #include <cstring>
+#include <initializer_list>
 #include <numeric>
 #include <string>
 #include <vector>
@@ -137,16 +142,54 @@ void expect(long found, long expected) {
     if (found != expected) std::abort();
 }
 
-void runMaximum(benchmark::State& state, const Network& network, bool isCold) {
-    RvNetwork rv(network);
-    RVMaximumFlowAlgorithm algorithm;
-    algorithm.pInputData(&rv.input);
-    rv.measure(state, kPerEdge, network.array.size(), isCold, [&] {
-        RVMaximumFlowOutputData output;
+enum class Way { warm, cold, hooks };
+constexpr const char* kWays[] = {"rv", "rv_cold", "rv_hooks"};
+
+// Runs on hooks where the class itself works in arrays.
+template <class Algorithm>
+struct Subclass : Algorithm {};
+
+// Runs an algorithm again and again; found(output) is its answer.
+template <class Algorithm, class Output, class Input, class Found>
+void runRv(benchmark::State& state, const std::string& row, const bench::RvGraph& rv, Input& input, Way way,
+           Found found) {
+    Algorithm plain;
+    Subclass<Algorithm> hooked;
+    Algorithm& algorithm = way == Way::hooks ? hooked : plain;
+    algorithm.pInputData(&input);
+    rv.measure(state, kPerEdge, rv.graph->numberOfEdges(), way == Way::cold, [&] {
+        Output output;
         algorithm.pOutputData(&output);
         if (algorithm.run() != RV_NO_ERROR) std::abort();
-        benchmark::DoNotOptimize(output.totalFlow());
+        bench::expectSame(row, found(output));
     });
+}
+
+void runMaximum(benchmark::State& state, const std::string& row, const Network& network, Way way) {
+    RvNetwork rv(network);
+    runRv<RVMaximumFlowAlgorithm, RVMaximumFlowOutputData>(state, row, rv, rv.input, way,
+                                                           [](auto& output) { return output.totalFlow(); });
+}
+
+void runCut(benchmark::State& state, const std::string& row, const Network& network, Way way) {
+    const bench::RvGraph rv(network.array);
+    RVMinimumCutInputData input(rv.graph.get());
+    rv.setCosts(input, network.capacities);
+    input.pSourceNode(rv.nodes.front());
+    input.pSinkNode(rv.nodes.back());
+    runRv<RVMinimumCutAlgorithm, RVMinimumCutOutputData>(state, row, rv, input, way,
+                                                         [](auto& output) { return output.totalCost(); });
+}
+
+void runPaths(benchmark::State& state, const std::string& row, const Network& network, bool byNodes,
+              Way way) {
+    const bench::RvGraph rv(network.array);
+    RVDisjointPathsInputData input(rv.graph.get());
+    input.pStartNode(rv.nodes.front());
+    input.pFinishNode(rv.nodes.back());
+    input.nodeDisjointPaths(byNodes ? 1 : 0);
+    runRv<RVDisjointPathsAlgorithm, RVDisjointPathsOutputData>(
+        state, row, rv, input, way, [](auto& output) { return output.numberOfDisjointPaths(); });
 }
 
 // Counts the searches.
@@ -195,18 +238,12 @@ void runCost(benchmark::State& state, const Network& network, bool isCold) {
     state.counters["ns_of_dijkstra"] = (bench::processorSeconds() - start) * 1e9;
 }
 
-void runTree(benchmark::State& state, const std::string& row, const Network& network, bool isCold) {
+void runTree(benchmark::State& state, const std::string& row, const Network& network, Way way) {
     const bench::RvGraph rv(network.array);
     RVMinimumSpanningTreeInputData input(rv.graph.get());
     rv.setCosts(input, network.costs);
-    RVMinimumSpanningTreeAlgorithm algorithm;
-    algorithm.pInputData(&input);
-    rv.measure(state, kPerEdge, network.array.size(), isCold, [&] {
-        RVMinimumSpanningTreeOutputData output;
-        algorithm.pOutputData(&output);
-        if (algorithm.run() != RV_NO_ERROR) std::abort();
-        bench::expectSame(row, output.totalCost());
-    });
+    runRv<RVMinimumSpanningTreeAlgorithm, RVMinimumSpanningTreeOutputData>(
+        state, row, rv, input, way, [](auto& output) { return output.totalCost(); });
 }
 
 // Boost.Graph
@@ -292,35 +329,74 @@ void runLemon(benchmark::State& state, const Network& network, Work work) {
 
 // Rows
 
-constexpr const char* kLibraries[] = {"rv", "rv_cold"};
+// A row for each of these ways.
+template <class Run>
+void addRvRows(const std::string& name, int n, Run run,
+               std::initializer_list<Way> ways = {Way::warm, Way::cold, Way::hooks}) {
+    for (const Way way : ways) {
+        bench::add(name + kWays[static_cast<std::size_t>(way)], n,
+                   [=](benchmark::State& s) { run(s, name + std::to_string(n), way); });
+    }
+}
+
+#ifdef RV_BENCH_LEMON
+template <class Make>
+void addLemonFlow(const std::string& name, int n, Make make, long (bench::LemonFlows::*flow)()) {
+    bench::add(name, n, [=](benchmark::State& s) {
+        const Network network = make(n);
+        const int expected = maximumFlow(network);
+        runLemon(s, network, [=](auto& lemon) { expect((lemon.*flow)(), expected); });
+    });
+}
+#endif
 
 void addMaximumRows(const NamedNetwork& network, int n) {
     const std::string name = std::string("maximum/") + network.name + "/";
     const auto make = network.make;
-    for (const bool isCold : {false, true})
-        bench::add(name + kLibraries[isCold], n,
-                   [=](benchmark::State& s) { runMaximum(s, make(n), isCold); });
+    addRvRows(name, n, [=](auto& s, const auto& row, Way way) { runMaximum(s, row, make(n), way); },
+              {Way::warm, Way::cold});
 #ifdef RV_BENCH_BOOST
     bench::add(name + "boost", n, [=](benchmark::State& s) { runBoostMaximum(s, make(n), false); });
     bench::add(name + "boost_push", n, [=](benchmark::State& s) { runBoostMaximum(s, make(n), true); });
 #endif
 #ifdef RV_BENCH_LEMON
-    for (const bool pushes : {false, true}) {
-        bench::add(name + (pushes ? "lemon_push" : "lemon"), n, [=](benchmark::State& s) {
-            const Network subject = make(n);
-            const int expected = maximumFlow(subject);
-            runLemon(s, subject,
-                     [=](auto& lemon) { expect(pushes ? lemon.preflow() : lemon.edmondsKarp(), expected); });
-        });
-    }
+    addLemonFlow(name + "lemon", n, make, &bench::LemonFlows::edmondsKarp);
+    addLemonFlow(name + "lemon_push", n, make, &bench::LemonFlows::preflow);
 #endif
+}
+
+void addCutRows(const NamedNetwork& network, int n) {
+    const std::string name = std::string("cut/") + network.name + "/";
+    const auto make = network.make;
+    addRvRows(name, n, [=](auto& s, const auto& row, Way way) { runCut(s, row, make(n), way); });
+#ifdef RV_BENCH_LEMON
+    addLemonFlow(name + "lemon_push", n, make, &bench::LemonFlows::preflow);
+#endif
+}
+
+void addPathRows(const NamedNetwork& network, int n) {
+    const auto make = [original = network.make](int size) {
+        Network unit = original(size);
+        unit.capacities.assign(unit.capacities.size(), 1);
+        return unit;
+    };
+    for (const bool byNodes : {false, true}) {
+        const std::string name = (byNodes ? "nodes/" : "edges/") + std::string(network.name) + "/";
+        addRvRows(name, n,
+                  [=](auto& s, const auto& row, Way way) { runPaths(s, row, make(n), byNodes, way); });
+#ifdef RV_BENCH_LEMON
+        if (byNodes) continue;
+        addLemonFlow(name + "lemon", n, make, &bench::LemonFlows::edmondsKarp);
+        addLemonFlow(name + "lemon_push", n, make, &bench::LemonFlows::preflow);
+#endif
+    }
 }
 
 void addCostRows(const NamedNetwork& network, int n) {
     const std::string name = std::string("cost/") + network.name + "/";
     const auto make = network.make;
-    for (const bool isCold : {false, true})
-        bench::add(name + kLibraries[isCold], n, [=](benchmark::State& s) { runCost(s, make(n), isCold); });
+    addRvRows(name, n, [=](auto& s, const auto&, Way way) { runCost(s, make(n), way == Way::cold); },
+              {Way::warm, Way::cold});
 #ifdef RV_BENCH_BOOST
     bench::add(name + "boost_listS", n, [=](benchmark::State& s) { runBoostCost(s, make(n)); });
 #endif
@@ -338,10 +414,7 @@ void addTreeRows(const NamedFamily& family, int n) {
     const std::string name = std::string("tree/") + family.name + "/";
     const std::string row = name + std::to_string(n);
     const auto make = [=, &family] { return withCapacities(connected(family.make(n)), 1); };
-    for (const bool isCold : {false, true}) {
-        bench::add(name + kLibraries[isCold], n,
-                   [=](benchmark::State& s) { runTree(s, row, make(), isCold); });
-    }
+    addRvRows(name, n, [=](auto& s, const auto&, Way way) { runTree(s, row, make(), way); });
 #ifdef RV_BENCH_BOOST
     bench::add(name + "boost_listS", n, [=](benchmark::State& s) { runBoostTree(s, make()); });
 #endif
@@ -358,8 +431,12 @@ void addTreeRows(const NamedFamily& family, int n) {
 int main(int argc, char** argv) {
     const bool large = bench::takeOption(argc, argv, "--large");
     for (const NamedNetwork& network : kNetworks) {
-        for (const int n : {1'000, 10'000}) addMaximumRows(network, n);
-        if (large) addMaximumRows(network, 100'000);
+        for (const int n : {1'000, 10'000, 100'000}) {
+            if (n == 100'000 && !large) continue;
+            addMaximumRows(network, n);
+            addCutRows(network, n);
+            addPathRows(network, n);
+        }
         addCostRows(network, 1'000);
         if (large) addCostRows(network, 10'000);
     }

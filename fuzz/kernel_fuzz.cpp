@@ -31,7 +31,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         const ArrayGraph graph = randomArrays(dice);
         expectSearches(graph, dice);
         expectComponents(graph, dice);
-        if (!graph.nodes.empty()) expectPaths(graph, graph.nodes.front(), scratch, pulse);
+        expectSpanningTree(graph, dice);
+        if (graph.nodes.empty()) return 0;
+        expectPaths(graph, graph.nodes.front(), scratch, pulse);
+        expectMaximumFlow(graph, dice);
+        expectDisjointPaths(graph, dice);
     }
     return 0;
 }

@@ -5,47 +5,12 @@
 #include "rv/flow/cost_network.h"
 
 #include <algorithm>
-#include <bit>
 
 #include "rv/foundation/arithmetic.h"
 #include "rv/framework/parallel_edges.h"
+#include "rv/kernels/nearest_queue.h"
 
 namespace rv {
-
-// DistanceQueue
-
-void DistanceQueue::add(std::uint32_t distance, std::uint32_t node) {
-    const auto bucket = static_cast<std::size_t>(std::bit_width(distance ^ m_last));
-    m_buckets[bucket].push_back({distance, node});
-    m_filled |= std::uint32_t{1} << bucket;
-}
-
-template <class IsDistance>
-std::optional<std::uint32_t> DistanceQueue::takeNearest(IsDistance isDistance) {
-    while ((m_filled & 1U) == 0) {
-        if (m_filled == 0) {
-            m_last = 0;
-            return std::nullopt;
-        }
-        const int lowest = std::countr_zero(m_filled);
-        m_filled &= ~(std::uint32_t{1} << lowest);
-        std::vector<Entry>& bucket = m_buckets[static_cast<std::size_t>(lowest)];
-        std::erase_if(bucket, [&](const Entry& entry) { return !isDistance(entry.distance, entry.node); });
-        if (bucket.empty()) continue;
-        const auto isNearer = [](const Entry& a, const Entry& b) { return a.distance < b.distance; };
-        m_last = std::min_element(bucket.begin(), bucket.end(), isNearer)->distance;
-        for (const Entry& entry : bucket) add(entry.distance, entry.node);
-        bucket.clear();
-    }
-    std::vector<Entry>& nearest = m_buckets[0];
-    const std::uint32_t node = nearest[m_taken++].node;
-    if (m_taken == nearest.size()) {
-        nearest.clear();
-        m_taken = 0;
-        m_filled &= ~std::uint32_t{1};
-    }
-    return node;
-}
 
 // What the network is made of: the nodes and forward edges of the flow graph, in the order in which the flow
 // core would put them there.
@@ -230,13 +195,13 @@ bool CostNetwork::findPath() {
         node.label = node.potential + kInfinite;
     }
     m_nodes[m_start].label = m_nodes[m_start].potential;
-    m_queue.add(0, m_start);
-    const auto isDistance = [&](std::uint32_t distance, std::uint32_t v) {
-        return distance == m_nodes[v].label - m_nodes[v].potential;
-    };
-    while (const std::optional<std::uint32_t> nearest = m_queue.takeNearest(isDistance)) {
-        const Node& node = m_nodes[*nearest];
-        m_greatest = node.label - node.potential;
+    NearestQueue<int> queue;
+    queue.push(0, m_start);
+    while (!queue.isEmpty()) {
+        const auto [distance, nearest] = queue.pop();
+        const Node& node = m_nodes[nearest];
+        if (node.label - node.potential != distance) continue;  // it came nearer
+        m_greatest = distance;
         const std::int64_t base = node.label;
         const std::uint32_t end = node.end;
         for (std::uint32_t place = node.begin; place < end; ++place) {
@@ -245,7 +210,7 @@ bool CostNetwork::findPath() {
             if (label >= target.label) continue;
             target.label = label;
             target.lastPlace = place;
-            m_queue.add(static_cast<std::uint32_t>(label - target.potential), m_targets[place].node);
+            queue.push(static_cast<int>(label - target.potential), m_targets[place].node);
         }
     }
     m_path.clear();
@@ -297,10 +262,12 @@ void CostNetwork::detach(std::uint32_t place) {
     --node.end;
 }
 
-void CostNetwork::describe(RVMinimumCostFlowOutputData& output) const {
+Buffer<int> CostNetwork::flows(const RVGraph* graph) const {
+    Buffer<int> flows(static_cast<std::size_t>(graph->edgeIndexLimit()), 0);
     for (const Edge& edge : m_edges) {
-        if (edge.original != nullptr && edge.flow != 0) output.flow(edge.original, edge.flow);
+        if (edge.original != nullptr) flows[placeOf(edge.original)] = edge.flow;
     }
+    return flows;
 }
 
 }  // namespace rv

@@ -6,39 +6,13 @@
 // it finds the paths that a Dijkstra traversal of the flow graph would find.
 #pragma once
 
-#include <array>
-#include <cstddef>
 #include <cstdint>
-#include <optional>
 #include <vector>
 
 #include "rv/flow/minimum_cost_flow.h"
+#include "rv/foundation/buffer.h"
 
 namespace rv {
-
-// Nodes by their distances, equal ones in the order in which they came: a radix heap (Ahuja, Mehlhorn, Orlin
-// and Tarjan 1990). A bucket holds the entries whose highest bit that differs from the last distance taken is
-// the same, in the order in which they came, which they keep when they are spread over the buckets below.
-class DistanceQueue {
-public:
-    // REQUIRES: the distance is not below that of the node taken last, and fits in 31 bits.
-    void add(std::uint32_t distance, std::uint32_t node);
-    // None at the end. A node that has come nearer has several entries, of which the one counts that is its
-    // distance.
-    template <class IsDistance>
-    std::optional<std::uint32_t> takeNearest(IsDistance isDistance);
-
-private:
-    struct Entry {
-        std::uint32_t distance;
-        std::uint32_t node;
-    };
-
-    std::array<std::vector<Entry>, 32> m_buckets;
-    std::uint32_t m_filled = 0;  // a bit for each bucket
-    std::uint32_t m_last = 0;    // the distance of all entries of the first bucket
-    std::size_t m_taken = 0;     // of these
-};
 
 class CostNetwork {
 public:
@@ -54,8 +28,8 @@ public:
     // Pushes an amount along it, at most its capacity.
     void push(int amount);
 
-    // Gives the caller's edges their flows.
-    void describe(RVMinimumCostFlowOutputData& output) const;
+    // The flows of the caller's edges, by dense index.
+    Buffer<int> flows(const RVGraph* graph) const;
 
 private:
     class Builder;
@@ -97,7 +71,6 @@ private:
     std::vector<std::uint32_t> m_arcs;  // by place
     std::uint32_t m_start = 0;
     std::uint32_t m_sink = 0;
-    DistanceQueue m_queue;
     std::int64_t m_greatest = 0;        // distance of the last search
     std::vector<std::uint32_t> m_path;  // the places of its arcs, the last one first
 };

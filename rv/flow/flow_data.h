@@ -4,6 +4,9 @@
 // in wider arithmetic and stay at 2147483647 when they are given out.
 #pragma once
 
+#include <utility>
+
+#include "rv/foundation/buffer.h"
 #include "rv/framework/analysis_data.h"
 
 // Per edge of the inputs with capacities.
@@ -61,12 +64,27 @@ private:
 
 namespace rv {
 
+// Whether a node or an edge that is in the input's graph has one. O(1) where none has, unless the input keeps
+// records.
+template <class Input>
+bool hasNegativeCapacity(const Input& input) {
+    const RVGraph* graph = input.pAssociatedGraph();
+    return input.nodeCapacities().hasNegatives(graph) || input.edgeCapacities().hasNegatives(graph);
+}
+
 // Takes all flows from an output, whatever its reset has left.
 template <class Output>
 void clearFlows(Output& output) {
     for (RVEdge* edge : *output.pAssociatedGraph()->pEdgeList()) {
         if (output.flow(edge) != 0) output.flow(edge, 0);
     }
+}
+
+// Gives an output all its flows, by dense index.
+template <class Output>
+void writeFlows(Output& output, Buffer<int>&& flows) {
+    if (!output.flows().usable()) clearFlows(output);
+    output.flows().assign(output.pAssociatedGraph(), std::move(flows));
 }
 
 }  // namespace rv

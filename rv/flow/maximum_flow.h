@@ -11,7 +11,8 @@
 // Codes of run: RV_NO_ERROR, RV_NO_INPUT_GRAPH, RV_NO_GRAPH_FACTORY, then RV_NO_SOURCE_NODE,
 // RV_SOURCE_NODE_NOT_IN_GRAPH, RV_NO_SINK_NODE, RV_SINK_NODE_NOT_IN_GRAPH, RV_NEGATIVE_CAPACITY of any node
 // or edge, and the framework's.
-// Method: Edmonds and Karp 1972, over in and out states of nodes. O(n m^2) time, O(n + m) space.
+// Method: blocking flows (Dinitz 1970) over in and out states of nodes, which give the flows of Edmonds and
+// Karp 1972. O(n^2 m) time, O(n + m) space.
 //
 //   RVMaximumFlowAlgorithm flow;
 //   RVMaximumFlowInputData input(graph);
@@ -89,10 +90,4 @@ public:
 
 protected:
     RVServiceErrorCodeEnum algorithmBody() override;
-    void generateOutputData() override;
-    void parseInputData() override;
-
-private:
-    class Network;
-    rv::RunState<Network> m_network{this};
 };

@@ -3,11 +3,13 @@
 #include <cstdint>
 #include <vector>
 
-#include "rv/flow/maximum_flow.h"
 #include "rv/foundation/arithmetic.h"
 #include "rv/framework/check_input.h"
+#include "rv/framework/graph_snapshot.h"
 #include "rv/framework/input_fields.h"
-#include "rv/framework/sub_algorithm.h"
+#include "rv/framework/member_lists.h"
+#include "rv/framework/run_pulse.h"
+#include "rv/kernels/blocking_flow.h"
 
 RV_OBJECT_IMPL(RVEdgeExtensionMinimumCutInput)
 RV_OBJECT_IMPL(RVMinimumCutInputData)
@@ -43,72 +45,59 @@ RVServiceErrorCodeEnum RVMinimumCutAlgorithm::checkData() {
     const auto* input = RVMinimumCutInputData::castDown(pInputData());
     code = rv::checkNetworkEnds(*input);
     if (code != RV_NO_ERROR) return code;
-    for (RVEdge* edge : *input->pAssociatedGraph()->pEdgeList()) {
-        if (input->cost(edge) < 0) return RV_NEGATIVE_COST;
-    }
-    return RV_NO_ERROR;
+    return input->edgeCosts().hasNegatives(input->pAssociatedGraph()) ? RV_NEGATIVE_COST : RV_NO_ERROR;
 }
 
-RVAlgorithmData* RVMinimumCutAlgorithm::newInternalData() { return new RVMinimumCutInternalData(); }
+namespace {
 
-void RVMinimumCutAlgorithm::parseInputData() {}
-
-void RVMinimumCutAlgorithm::preprocessGraph() {}
-
-void RVMinimumCutAlgorithm::postprocessGraph() {}
-
-void RVMinimumCutAlgorithm::copyInputData(RVMaximumFlowInputData& input) const {
-    const auto* question = RVMinimumCutInputData::castDown(pInputData());
-    input.pSourceNode(pData()->pCopyNode(question->pSourceNode()));
-    input.pSinkNode(pData()->pCopyNode(question->pSinkNode()));
-    for (RVEdge* edge : *pAssociatedGraph()->pEdgeList()) {
-        input.capacity(edge, question->cost(pData()->pOriginalEdge(edge)));
-    }
-}
-
-RVServiceErrorCodeEnum RVMinimumCutAlgorithm::algorithmBody() {
-    RVMaximumFlowAlgorithm maximumFlow;
-    RVMaximumFlowInputData input(pAssociatedGraph());
-    RVMaximumFlowOutputData output;
-    copyInputData(input);
-    rv::noteFailure(*pData(), rv::runPart(*this, maximumFlow, input, output), debugMode(),
-                    L"Error in max flow. Return code = %d\n");
-    const RVNode* source = input.pSourceNode();
-    const bool isCycleCut = source == input.pSinkNode();
-    for (RVNode* node : *output.pVisitedNodeList()) pData()->touched(node, 1);
-    for (const RVNode* node : *output.pVisitedNodeList()) {
-        for (RVEdge* edge : *node->pOutEdgeList()) {
-            const bool leadsBack = isCycleCut && edge->pTargetNode() == source && node != source;
-            if (leadsBack || pData()->touched(edge->pTargetNode()) == 0)
-                pData()->pEdgeList()->appendEdge(edge);
+// Those that leave the source's side, and where cycles are cut, those that lead back to the source; then all
+// without cost; then the loops of a source that is the sink. Each once.
+rv::Buffer<rv::Index> findCut(const rv::FlowNetwork& network, const rv::GraphOrder& order, rv::Pulse& pulse) {
+    const rv::Arcs& out = network.out;
+    const rv::Index source = network.source;
+    const bool isOfCycles = source == network.sink;
+    const rv::Buffer<rv::Index> reached = rv::maximumFlow(network, pulse).reached;
+    std::vector<bool> isReached(out.nodeLimit());
+    std::vector<bool> isListed(network.edgeLimit);
+    rv::Buffer<rv::Index> cut;
+    const auto append = [&](rv::Index edge) {
+        isListed[edge] = true;
+        cut.push_back(edge);
+    };
+    for (const rv::Index node : reached) isReached[node] = true;
+    for (const rv::Index node : reached) {
+        for (rv::Index arc = out.first[node]; arc < out.last[node]; ++arc) {
+            const bool leadsBack = isOfCycles && out.targets[arc] == source && node != source;
+            if (leadsBack || !isReached[out.targets[arc]]) append(out.edges[arc]);
         }
     }
-    return pData()->returnCode();
+    order.forEachEdge([&](rv::Index edge) {
+        if (network.edgeCapacity(edge) == 0 && !isListed[edge]) append(edge);
+    });
+    for (rv::Index arc = out.first[source]; isOfCycles && arc < out.last[source]; ++arc) {
+        if (out.targets[arc] == source && !isListed[out.edges[arc]]) append(out.edges[arc]);
+    }
+    return cut;
 }
 
-void RVMinimumCutAlgorithm::generateOutputData() {
-    const RVMinimumCutInternalData* data = pData();
+}  // namespace
+
+// The hooks would fail on graphs whose copies have no factory, so these take them.
+std::optional<RVServiceErrorCodeEnum> RVMinimumCutAlgorithm::answer() {
     const auto* input = RVMinimumCutInputData::castDown(pInputData());
     auto* output = RVMinimumCutOutputData::castDown(pOutputData());
-    output->pAssociatedGraph(data->pInputGraph());
+    const RVGraph* graph = input->pAssociatedGraph();
+    if (!isExactly<RVMinimumCutAlgorithm>() || !rv::hasCopyFactory(graph)) return std::nullopt;
+    rv::RunPulse pulse(pRunControl(), "maximum flow");
+    const auto flat = rv::snapshotOf(graph);
+    rv::FlowNetwork network =
+        rv::flowNetworkOf(*flat, rv::indexOf(input->pSourceNode()), rv::indexOf(input->pSinkNode()));
+    rv::Buffer<int> costs;  // where the input keeps records
+    network.edgeCapacities = input->edgeCosts().values(graph, costs);
+    const rv::Buffer<rv::Index> cut = findCut(network, flat->order(), pulse);
     std::int64_t total = 0;
-    std::vector<bool> isListed(static_cast<std::size_t>(data->pInputGraph()->edgeIndexLimit()));
-    const auto append = [&](RVEdge* edge) {
-        isListed[rv::placeOf(edge)] = true;
-        output->pEdgeList()->appendEdge(edge);
-        total += input->cost(edge);
-    };
-    for (RVEdge* edge : *data->pEdgeList()) append(data->pOriginalEdge(edge));
-    for (RVEdge* edge : *pAssociatedGraph()->pEdgeList()) {
-        RVEdge* original = data->pOriginalEdge(edge);
-        const bool isNew = !isListed[rv::placeOf(original)];
-        if (isNew && input->cost(original) == 0) append(original);
-    }
-    const RVNode* source = input->pSourceNode();
-    if (source == input->pSinkNode()) {
-        for (RVEdge* edge : *source->pOutEdgeList()) {
-            if (edge->pTargetNode() == source && input->cost(edge) >= 1) append(edge);
-        }
-    }
+    for (const rv::Index edge : cut) total += network.edgeCapacity(edge);
+    rv::Members(graph).append(cut, *output->pEdgeList());
     output->totalCost(rv::saturate(total));
+    return RV_NO_ERROR;
 }

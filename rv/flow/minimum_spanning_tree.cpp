@@ -1,11 +1,14 @@
 #include "rv/flow/minimum_spanning_tree.h"
 
 #include <cstdint>
+#include <utility>
 
 #include "rv/foundation/arithmetic.h"
-#include "rv/foundation/graph_iterators.h"
+#include "rv/framework/graph_snapshot.h"
 #include "rv/framework/input_fields.h"
+#include "rv/framework/member_lists.h"
 #include "rv/framework/run_pulse.h"
+#include "rv/kernels/spanning_tree.h"
 
 RV_OBJECT_IMPL(RVEdgeExtensionMinimumSpanningTreeInput)
 RV_OBJECT_IMPL(RVEdgeExtensionMinimumSpanningTreeOutput)
@@ -33,124 +36,28 @@ void RVMinimumSpanningTreeOutputData::reset() {
     deleteDataReferences(pAssociatedGraph());
 }
 
-// RVMinimumSpanningTreeBinTree
-
-int RVMinimumSpanningTreeBinTree::keyOf(RVObject* node) const {
-    return m_pData == nullptr ? 0 : m_pData->currentCost(RVNode::castDown(node));
-}
-
-RVMinimumSpanningTreeInternalData* RVMinimumSpanningTreeBinTree::pData(
-    RVMinimumSpanningTreeInternalData* data) {
-    const bool hadNone = m_pData == nullptr;
-    m_pData = data;
-    if (hadNone) readKeys();
-    return data;
-}
-
-// RVMinimumSpanningTreeInternalData
-
-RVMinimumSpanningTreeInternalData::RVMinimumSpanningTreeInternalData(
-    const RVMinimumSpanningTreeInternalData& other, RVDeepFlagEnum)
-    : RVMinimumSpanningTreeInternalData() {
-    RVMinimumSpanningTreeInternalData::copyObject(&other);
-}
-
-RVMinimumSpanningTreeInternalData::~RVMinimumSpanningTreeInternalData() = default;
-
-// The nodes of a copy are compared by the copy's costs.
-RVMinimumSpanningTreeInternalData& RVMinimumSpanningTreeInternalData::operator=(
-    const RVMinimumSpanningTreeInternalData& other) {
-    if (this == &other) return *this;
-    RVAnalysisInternalData::operator=(other);
-    m_edgeCounter = other.m_edgeCounter;
-    m_partialTreeNodes = other.m_partialTreeNodes;
-    m_partialTreeNodes.pData(this);
-    return *this;
-}
-
-RV_OBJECT_COPY_IMPL(RVMinimumSpanningTreeInternalData)
-
-// RVMinimumSpanningTreeAlgorithm
-
-int RVMinimumSpanningTreeAlgorithm::directed() const { return 0; }
-
-RVAlgorithmData* RVMinimumSpanningTreeAlgorithm::newInternalData() {
-    return new RVMinimumSpanningTreeInternalData();
-}
-
-void RVMinimumSpanningTreeAlgorithm::privatePreprocessGraph() {
-    preprocessReflexiveEdges();
-    preprocessMultiEdges();
-}
-
-void RVMinimumSpanningTreeAlgorithm::parseInputData() {
+std::optional<RVServiceErrorCodeEnum> RVMinimumSpanningTreeAlgorithm::answer() {
+    if (!isExactly<RVMinimumSpanningTreeAlgorithm>()) return std::nullopt;
     const auto* input = RVMinimumSpanningTreeInputData::castDown(pInputData());
-    for (RVEdge* edge : *pAssociatedGraph()->pEdgeList()) {
-        pData()->cost(edge, input->cost(pData()->pOriginalEdge(edge)));
-    }
-}
-
-// The in-edges of the source come before its out-edges.
-RVEdge* RVMinimumSpanningTreeAlgorithm::selectRepresentativeEdge(RVEdge* edge) {
-    const RVNode* source = edge->pSourceNode();
-    RVEdge* best = edge;
-    int bestCost = rv::kInfinite;
-    const auto parallels = parallelEdges(edge, 0);
-    for (const bool isOut : {false, true}) {
-        for (RVEdge* parallel : parallels) {
-            if ((parallel->pSourceNode() == source) != isOut || pData()->cost(parallel) >= bestCost) continue;
-            best = parallel;
-            bestCost = pData()->cost(parallel);
-        }
-    }
-    return best;
-}
-
-RVServiceErrorCodeEnum RVMinimumSpanningTreeAlgorithm::algorithmBody() {
-    RVMinimumSpanningTreeInternalData* data = pData();
-    RVMinimumSpanningTreeBinTree* candidates = data->pPartialTreeNodeList();
-    RVNode* root = pAssociatedGraph()->pFirstNode();
-    if (root == nullptr) return data->returnCode();
-    data->touched(root, 1);
-    data->currentCost(root, 0);
-    candidates->addObject(root);
-    rv::RunPulse pulse(pRunControl(), "spanning tree", pAssociatedGraph()->numberOfEdges());
-    while (RVBinTreeCell* cheapest = candidates->pFirstCell()) {
-        auto* node = RVNode::castDown(cheapest->pObject());
-        pulse.beat(1 + node->degree());
-        candidates->discardCell(cheapest);
-        data->touched(node, 1);
-        if (RVEdge* parent = data->pParentEdge(node)) {
-            data->treeEdge(parent, 1);
-            data->edgeCounter(data->edgeCounter() + 1);
-        }
-        for (RVInAndOutEdgeIter it(node); it; it++) {
-            RVEdge* edge = it.pEdge();
-            RVNode* other = edge->pOtherNode(node);
-            const int cost = data->cost(edge);
-            const int before = data->currentCost(other);
-            if (data->touched(other) != 0 || before <= cost) continue;
-            RVBinTreeCell* cell = before < rv::kInfinite ? candidates->searchAndRemoveObject(other) : nullptr;
-            data->currentCost(other, cost);
-            data->pParentEdge(other, edge);
-            cell != nullptr ? candidates->insertCell(cell) : candidates->addObject(other);
-        }
-    }
-    return data->returnCode();
-}
-
-void RVMinimumSpanningTreeAlgorithm::generateOutputData() {
-    const RVMinimumSpanningTreeInternalData* data = pData();
     auto* output = RVMinimumSpanningTreeOutputData::castDown(pOutputData());
-    output->pAssociatedGraph(data->pInputGraph());
-    if (data->edgeCounter() != pAssociatedGraph()->numberOfNodes() - 1) return;
+    RVGraph* const graph = input->pAssociatedGraph();
+    rv::RunPulse pulse(pRunControl(), "spanning tree", graph->numberOfEdges());
+    const auto flat = rv::snapshotOf(graph);
+    rv::Buffer<int> space;  // where the input keeps records
+    const std::span<const int> costs = input->edgeCosts().values(graph, space);
+    rv::SpanningTree tree = rv::spanningTree(*flat, costs, pulse);
+    if (!tree.spans(flat->order())) return RV_NO_ERROR;
+    rv::Buffer<rv::Index> edges(std::size_t{tree.edgeCount} + 1);
+    std::size_t count = 0;
+    flat->order().forEachEdge([&](rv::Index edge) {
+        edges[count] = edge;  // stays there if it is one of the tree
+        count += static_cast<std::size_t>(tree.isTreeEdge[edge]);
+    });
+    edges.pop_back();
     std::int64_t total = 0;
-    for (RVEdge* edge : *pAssociatedGraph()->pEdgeList()) {
-        if (data->treeEdge(edge) == 0) continue;
-        RVEdge* original = data->pOriginalEdge(edge);
-        output->pTreeEdgeList()->appendEdge(original);
-        output->treeEdge(original, 1);
-        total += data->cost(edge);
-    }
+    for (const rv::Index edge : edges) total += edge < costs.size() ? costs[edge] : 0;
+    rv::Members(graph).append(edges, *output->pTreeEdgeList());
+    output->isTreeEdge().assign(graph, std::move(tree.isTreeEdge));
     output->totalCost(rv::saturate(total));
+    return RV_NO_ERROR;
 }

@@ -31,6 +31,7 @@ public:
         m_marks[node] = m_base + level;
         m_end = std::max(m_end, m_base + level + 1);
     }
+    void unmark(Index node) { m_marks[node] = 0; }
 
 private:
     Buffer<std::uint32_t> m_marks;

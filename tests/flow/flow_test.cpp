@@ -87,6 +87,7 @@ std::int64_t leastCut(const RVGraph* graph, const RVNode* source, const RVNode* 
 TEST(MaximumFlow, EqualsTheLeastCut) {
     MaximumFlow flow;
     MinimumCut cut;
+    OnHooks<MinimumCut> hookedCut;
     std::int64_t total = 0;
     for (unsigned seed = 0; seed < 300; ++seed) {
         const bool withNodes = seed % 2 == 0;
@@ -98,6 +99,8 @@ TEST(MaximumFlow, EqualsTheLeastCut) {
             SCOPED_TRACE(std::to_string(seed) + ", to " + text(sink) + ": " + tokens);
             ASSERT_EQ(runOn(flow, g, source, sink), 0);
             ASSERT_EQ(runOn(cut, g, source, sink), 0);
+            ASSERT_EQ(runOn(hookedCut, g, source, sink), 0);
+            EXPECT_EQ(describe(cut.output, g), describe(hookedCut.output, g));
             std::set<const RVEdge*> listed;
             std::int64_t cost = 0;
             for (const RVEdge* edge : *cut.output.pEdgeList()) {
@@ -207,6 +210,7 @@ TEST(DisjointPaths, AreTakenApart) {
 // As many as the least number of edges, or of nodes and of straight edges, that cut all ways.
 TEST(DisjointPaths, AreAsManyAsTheLeastCut) {
     DisjointPaths test;
+    OnHooks<DisjointPaths> hooked;
     int several = 0;
     for (unsigned seed = 0; seed < 200; ++seed) {
         const std::string tokens = randomText(seed, {.nodes = 6, .edges = 16});
@@ -217,6 +221,9 @@ TEST(DisjointPaths, AreAsManyAsTheLeastCut) {
                 SCOPED_TRACE(std::to_string(seed) + ", to " + text(finish) + ": " + tokens);
                 test.input.nodeDisjointPaths(nodeDisjoint);
                 ASSERT_EQ(runOn(test, g, start, finish), 0);
+                hooked.input.nodeDisjointPaths(nodeDisjoint);
+                ASSERT_EQ(runOn(hooked, g, start, finish), 0);
+                EXPECT_EQ(describe(test.output, g), describe(hooked.output, g));
                 const RVDList* paths = test.output.pPathList();
                 ASSERT_EQ(paths->length(), test.output.numberOfDisjointPaths());
                 std::set<const RVEdge*> edges;
@@ -240,6 +247,34 @@ TEST(DisjointPaths, AreAsManyAsTheLeastCut) {
         }
     }
     EXPECT_GT(several, 100);
+}
+
+// Graphs of many ways, with lists in all orders.
+TEST(DisjointPaths, AndCutsAreTheSameOnHooks) {
+    DisjointPaths paths;
+    OnHooks<DisjointPaths> hookedPaths;
+    MinimumCut cut;
+    OnHooks<MinimumCut> hookedCut;
+    int number = 0;
+    for (unsigned seed = 0; seed < 150; ++seed) {
+        const std::string tokens = randomText(seed, {.nodes = 25, .edges = 160, .least = 0, .most = 5});
+        SCOPED_TRACE(std::to_string(seed) + ": " + tokens);
+        const MarkedGraph g(tokens, seed);
+        for (RVNode* finish : {g->pFirstNode(), g->pLastNode()}) {
+            ASSERT_EQ(runOn(cut, g, g->pFirstNode(), finish), 0);
+            ASSERT_EQ(runOn(hookedCut, g, g->pFirstNode(), finish), 0);
+            ASSERT_EQ(describe(cut.output, g), describe(hookedCut.output, g));
+            for (const int nodeDisjoint : {0, 1}) {
+                paths.input.nodeDisjointPaths(nodeDisjoint);
+                hookedPaths.input.nodeDisjointPaths(nodeDisjoint);
+                ASSERT_EQ(runOn(paths, g, g->pFirstNode(), finish), 0);
+                ASSERT_EQ(runOn(hookedPaths, g, g->pFirstNode(), finish), 0);
+                ASSERT_EQ(describe(paths.output, g), describe(hookedPaths.output, g));
+                number += paths.output.numberOfDisjointPaths();
+            }
+        }
+    }
+    EXPECT_GT(number, 1000);
 }
 
 }  // namespace

@@ -12,7 +12,8 @@ namespace {
 
 using namespace rvtest;
 
-std::string answer(SpanningTree& test, RVGraph* graph) {
+template <class Run>
+std::string answer(Run& test, RVGraph* graph) {
     EXPECT_EQ(runOn(test, graph, nullptr), 0);
     RVEdgeDList edges;
     edges.appendEdge(nullptr);
@@ -93,6 +94,27 @@ TEST(MinimumSpanningTree, CostsNoMoreThanTheCheapestEdgesThatJoinParts) {
         trees += hasTree && cost != 0 ? 1 : 0;
     }
     EXPECT_GT(trees, 60);
+}
+
+// Few different costs and many parallel edges, in lists of all orders; or costs too far apart for a bucket
+// each.
+TEST(MinimumSpanningTree, IsTheSameOnHooks) {
+    SpanningTree test;
+    OnHooks<SpanningTree> hooked;
+    int trees = 0;
+    for (unsigned seed = 0; seed < 600; ++seed) {
+        const int most = seed % 3 == 0 ? 2147483647 : 1 + static_cast<int>(seed % 4);
+        const std::string tokens =
+            randomText(seed, {.nodes = 9, .edges = 30, .least = seed % 3 == 0 ? 1 : -1, .most = most});
+        SCOPED_TRACE(std::to_string(seed) + ": " + tokens);
+        const MarkedGraph g(tokens, seed);
+        const std::string expected = answer(hooked, g);
+        ASSERT_EQ(answer(test, g), expected);
+        for (RVEdge* edge : *g->pEdgeList())
+            EXPECT_EQ(test.output.treeEdge(edge), hooked.output.treeEdge(edge)) << text(edge);
+        trees += test.output.pTreeEdgeList()->length() > 0 ? 1 : 0;
+    }
+    EXPECT_GT(trees, 300);
 }
 
 }  // namespace

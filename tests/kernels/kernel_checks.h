@@ -12,12 +12,15 @@
 #include <utility>
 #include <vector>
 
+#include "rv/kernels/blocking_flow.h"
 #include "rv/kernels/blocks.h"
 #include "rv/kernels/breadth_first.h"
 #include "rv/kernels/connected_components.h"
 #include "rv/kernels/depth_first.h"
+#include "rv/kernels/disjoint_paths.h"
 #include "rv/kernels/nearest.h"
 #include "rv/kernels/reach_marks.h"
+#include "rv/kernels/spanning_tree.h"
 #include "rv/kernels/strong_components.h"
 #include "rv/kernels/topological_order.h"
 #include "rv/kernels/two_sided.h"
@@ -558,6 +561,264 @@ inline void expectNearest(const Question& question, rv::ReusedNearestLabels<int>
     const auto exact = SlowSearch<std::int64_t>(question).find();
     EXPECT_EQ(freshAnswer<std::int64_t>(question, pulse), exact);
     EXPECT_EQ(reusedAnswer(question, exactLabels, pulse), exact);
+}
+
+// Flows, by one breadth-first search after another
+
+class SlowFlow {
+public:
+    explicit SlowFlow(const rv::FlowNetwork& network)
+        : flows(network.edgeLimit), m_network(network), m_entering(network.out.nodeLimit()) {
+        while (findPath()) push();
+    }
+
+    std::vector<int> flows;
+    std::int64_t total = 0;
+    std::vector<Index> reached;
+
+private:
+    using State = std::pair<Index, bool>;  // a node, and whether flow may leave it
+    struct Step {
+        State from;
+        Index edge;  // kNoIndex between the states of a node
+        bool isForward;
+        std::int64_t residual;
+    };
+
+    bool findPath() {
+        const State source(m_network.source, true);
+        const State sink(m_network.sink, false);
+        m_steps = {{source, {}}};
+        std::vector<State> queue{source};
+        for (std::size_t next = 0; next < queue.size(); ++next) {
+            for (const auto& [state, step] : stepsFrom(queue[next])) {
+                if (step.residual <= 0 || !m_steps.emplace(state, step).second) continue;
+                if (state == sink) return true;
+                queue.push_back(state);
+            }
+        }
+        reached.clear();
+        for (const State& state : queue) {
+            if (std::count(reached.begin(), reached.end(), state.first) == 0) reached.push_back(state.first);
+        }
+        return false;
+    }
+    std::vector<std::pair<State, Step>> stepsFrom(const State& state) const {
+        constexpr std::int64_t kMany = std::numeric_limits<std::int64_t>::max();
+        const auto [node, isOut] = state;
+        std::vector<std::pair<State, Step>> steps;
+        const auto& capacities = m_network.nodeCapacities;
+        const bool isLimited = node < capacities.size() && capacities[node] != 2147483647;
+        const std::int64_t inner = isLimited && !isOut ? capacities[node] - m_entering[node] : kMany;
+        if (state != State(m_network.source, true))
+            steps.push_back({{node, !isOut}, {state, kNoIndex, isOut, inner}});
+        const rv::Arcs& arcs = isOut ? m_network.out : m_network.in;
+        for (Index arc = arcs.first[node]; arc < arcs.last[node]; ++arc) {
+            const Index edge = arcs.edges[arc];
+            const auto& all = m_network.edgeCapacities;
+            const int residual = isOut ? (edge < all.size() ? all[edge] : 0) - flows[edge] : flows[edge];
+            steps.push_back({{arcs.targets[arc], !isOut}, {state, edge, isOut, residual}});
+        }
+        return steps;
+    }
+    void push() {
+        const State source(m_network.source, true);
+        const State sink(m_network.sink, false);
+        std::int64_t amount = std::numeric_limits<std::int64_t>::max();
+        for (State state = sink; state != source; state = m_steps.at(state).from)
+            amount = std::min(amount, m_steps.at(state).residual);
+        for (State state = sink; state != source; state = m_steps.at(state).from) {
+            const Step& step = m_steps.at(state);
+            if (step.edge == kNoIndex) continue;
+            const auto change = static_cast<int>(step.isForward ? amount : -amount);
+            flows[step.edge] += change;
+            m_entering[step.isForward ? state.first : step.from.first] += change;
+        }
+        total += amount;
+    }
+
+    const rv::FlowNetwork& m_network;
+    std::vector<std::int64_t> m_entering;  // by node
+    std::map<State, Step> m_steps;         // by the state to which they lead
+};
+
+inline void expectMaximumFlow(const ArrayGraph& graph, Dice& dice) {
+    const ArcArrays out = graph.arcs();
+    const ArcArrays in = graph.arcs(true);
+    constexpr Index kRanges[] = {1, 2, 5, 100, 2147483647};
+    const auto capacities = [&](std::size_t count) {
+        const Index range = kRanges[dice.below(5)];
+        std::vector<int> values;
+        for (; count > 0; --count)
+            values.push_back(
+                static_cast<int>(dice.oneIn(5) ? 2147483647U : dice.below(range) + dice.below(2)));
+        return values;
+    };
+    const auto edgeCapacities = capacities(graph.ends.size() - dice.below(2) % (graph.ends.size() + 1));
+    const auto nodeCapacities = capacities(dice.oneIn(2) ? 0 : graph.nodeLimit - dice.below(2));
+    const auto drawn = [&] { return graph.nodes[dice.below(static_cast<Index>(graph.nodes.size()))]; };
+    const rv::FlowNetwork network{out.arcs(),    in.arcs(), static_cast<Index>(graph.ends.size()),
+                                  drawn(),       drawn(),   edgeCapacities,
+                                  nodeCapacities};
+    rv::Pulse pulse;
+    const rv::MaximumFlow found = rv::maximumFlow(network, pulse);
+    const SlowFlow expected(network);
+    SCOPED_TRACE(testing::Message() << "from " << network.source << " to " << network.sink << ", capacities "
+                                    << testing::PrintToString(edgeCapacities) << " and "
+                                    << testing::PrintToString(nodeCapacities));
+    EXPECT_EQ(found.total, expected.total);
+    EXPECT_EQ(listed(found.flows), expected.flows);
+    EXPECT_EQ(listed(found.reached), expected.reached);
+}
+
+// Of the same flow over a graph in which every node is an entry 2 v and an exit 2 v + 1, if asked for.
+inline std::vector<std::vector<Index>> slowDisjointPaths(const ArrayGraph& graph, Index start, Index finish,
+                                                         bool areNodesDisjoint) {
+    ArrayGraph split = graph;
+    if (areNodesDisjoint) {
+        split.nodeLimit = 2 * graph.nodeLimit;
+        split.edges.clear();
+        for (rv::Ends& ends : split.ends) ends = {2 * ends.source + 1, 2 * ends.target};
+        for (const Index node : graph.nodes) {
+            split.edges.push_back(static_cast<Index>(split.ends.size()));
+            split.ends.push_back({2 * node, 2 * node + 1});
+        }
+        // As out-edges are listed, node after node.
+        for (const Index node : graph.nodes) {
+            for (const Index edge : graph.edges) {
+                if (graph.ends[edge].source == node) split.edges.push_back(edge);
+            }
+        }
+    }
+    const ArcArrays out = split.arcs();
+    const ArcArrays in = split.arcs(true);
+    const std::vector<int> ones(split.ends.size(), 1);
+    SlowFlow flow({out.arcs(),
+                   in.arcs(),
+                   static_cast<Index>(split.ends.size()),
+                   areNodesDisjoint ? 2 * start + 1 : start,
+                   areNodesDisjoint ? 2 * finish : finish,
+                   ones,
+                   {}});
+    std::vector<std::vector<Index>> paths(static_cast<std::size_t>(flow.total));
+    for (auto& path : paths) {
+        Index node = start;
+        do {
+            const auto next = std::find_if(graph.edges.begin(), graph.edges.end(), [&](Index edge) {
+                return graph.ends[edge].source == node && flow.flows[edge] == 1;
+            });
+            flow.flows[*next] = 0;
+            path.push_back(*next);
+            node = graph.ends[*next].target;
+        } while (node != finish);
+    }
+    return paths;
+}
+
+inline rv::FlatGraph flatGraphOf(const ArrayGraph& graph) {
+    const rv::GraphOrder order = graph.order();
+    return rv::FlatGraph({graph.nodeLimit,
+                          order.nodeCount,
+                          order.edgeCount,
+                          graph.ends,
+                          {order.nodes.begin(), order.nodes.end()},
+                          {order.edges.begin(), order.edges.end()},
+                          {}});
+}
+
+inline void expectDisjointPaths(const ArrayGraph& graph, Dice& dice) {
+    const rv::FlatGraph flat = flatGraphOf(graph);
+    rv::Pulse pulse;
+    const Index start = graph.nodes[dice.below(static_cast<Index>(graph.nodes.size()))];
+    const Index finish = graph.nodes[dice.below(static_cast<Index>(graph.nodes.size()))];
+    for (const bool areNodesDisjoint : {false, true}) {
+        const auto find = areNodesDisjoint ? rv::nodeDisjointPaths : rv::edgeDisjointPaths;
+        const rv::EdgePaths found = find(flat, start, finish, pulse);
+        std::vector<std::vector<Index>> paths;
+        for (Index path = 0; path < found.size(); ++path)
+            paths.emplace_back(found[path].begin(), found[path].end());
+        EXPECT_EQ(paths, slowDisjointPaths(graph, start, finish, areNodesDisjoint))
+            << "from " << start << " to " << finish << (areNodesDisjoint ? " by nodes" : " by edges");
+    }
+}
+
+// Spanning trees, by a list of candidates that is kept in order
+
+inline std::vector<int> slowSpanningTree(const ArrayGraph& graph, const std::vector<int>& costs) {
+    const auto costOf = [&](Index edge) { return edge < costs.size() ? costs[edge] : 0; };
+    const auto otherEnd = [&](Index edge, Index node) {
+        const auto [source, target] = graph.ends[edge];
+        return source == node ? target : source;
+    };
+    // In-edges first; loops neither.
+    const auto edgesOf = [&](Index node) {
+        std::vector<Index> edges;
+        for (const bool isOut : {false, true}) {
+            for (const Index edge : graph.edges) {
+                const auto [source, target] = graph.ends[edge];
+                if (source != target && (isOut ? source : target) == node) edges.push_back(edge);
+            }
+        }
+        return edges;
+    };
+    const auto representative = [&](Index edge) {
+        const auto isParallel = [&](Index other) {
+            return std::minmax(graph.ends[edge].source, graph.ends[edge].target) ==
+                   std::minmax(graph.ends[other].source, graph.ends[other].target);
+        };
+        const Index first = *std::find_if(graph.edges.begin(), graph.edges.end(), isParallel);
+        std::vector<Index> group = edgesOf(graph.ends[first].source);
+        std::erase_if(group, [&](Index other) { return !isParallel(other); });
+        return *std::min_element(group.begin(), group.end(),
+                                 [&](Index a, Index b) { return costOf(a) < costOf(b); });
+    };
+    struct Candidate {
+        Index node;
+        Index edge;
+    };
+    std::vector<Candidate> candidates;
+    std::set<Index> joined;
+    std::vector<int> isTreeEdge(graph.ends.size());
+    const auto isOf = [](Index node) { return [=](const Candidate& other) { return other.node == node; }; };
+    const auto offer = [&](const Candidate& offered) {
+        if (costOf(offered.edge) == 2147483647 || joined.count(offered.node) != 0) return;
+        const auto before = std::find_if(candidates.begin(), candidates.end(), isOf(offered.node));
+        if (before != candidates.end()) {
+            if (costOf(before->edge) <= costOf(offered.edge)) return;
+            candidates.erase(before);
+        }
+        const auto place = std::find_if(candidates.begin(), candidates.end(), [&](const Candidate& other) {
+            return costOf(other.edge) > costOf(offered.edge);
+        });
+        candidates.insert(place, offered);
+    };
+    const auto join = [&](Index node) {
+        joined.insert(node);
+        for (const Index edge : edgesOf(node)) {
+            if (representative(edge) == edge) offer({otherEnd(edge, node), edge});
+        }
+    };
+    if (!graph.nodes.empty()) join(graph.nodes.front());
+    while (!candidates.empty()) {
+        const Candidate next = candidates.front();
+        candidates.erase(candidates.begin());
+        isTreeEdge[next.edge] = 1;
+        join(next.node);
+    }
+    return isTreeEdge;
+}
+
+inline void expectSpanningTree(const ArrayGraph& graph, Dice& dice) {
+    constexpr int kCosts[] = {0, 1, 2, 2147483647, -2147483647 - 1, 2147483646};
+    const Index kinds = 1 + dice.below(6);
+    std::vector<int> costs;
+    for (std::size_t left = graph.ends.size() - dice.below(2) % (graph.ends.size() + 1); left > 0; --left)
+        costs.push_back(kCosts[dice.below(kinds)]);
+    SCOPED_TRACE("costs " + testing::PrintToString(costs));
+    rv::Pulse pulse;
+    const rv::SpanningTree tree = rv::spanningTree(flatGraphOf(graph), costs, pulse);
+    EXPECT_EQ(listed(tree.isTreeEdge), slowSpanningTree(graph, costs));
+    EXPECT_EQ(tree.edgeCount, std::count(tree.isTreeEdge.begin(), tree.isTreeEdge.end(), 1));
 }
 
 }  // namespace rvtest
