@@ -12,8 +12,9 @@
 // Codes of run: RV_NO_ERROR, RV_NO_INPUT_GRAPH, RV_NO_GRAPH_FACTORY, then RV_NO_START_NODE,
 // RV_START_NODE_NOT_IN_GRAPH, RV_NO_FINISH_NODE, RV_FINISH_NODE_NOT_IN_GRAPH, RV_ALGORITHM_FAILURE when a
 // listed node is not in the graph, and the framework's. The output is that of the Dijkstra traversal.
-// Method: relaxation in topological order. O(n + m log n) time, since the traversal keeps its queue; O(n + m)
-// space.
+// Method: relaxation in topological order. O(n + m) time and space, in arrays made of the caller's graph. An
+// object of a subclass runs on the hooks, in O(n + m log n) time, since the traversal keeps its queue; only
+// there useOriginalGraph has a meaning.
 //
 //   RVShortestPathsAcyclicAlgorithm search;
 //   RVShortestPathsAcyclicInputData input(graph);

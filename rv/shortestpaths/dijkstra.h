@@ -2,7 +2,8 @@
 // for, the distance of every node from the start.
 //
 // Any graph without negative edge costs; costs of nodes play no part. Edges are followed forward, undirected
-// ones both ways. All nodes that the start node reaches are settled, not only those before the finish node.
+// ones both ways. Distances, where they are asked for, are those of all nodes that the start node reaches;
+// else the search ends at the finish node.
 //
 // Ties: of parallel edges the cheapest counts, the first of them in the out-edge order of their source
 // (followed by the in-edge order in an undirected run). Nodes of equal distance are settled in the order in
@@ -15,7 +16,9 @@
 // RV_START_NODE_NOT_IN_GRAPH, RV_NO_FINISH_NODE, RV_FINISH_NODE_NOT_IN_GRAPH, RV_ALGORITHM_FAILURE when any
 // edge of the graph has a negative cost, and the framework's. A finish node that cannot be reached is no
 // failure: pathExists 0, totalCost 2147483647 and no edges.
-// Method: Dijkstra 1959, on the traversal engine. O((n + m) log n) time, O(n + m) space.
+// Method: Dijkstra 1959, in arrays made of the caller's graph, with a radix queue: O(n + m log C) time for
+// costs up to C, O(n + m) space. An object of a subclass runs on the hooks of the traversal engine, in O((n +
+// m) log n) time; only there useOriginalGraph has a meaning.
 //
 //   RVDijkstraAlgorithm search;
 //   RVShortestPathsInputData input(graph);

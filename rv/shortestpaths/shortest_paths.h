@@ -23,8 +23,8 @@
 // way there and back, with both its nodes, is one), with pathExists 0 and totalCost 0; RV_ALGORITHM_FAILURE
 // when a part fails, and the framework's. A finish node that cannot be reached is no failure: pathExists 0,
 // totalCost 2147483647 and no edges.
-// O((n + m) log C) time for costs up to C, with negative costs and without cycles O(n + m), with both O(n^3)
-// and O(n^2) space.
+// O(n + m log C) time for costs up to C, with negative costs and without cycles O(n + m), with both O(n^3)
+// and O(n^2) space, in arrays made of the caller's graph; an object of a subclass works on a copy.
 //
 //   RVShortestPathsAlgorithm paths;
 //   RVShortestPathsInputData input(graph);

@@ -10,14 +10,16 @@
 // first in-edge in in-edge order; or the one from the node settled first, where nodes of equal distance are
 // settled in the order in which they came to it; or the one of the first pass over the frontier.
 //
-// Costs are added exactly. A distance of 2147483647 and more counts as not reached, one below -2147483648 is
-// given as that.
+// Costs are added exactly. A distance of 2147483647 and more counts as not reached, and such a node has no
+// tree edge; one below -2147483648 is given as that.
 //
 // Codes of run: RV_NO_ERROR, RV_NO_INPUT_GRAPH, RV_NO_GRAPH_FACTORY, then RV_NO_START_NODE,
 // RV_START_NODE_NOT_IN_GRAPH; RV_NEGATIVE_CYCLE when the start node reaches a negative cycle (an undirected
 // edge of negative cost is one), with the costs found until then in the output; and the framework's.
-// Method: relaxation in topological order O(n + m); Dijkstra 1959 O((n + m) log n); Bellman 1958, Ford 1956,
-// in passes over the nodes whose distance has fallen, O(n m) at worst. O(n + m) space.
+// Method: relaxation in topological order O(n + m); Dijkstra 1959 O(n + m log C) for costs up to C; Bellman
+// 1958, Ford 1956, in passes over the nodes whose distance has fallen, O(n m) at worst. O(n + m) space, in
+// arrays made of the caller's graph. An object of a subclass runs on hooks and a copy; only there
+// useOriginalGraph has a meaning.
 //
 //   RVSingleSourceShortestPathsAlgorithm paths;
 //   RVSingleSourceShortestPathsInputData input(graph);

@@ -22,9 +22,11 @@
 // RV_START_NODE_NOT_IN_GRAPH, RV_NO_FINISH_NODE, RV_FINISH_NODE_NOT_IN_GRAPH; RV_NEGATIVE_CYCLE when a
 // negative cycle lies on the way from start to finish, with pathExists 0; and the framework's. A finish node
 // that cannot be reached is no failure: pathExists 0, no path graph.
-// Method: Eppstein 1998, with persistent heaps. O((n + m) log n) time and space, with negative costs and
-// cycles what single-source shortest paths take. The path graph has at most m + n (log2 n + 2) nodes, each
-// with at most three heap edges and one cross edge.
+// Method: Eppstein 1998, with persistent heaps, in arrays made of the caller's graph; an object of a subclass
+// runs on hooks and a copy, and only there useOriginalGraph has a meaning. O(n log n + m log C) time for
+// costs up to C and O(n log n + m) space, with negative costs and cycles the time of single-source shortest
+// paths. The path graph has at most m + n (log2 n + 2) nodes, each with at most three heap edges and one
+// cross edge.
 //
 //   RVSortedPathsAlgorithm paths;
 //   RVSortedPathsInputData input(graph);

@@ -45,6 +45,7 @@ TYPED_TEST(Threads, ShareAFactory) {
 // Those of which any number may run on one graph at a time.
 using Sharing = testing::Types<TopologicalSort, BreadthFirst, DepthFirst, Connected, Blocks, Strong, PathTest,
                                AcyclicTest, TreeTest, UniquePath, Reachable, NewCycleTest, RootCauses,
+                               Dijkstra, AcyclicPaths, ShortestPaths, SingleSource, SortedPathsOnce,
                                MaximumFlow, MinimumCut, DisjointPaths, SpanningTree>;
 template <class R>
 class SharedGraph : public testing::Test {};
