@@ -20,12 +20,15 @@ struct FlatHalf {
 struct LiveHalf {
     std::span<RVNode* const> nodes;
     bool isForward;
+    std::size_t& steps;
 
     template <class F>
     void forEach(Index node, F f) const {
         const RVNode* at = nodes[node];
-        for (const RVEdge* edge : isForward ? *at->pOutEdgeList() : *at->pInEdgeList())
+        for (const RVEdge* edge : isForward ? *at->pOutEdgeList() : *at->pInEdgeList()) {
+            ++steps;
             f(indexOf(edge), indexOf(isForward ? edge->pTargetNode() : edge->pSourceNode()));
+        }
     }
 };
 
@@ -35,23 +38,20 @@ struct Ways {
     const RangeQuestion& question;
     const Half& out;
     const Half& in;
-    std::size_t& steps;
 
     int leaving(Index node) const { return question.hasCosts ? question.costOfNode(node) : 0; }
     template <class F>
     void forEach(Index node, F f) const {
-        forEachOf(out, true, node, f);
-        forEachOf(in, false, node, f);
-    }
-
-private:
-    template <class F>
-    void forEachOf(const Half& half, bool isForward, Index node, F f) const {
-        if (isForward == question.isReversed && !question.hasBothWays()) return;
-        half.forEach(node, [&](Index edge, Index other) {
-            ++steps;
-            if (question.isFollowed(edge, isForward)) f(other, edge, question.costOfEdge(edge));
-        });
+        const auto follow = [&](Index edge, Index other) { f(other, edge, question.costOfEdge(edge)); };
+        if (!question.hasBothWays()) {
+            (question.isReversed ? in : out).forEach(node, follow);
+            return;
+        }
+        for (const bool isForward : {true, false}) {
+            (isForward ? out : in).forEach(node, [&](Index edge, Index other) {
+                if (question.isFollowed(edge, isForward)) follow(edge, other);
+            });
+        }
     }
 };
 
@@ -68,7 +68,8 @@ std::span<const Index> RangeSearch::reach(Index start, Pulse& pulse) {
         search(FlatHalf{m_flat->out()}, FlatHalf{m_flat->in()}, start, pulse);
     } else {
         const std::span<RVNode* const> nodes = GraphAccess::nodes(m_question.graph);
-        search(LiveHalf{nodes, true}, LiveHalf{nodes, false}, start, pulse);
+        m_steps = 0;
+        search(LiveHalf{nodes, true, m_steps}, LiveHalf{nodes, false, m_steps}, start, pulse);
         noteWalk(m_question.graph, m_steps);
     }
     return m_scratch->reached;
@@ -76,10 +77,8 @@ std::span<const Index> RangeSearch::reach(Index start, Pulse& pulse) {
 
 template <class Half>
 void RangeSearch::search(const Half& out, const Half& in, Index start, Pulse& pulse) {
-    m_steps = 0;
-    const Ways<Half> ways{m_question, out, in, m_steps};
-    findNearest(ways, start, NearestBounds<int>{m_question.range}, m_scratch->labels, m_scratch->reached,
-                pulse);
+    findNearest(Ways<Half>{m_question, out, in}, start, NearestBounds<int>{m_question.range},
+                m_scratch->labels, m_scratch->reached, pulse);
 }
 
 }  // namespace rv

@@ -63,7 +63,7 @@ private:
     const RangeQuestion& m_question;
     std::shared_ptr<const FlatGraph> m_flat;  // nullptr where the graph itself is searched
     ScratchLoan<Scratch> m_scratch;
-    std::size_t m_steps = 0;
+    std::size_t m_steps = 0;  // of the last search over the graph itself
 };
 
 }  // namespace rv
