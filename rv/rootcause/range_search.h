@@ -57,8 +57,8 @@ private:
         Buffer<Index> reached;
     };
 
-    template <class Half>
-    void search(const Half& out, const Half& in, Index start, Pulse& pulse);
+    template <class WaysOf>
+    void search(Index start, Pulse& pulse, WaysOf waysOf);
 
     const RangeQuestion& m_question;
     std::shared_ptr<const FlatGraph> m_flat;  // nullptr where the graph itself is searched
