@@ -370,6 +370,13 @@ std::string describe(const Output& output, const RVGraph* graph) {
     return all;
 }
 
+// Runs, and says how it went and what was found.
+template <class R>
+std::string codeAndAnswer(R& run, const RVGraph* graph) {
+    const std::string code = std::to_string(run());
+    return code + "; " + describe(run.output, graph);
+}
+
 // Answers every question of an input: nodes by name, the other nodes with the last one, effects with all
 // nodes, numbers from the objects.
 class Question : public RVAlgorithmInputData {

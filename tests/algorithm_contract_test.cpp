@@ -231,6 +231,25 @@ TYPED_TEST(AlgorithmContract, LetsEverythingGoInAnyOrder) {
     } while (std::next_permutation(order.begin(), order.end()));
 }
 
+// A class of the library may work in arrays; its subclasses work on hooks and find the same, ties and all.
+// From the start of the rule too, and where lists stand in any order.
+TYPED_TEST(AlgorithmContract, IsTheSameOnHooks) {
+    for (unsigned seed = 0; seed < 200 && !this->HasFailure(); ++seed) {
+        const std::string tokens = randomText(seed, {.edges = seed % 3 == 0 ? 16 : 11, .undirected = 25});
+        const MarkedGraph g(tokens, seed);
+        for (int way = 0; way < 4; ++way) {
+            SCOPED_TRACE("seed " + std::to_string(seed) + ", way " + std::to_string(way) + ": " + tokens);
+            Question question(g, way % 2);
+            if (way / 2 != 0) question.pStart = nullptr;
+            TypeParam run;
+            OnHooks<TypeParam> hooked;
+            ask(run, g, question);
+            ask(hooked, g, question);
+            EXPECT_EQ(codeAndAnswer(run, g), codeAndAnswer(hooked, g));
+        }
+    }
+}
+
 // Gives its factory once, so that a part of an algorithm misses it.
 class ForgetfulGraph : public RVGraph {
 public:

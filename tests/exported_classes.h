@@ -86,11 +86,14 @@ using InputClasses =
                    RVCycleBreakingEdgeDetectionInputData, RVRootCauseInputData, RVBasicClusteringInputData,
                    RVClusteringInputData, RVRatioCutBipartitioningInputData, RVClusterSplittingInputData>;
 
-struct ClassNames {
-    template <class C>
-    static std::string GetName(int) {
-        return testing::internal::GetTypeName<C>();
-    }
-};
+// Calls f<C>() with each of some classes, which a failure names.
+template <class... C, class F>
+void forEachClass(testing::Types<C...>, F f) {
+    const auto call = [&f]<class Each>() {
+        SCOPED_TRACE(testing::internal::GetTypeName<Each>());
+        f.template operator()<Each>();
+    };
+    (call.template operator()<C>(), ...);
+}
 
 }  // namespace rvtest

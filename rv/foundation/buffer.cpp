@@ -11,13 +11,12 @@
 
 namespace rv {
 
-namespace {
-constexpr std::size_t kHugePage = std::size_t{2} << 20;
-}
-
 // Small arrays come from the ordinary heap.
 void* allocateArray(std::size_t bytes) {
-    if (bytes < kHugePage) return ::operator new(bytes);
+    return bytes < kHugePage ? ::operator new(bytes) : allocateHuge(bytes);
+}
+
+void* allocateHuge(std::size_t bytes) {
     void* memory = std::aligned_alloc(kHugePage, (bytes + kHugePage - 1) / kHugePage * kHugePage);
     if (memory == nullptr) throw std::bad_alloc();
 #if RV_HUGE_PAGES && defined(__linux__)

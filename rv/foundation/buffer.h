@@ -16,6 +16,9 @@ namespace rv {
 // Memory for large arrays, aligned and in huge pages where the system has them; throws std::bad_alloc.
 RV_EXPORT void* allocateArray(std::size_t bytes);
 RV_EXPORT void freeArray(void* memory, std::size_t bytes) noexcept;
+// The same for at least so many bytes, to be freed by std::free.
+inline constexpr std::size_t kHugePage = std::size_t{2} << 20;
+void* allocateHuge(std::size_t bytes);
 
 // Leaves new elements as they are unless a value is given.
 template <class T>

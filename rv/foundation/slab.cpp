@@ -4,18 +4,12 @@
 #include <cstdlib>
 #include <new>
 
-#ifndef RV_HUGE_PAGES
-#define RV_HUGE_PAGES 1
-#endif
-#if RV_HUGE_PAGES && defined(__linux__)
-#include <sys/mman.h>
-#endif
+#include "rv/foundation/buffer.h"
 
 namespace rv {
 
 namespace {
 constexpr std::size_t kFirstSlots = 6;
-constexpr std::size_t kLargestChunk = std::size_t{2} << 20;
 constexpr std::size_t kCacheLine = 64;
 
 std::size_t usable(std::size_t bytes, std::size_t slotSize) { return bytes / slotSize * slotSize; }
@@ -33,18 +27,14 @@ Slab::~Slab() { freeChunks(); }
 
 void Slab::grow() {
     const std::size_t bytes = (m_nextChunk + kCacheLine - 1) / kCacheLine * kCacheLine;
-    const bool huge = bytes >= kLargestChunk;
-    void* memory = std::aligned_alloc(huge ? kLargestChunk : kCacheLine, bytes);
+    void* memory = bytes < kHugePage ? std::aligned_alloc(kCacheLine, bytes) : allocateHuge(bytes);
     if (memory == nullptr) throw std::bad_alloc();
-#if RV_HUGE_PAGES && defined(__linux__)
-    if (huge) madvise(memory, bytes, MADV_HUGEPAGE);
-#endif
     if (m_chunks != nullptr) m_chunks->end = m_bump;
     Chunk* chunk = ::new (memory) Chunk{m_chunks, nullptr};
     m_chunks = chunk;
     m_bump = firstSlot(chunk);
     m_end = m_bump + usable(bytes - kHeader, m_slotSize);
-    m_nextChunk = std::min(2 * bytes, std::max(kLargestChunk, kHeader + m_slotSize));
+    m_nextChunk = std::min(2 * bytes, std::max(kHugePage, kHeader + m_slotSize));
 }
 
 void Slab::freeChunks() {

@@ -111,7 +111,7 @@ struct NearestLabels {
     Buffer<Index> edges;
 };
 
-// The same for one search after another, each of which costs what it reaches.
+// The distances alone, for one search after another, each of which costs what it reaches.
 template <class D>
 class ReusedNearestLabels {
 public:
@@ -119,22 +119,19 @@ public:
 
     // Before each search. What the last one found is gone, also if it was broken off.
     void begin(Index nodeLimit) {
-        for (const Index node : m_reached) m_labels.improve(node, NearestLabels<D>::kUnreached, kNoIndex);
+        for (const Index node : m_reached) m_distances[node] = NearestLabels<D>::kUnreached;
         m_reached.clear();
-        if (nodeLimit <= m_labels.edges.size()) return;
-        m_labels.distances.resize(nodeLimit, NearestLabels<D>::kUnreached);
-        m_labels.edges.resize(nodeLimit, kNoIndex);
+        if (nodeLimit > m_distances.size()) m_distances.resize(nodeLimit, NearestLabels<D>::kUnreached);
     }
 
-    D distance(Index node) const { return m_labels.distance(node); }
-    Index edge(Index node) const { return m_labels.edges[node]; }
-    void improve(Index node, D distance, Index edge) {
-        if (m_labels.distance(node) == NearestLabels<D>::kUnreached) m_reached.push_back(node);
-        m_labels.improve(node, distance, edge);
+    D distance(Index node) const { return m_distances[node]; }
+    void improve(Index node, D distance, Index) {
+        if (m_distances[node] == NearestLabels<D>::kUnreached) m_reached.push_back(node);
+        m_distances[node] = distance;
     }
 
 private:
-    NearestLabels<D> m_labels{0};
+    Buffer<D> m_distances;
     Buffer<Index> m_reached;
 };
 

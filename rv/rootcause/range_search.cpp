@@ -6,52 +6,24 @@ namespace rv {
 
 namespace {
 
-// The arcs of nodes one way, in the snapshot and over the lists of the graph. forEach calls f(edge, other
-// end).
-struct FlatHalf {
-    const Arcs& arcs;
-
-    template <class F>
-    void forEach(Index node, F f) const {
-        for (Index arc = arcs.first[node]; arc < arcs.last[node]; ++arc)
-            f(arcs.edges[arc], arcs.targets[arc]);
-    }
-};
-struct LiveHalf {
+// As ArcWays, over the lists of the graph. Counts the arcs that it looks at.
+template <class Cost, class IsFollowed>
+struct LiveWays {
     std::span<RVNode* const> nodes;
     bool isForward;
+    Cost cost;
+    IsFollowed isFollowed;
+    std::size_t& steps;
 
     template <class F>
     void forEach(Index node, F f) const {
         const RVNode* at = nodes[node];
-        for (const RVEdge* edge : isForward ? *at->pOutEdgeList() : *at->pInEdgeList())
-            f(indexOf(edge), indexOf(isForward ? edge->pTargetNode() : edge->pSourceNode()));
-    }
-};
-
-// All ways out of a node (nearest.h).
-template <class Half>
-struct Ways {
-    const RangeQuestion& question;
-    const Half& out;
-    const Half& in;
-    std::size_t& steps;
-
-    int leaving(Index node) const { return question.hasCosts ? question.costOfNode(node) : 0; }
-    template <class F>
-    void forEach(Index node, F f) const {
-        forEachOf(out, true, node, f);
-        forEachOf(in, false, node, f);
-    }
-
-private:
-    template <class F>
-    void forEachOf(const Half& half, bool isForward, Index node, F f) const {
-        if (isForward == question.isReversed && !question.hasBothWays()) return;
-        half.forEach(node, [&](Index edge, Index other) {
+        for (const RVEdge* edge : isForward ? *at->pOutEdgeList() : *at->pInEdgeList()) {
             ++steps;
-            if (question.isFollowed(edge, isForward)) f(other, edge, question.costOfEdge(edge));
-        });
+            const Index number = indexOf(edge);
+            const RVNode* other = isForward ? edge->pTargetNode() : edge->pSourceNode();
+            if (isFollowed(number)) f(indexOf(other), number, cost(kNoIndex, number));
+        }
     }
 };
 
@@ -64,22 +36,36 @@ std::span<const Index> RangeSearch::reach(Index start, Pulse& pulse) {
     m_scratch->labels.begin(nodeLimitOf(m_question.graph));
     m_scratch->reached.clear();
     if (m_flat == nullptr && m_steps > 0) m_flat = snapshotForPart(m_question.graph);
+    const auto cost = [&question = m_question](Index, Index edge) { return question.costOfEdge(edge); };
     if (m_flat != nullptr) {
-        search(FlatHalf{m_flat->out()}, FlatHalf{m_flat->in()}, start, pulse);
+        search(start, pulse, [&](bool isForward, auto isFollowed) {
+            return ArcWays(isForward ? m_flat->out() : m_flat->in(), cost, isFollowed);
+        });
     } else {
-        const std::span<RVNode* const> nodes = GraphAccess::nodes(m_question.graph);
-        search(LiveHalf{nodes, true}, LiveHalf{nodes, false}, start, pulse);
+        m_steps = 0;
+        search(start, pulse, [&](bool isForward, auto isFollowed) {
+            return LiveWays<decltype(cost), decltype(isFollowed)>{GraphAccess::nodes(m_question.graph),
+                                                                  isForward, cost, isFollowed, m_steps};
+        });
         noteWalk(m_question.graph, m_steps);
     }
     return m_scratch->reached;
 }
 
-template <class Half>
-void RangeSearch::search(const Half& out, const Half& in, Index start, Pulse& pulse) {
-    m_steps = 0;
-    const Ways<Half> ways{m_question, out, in, m_steps};
-    findNearest(ways, start, NearestBounds<int>{m_question.range}, m_scratch->labels, m_scratch->reached,
-                pulse);
+template <class WaysOf>
+void RangeSearch::search(Index start, Pulse& pulse, WaysOf waysOf) {
+    const RangeQuestion& question = m_question;
+    const auto leaving = [&](Index node) { return question.hasCosts ? question.costOfNode(node) : 0; };
+    const auto find = [&](const auto&... ways) {
+        findNearest(NearestWays(leaving, ways...), start, NearestBounds<int>{question.range},
+                    m_scratch->labels, m_scratch->reached, pulse);
+    };
+    if (question.hasBothWays()) {
+        find(waysOf(true, [&](Index edge) { return question.isFollowed(edge, true); }),
+             waysOf(false, [&](Index edge) { return question.isFollowed(edge, false); }));
+    } else {
+        find(waysOf(!question.isReversed, EveryEdge()));
+    }
 }
 
 }  // namespace rv

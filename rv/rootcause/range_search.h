@@ -57,13 +57,13 @@ private:
         Buffer<Index> reached;
     };
 
-    template <class Half>
-    void search(const Half& out, const Half& in, Index start, Pulse& pulse);
+    template <class WaysOf>
+    void search(Index start, Pulse& pulse, WaysOf waysOf);
 
     const RangeQuestion& m_question;
     std::shared_ptr<const FlatGraph> m_flat;  // nullptr where the graph itself is searched
     ScratchLoan<Scratch> m_scratch;
-    std::size_t m_steps = 0;
+    std::size_t m_steps = 0;  // of the last search over the graph itself
 };
 
 }  // namespace rv

@@ -1,23 +1,25 @@
 // The effects are taken in groups of 64, a bit for each. Within a range a backward search per effect marks
 // the nodes; otherwise the bits of a group are gathered over the strong components of the graph. What the
 // nodes explain of a group is noted for those only that may still become causes if they explain all that is
-// left.
+// left. The last group comes first, so that what a node explains, put before what it explained until then,
+// stands in the order of the effects.
 
 #include "rv/rootcause/root_cause_analysis.h"
 
 #include <algorithm>
 #include <bit>
 #include <cstdint>
-#include <limits>
+#include <new>
 #include <span>
 #include <vector>
 
-#include "rv/foundation/list_sort.h"
+#include "rv/foundation/graph_access.h"
+#include "rv/foundation/owned_lists.h"
 #include "rv/framework/check_input.h"
 #include "rv/framework/input_fields.h"
-#include "rv/framework/member_lists.h"
 #include "rv/framework/run_pulse.h"
 #include "rv/kernels/flat_graph.h"
+#include "rv/kernels/nearest_queue.h"
 #include "rv/kernels/reach_marks.h"
 #include "rv/rootcause/negative_costs.h"
 #include "rv/rootcause/range_search.h"
@@ -109,47 +111,40 @@ private:
     std::vector<rv::Index> m_nodes;  // that have a bit
 };
 
-// Smallest explained weight first.
-class RVRootCauseNodeListSort : public RVDListSort {
-public:
-    explicit RVRootCauseNodeListSort(const std::vector<std::int64_t>& weights) : m_weights(weights) {}
-
-    int virtualCellCompare(RVDListCell* first, RVDListCell* second) const override {
-        const std::int64_t a = weight(first);
-        const std::int64_t b = weight(second);
-        return a < b ? -1 : a > b ? 1 : 0;
-    }
-
-private:
-    std::int64_t weight(const RVDListCell* cell) const {
-        return m_weights[placeOf(RVNode::castDown(cell->pObject()))];
-    }
-    const std::vector<std::int64_t>& m_weights;
-};
-
 }  // namespace
 
 // The run
 
 struct RVRootCauseAlgorithm::Run {
-    static constexpr std::int64_t kNothing = std::numeric_limits<std::int64_t>::min();
-
+    // What a node explains.
+    struct Explained {
+        std::int64_t weight = 0;
+        rv::Index effects = 0;           // how many
+        rv::Index share = rv::kNoIndex;  // the first one
+    };
     // What a node explains of a group of effects.
     struct Share {
-        rv::Index node;
         Word effects;
+        rv::Index first;  // of the group
+        rv::Index next;   // share of the node; kNoIndex after the last
     };
 
     // Whether a weight reaches the threshold.
     bool isEnough(std::int64_t weight) const {
         return threshold <= 0 || static_cast<double>(weight) >= threshold * static_cast<double>(totalWeight);
     }
-    std::size_t endOfGroup(std::size_t first) const { return std::min(first + kGroup, effects.size()); }
-    std::span<RVNode* const> group(std::size_t first) const {
-        return std::span(effects).subspan(first, endOfGroup(first) - first);
+    // Calls search(first, effects) with the groups, of which each begins with the first effect given.
+    template <class F>
+    void forEachGroup(F search) {
+        for (std::size_t first = 0, end = effects.size(); end > 0; end = first) {
+            first = (end - 1) / kGroup * kGroup;
+            search(first, std::span(effects).subspan(first, sizeOfGroup(first)));
+        }
     }
-    template <class Explained>
-    void addShares(const Explained& marks, std::size_t first);
+    std::size_t sizeOfGroup(std::size_t first) const { return std::min(kGroup, effects.size() - first); }
+    template <class AnyMarks>
+    void addShares(const AnyMarks& marks, std::size_t first);
+    void fill(RVNodeDList& list, rv::SharedCells& cells, const RVNode* cause) const;
 
     double threshold = 0;
     std::vector<RVNode*> effects;  // in the order of the list
@@ -157,10 +152,9 @@ struct RVRootCauseAlgorithm::Run {
     std::int64_t totalWeight = 0;
     std::int64_t weightLeft = 0;  // of the groups to come
 
-    std::vector<std::int64_t> explained;  // weight by dense index of the node; kNothing without an effect
-    std::vector<Share> shares;            // of the first group, then of the second one, and so on
-    std::vector<std::size_t> endsOfGroups;
-    RVNodeDList causes;
+    std::vector<Explained> explained;  // by number of the node
+    std::vector<Share> shares;
+    std::vector<RVNode*> causes;
 };
 
 RV_OBJECT_IMPL(RVRootCauseAlgorithm)
@@ -202,7 +196,7 @@ RVServiceErrorCodeEnum RVRootCauseAlgorithm::algorithmBody() {
     Run& run = *m_run;
     const auto* input = RVRootCauseInputData::castDown(pInputData());
     RVGraph* const graph = input->pAssociatedGraph();
-    run.explained.assign(static_cast<std::size_t>(graph->nodeIndexLimit()), Run::kNothing);
+    run.explained.assign(rv::nodeLimitOf(graph), {});
     rv::RunPulse pulse(pRunControl(), "root causes");
     if (input->range() == -1)
         searchTogether(graph, *input, pulse);
@@ -224,14 +218,14 @@ void RVRootCauseAlgorithm::searchTogether(RVGraph* graph, const RVRootCauseInput
                                                             : mixed;
     rv::ReachMarks marks(simple.space, pulse);
     std::vector<rv::Index> targets;
-    for (std::size_t first = 0; first < run.effects.size(); first += kGroup) {
+    run.forEachGroup([&](std::size_t first, std::span<RVNode* const> effects) {
         targets.clear();
-        for (const RVNode* effect : run.group(first)) {
+        for (const RVNode* effect : effects) {
             targets.push_back(rv::isInGraph(effect, graph) ? rv::indexOf(effect) : rv::kNoIndex);
         }
         marks.ask(targets, pulse);
         run.addShares(marks, first);
-    }
+    });
 }
 
 void RVRootCauseAlgorithm::searchOneByOne(RVGraph* graph, const RVRootCauseInputData& input,
@@ -250,36 +244,42 @@ void RVRootCauseAlgorithm::searchOneByOne(RVGraph* graph, const RVRootCauseInput
     question.range = input.range();
     rv::RangeSearch search(question);
     Marks marks(graph);
-    for (std::size_t first = 0; first < run.effects.size(); first += kGroup) {
-        for (std::size_t i = 0; i < run.group(first).size(); ++i) {
-            const RVNode* effect = run.effects[first + i];
-            if (!rv::isInGraph(effect, graph)) continue;
-            for (const rv::Index node : search.reach(rv::indexOf(effect), pulse)) marks.add(node, bitOf(i));
+    run.forEachGroup([&](std::size_t first, std::span<RVNode* const> effects) {
+        for (std::size_t i = 0; i < effects.size(); ++i) {
+            if (!rv::isInGraph(effects[i], graph)) continue;
+            for (const rv::Index node : search.reach(rv::indexOf(effects[i]), pulse))
+                marks.add(node, bitOf(i));
         }
         run.addShares(marks, first);
         marks.clear();
-    }
-}
-
-template <class Explained>
-void RVRootCauseAlgorithm::Run::addShares(const Explained& marks, std::size_t first) {
-    for (std::size_t i = first; i < endOfGroup(first); ++i) weightLeft -= weights[i];
-    marks.forEachNode([&](rv::Index node, Word bits) {
-        std::int64_t& weight = explained[node];
-        if (weight == kNothing) weight = 0;
-        forEachBit(bits, [&](std::size_t i) { weight += weights[first + i]; });
-        if (isEnough(weight + weightLeft)) shares.push_back({node, bits});
     });
-    endsOfGroups.push_back(shares.size());
 }
 
+template <class AnyMarks>
+void RVRootCauseAlgorithm::Run::addShares(const AnyMarks& marks, std::size_t first) {
+    for (std::size_t i = 0; i < sizeOfGroup(first); ++i) weightLeft -= weights[first + i];
+    marks.forEachNode([&](rv::Index node, Word bits) {
+        Explained& known = explained[node];
+        forEachBit(bits, [&](std::size_t i) {
+            known.weight += weights[first + i];
+            ++known.effects;
+        });
+        if (!isEnough(known.weight + weightLeft)) return;
+        if (shares.size() == rv::kNoIndex) throw std::bad_alloc();  // no more can be numbered
+        shares.push_back({bits, static_cast<rv::Index>(first), known.share});
+        known.share = static_cast<rv::Index>(shares.size() - 1);
+    });
+}
+
+// The queue gives those of equal weight in the order in which they came.
 void RVRootCauseAlgorithm::createRootCauseNodeList(const RVGraph* graph) {
     Run& run = *m_run;
-    for (RVNode* node : *graph->pNodeList()) {
-        const std::int64_t weight = run.explained[placeOf(node)];
-        if (weight != Run::kNothing && run.isEnough(weight)) run.causes.appendNode(node);
+    rv::NearestQueue<std::int64_t> byWeight;
+    for (const RVNode* node : *graph->pNodeList()) {
+        const Run::Explained& known = run.explained[placeOf(node)];
+        if (known.effects != 0 && run.isEnough(known.weight)) byWeight.push(known.weight, rv::indexOf(node));
     }
-    RVRootCauseNodeListSort(run.explained).quickSort(&run.causes, 0);
+    while (!byWeight.isEmpty()) run.causes.push_back(rv::GraphAccess::nodes(graph)[byWeight.pop().node]);
 }
 
 void RVRootCauseAlgorithm::generateOutputData() {
@@ -287,20 +287,23 @@ void RVRootCauseAlgorithm::generateOutputData() {
     auto* output = RVRootCauseOutputData::castDown(pOutputData());
     RVHashMap* const lists = output->pReachedNodeListMap();
     lists->empty(1, 0);
+    rv::SharedCells cells;
     for (RVNode* cause : run.causes) {
         output->pCauseNodeList()->appendNode(cause);
         auto list = std::make_unique<RVNodeDList>();
+        run.fill(*list, cells, cause);
         lists->put(cause, list.get());
         static_cast<void>(list.release());  // the map owns it
     }
-    const rv::Members members(pInputData()->pAssociatedGraph());
-    std::size_t share = 0;
-    for (std::size_t group = 0; group < run.endsOfGroups.size(); ++group) {
-        for (; share < run.endsOfGroups[group]; ++share) {
-            auto* list = static_cast<RVNodeDList*>(lists->get(members.node(run.shares[share].node)));
-            if (list == nullptr) continue;
-            forEachBit(run.shares[share].effects,
-                       [&](std::size_t i) { list->appendNode(run.effects[group * kGroup + i]); });
-        }
-    }
+}
+
+void RVRootCauseAlgorithm::Run::fill(RVNodeDList& list, rv::SharedCells& cells, const RVNode* cause) const {
+    const Explained& known = explained[placeOf(cause)];
+    Share at{0, 0, known.share};
+    cells.fill(list, known.effects, [&](std::size_t) {
+        if (at.effects == 0) at = shares[at.next];
+        const auto i = static_cast<std::size_t>(std::countr_zero(at.effects));
+        at.effects &= at.effects - 1;
+        return effects[at.first + i];
+    });
 }

@@ -11,13 +11,31 @@
 
 namespace rv {
 
-// What searches for one path work in; each costs what it reaches.
+// The labels of one search after another, each of which costs what it reaches. Only nodes that the present
+// one has reached have an edge.
+class ReusedPathLabels : public ReusedNearestLabels<int> {
+public:
+    void begin(Index nodeLimit) {
+        ReusedNearestLabels::begin(nodeLimit);
+        if (nodeLimit > m_edges.size()) m_edges.resize(nodeLimit);
+    }
+    Index edge(Index node) const { return m_edges[node]; }
+    void improve(Index node, int distance, Index edge) {
+        ReusedNearestLabels::improve(node, distance, edge);
+        m_edges[node] = edge;
+    }
+
+private:
+    Buffer<Index> m_edges;
+};
+
+// What searches for one path work in.
 struct PathScratch {
     void begin(Index nodeLimit) {
         labels.begin(nodeLimit);
         settled.clear();
     }
-    ReusedNearestLabels<int> labels;
+    ReusedPathLabels labels;
     Buffer<Index> settled;
 };
 

@@ -172,52 +172,51 @@ TEST(InputFields, AreTakenFromOtherInputs) {
 
 // Holds for every input class and its own table.
 template <class Input>
-class InputClass : public testing::Test {
-protected:
+struct FieldsOf {
     struct Peek : RVAnalysisInputData {
         static auto fieldsOf(const RVAnalysisInputData& input) { return (input.*&Peek::inputFields)(); }
     };
     std::span<const RVInputField> fields() const {
-        if constexpr (std::is_base_of_v<RVAnalysisInputData, Input>) return Peek::fieldsOf(m_input);
+        if constexpr (std::is_base_of_v<RVAnalysisInputData, Input>) return Peek::fieldsOf(input);
         return {};
     }
-    std::string answers(const Input& input) const {
+    std::string answers(const Input& of) const {
         std::string all;
         for (const RVInputField& field : fields()) {
-            if ((field.announced & field.scope) != 0) all += ask(input, field.name, m_objects) + "\n";
+            if ((field.announced & field.scope) != 0) all += ask(of, field.name, objects) + "\n";
         }
         return all;
     }
 
-    TestGraph m_graph{"a->b b->b c"};
-    const std::vector<RVGraphObject*> m_objects{
-        nullptr,           m_graph.node("a"),    m_graph.node("b"),
-        m_graph.node("c"), m_graph.edge("a->b"), m_graph.edge("b->b")};
-    Input m_input{m_graph};
+    TestGraph graph{"a->b b->b c"};
+    const std::vector<RVGraphObject*> objects{nullptr,         graph.node("a"),    graph.node("b"),
+                                              graph.node("c"), graph.edge("a->b"), graph.edge("b->b")};
+    Input input{graph};
 };
-TYPED_TEST_SUITE(InputClass, InputClasses, ClassNames);
+TEST(InputFields, OfEveryClassTakeWhatIsAnnouncedAndNothingElse) {
+    forEachClass(InputClasses(), []<class Input>() {
+        FieldsOf<Input> test;
+        Input& input = test.input;
+        Input twin(test.graph.get());
+        const Teller everything("graph.* node.* edge.*");
+        input.copyData(&everything);
+        const std::string filled = test.answers(input);
+        const auto isNumber = [](const RVInputField& f) {
+            return f.getObject == nullptr && (f.announced & f.scope) != 0;
+        };
+        const auto fields = test.fields();
+        EXPECT_EQ(test.answers(twin) != filled, std::any_of(fields.begin(), fields.end(), isNumber));
+        twin.copyData(&input);
+        EXPECT_EQ(test.answers(twin), filled);
 
-TYPED_TEST(InputClass, TakesWhatIsAnnouncedAndNothingElse) {
-    TypeParam& input = this->m_input;
-    TypeParam twin(this->m_graph.get());
-    const Teller everything("graph.* node.* edge.*");
-    input.copyData(&everything);
-    const std::string filled = this->answers(input);
-    const auto isNumber = [](const RVInputField& f) {
-        return f.getObject == nullptr && (f.announced & f.scope) != 0;
-    };
-    const auto fields = this->fields();
-    EXPECT_EQ(this->answers(twin) != filled, std::any_of(fields.begin(), fields.end(), isNumber));
-    twin.copyData(&input);
-    EXPECT_EQ(this->answers(twin), filled);
-
-    const Teller nothing("");
-    const RVAlgorithmInputData base(this->m_graph);
-    for (const RVAlgorithmInputData* other :
-         std::initializer_list<const RVAlgorithmInputData*>{&base, &nothing, &input, nullptr}) {
-        input.copyData(other);
-        EXPECT_EQ(this->answers(input), filled);
-    }
+        const Teller nothing("");
+        const RVAlgorithmInputData base(test.graph);
+        for (const RVAlgorithmInputData* other :
+             std::initializer_list<const RVAlgorithmInputData*>{&base, &nothing, &input, nullptr}) {
+            input.copyData(other);
+            EXPECT_EQ(test.answers(input), filled);
+        }
+    });
 }
 
 }  // namespace

@@ -61,14 +61,14 @@ double fill(RVObject* object, RVGraph* graph, bool changes) {
 }
 
 template <class C>
-class ObjectProtocol : public testing::Test {
-protected:
+class ObjectProtocol {
+public:
     ObjectProtocol() { m_filling = fill(&m_object, m_graph, true); }
-    double filling(RVObject* object) { return fill(object, m_graph, false); }
     void expectCopy(RVObject* copy) {
         EXPECT_EQ(typeid(*copy), typeid(m_object));
         EXPECT_EQ(filling(copy), m_filling);
     }
+    Made<C>& object() { return m_object; }
     // What holds for all classes.
     void expectProtocol() {
         for (const RVObject* other :
@@ -88,50 +88,50 @@ protected:
         EXPECT_EQ(m_object.cloneAttributes(), nullptr);
     }
 
+private:
+    double filling(RVObject* object) { return fill(object, m_graph, false); }
+
     rvtest::TestGraph m_graph{"a"};
     Made<C> m_object = make<Made<C>>();
     double m_filling;
 };
 
-template <class C>
-class CopyableClass : public ObjectProtocol<C> {};
-TYPED_TEST_SUITE(CopyableClass, rvtest::CopyableClasses, rvtest::ClassNames);
-
-TYPED_TEST(CopyableClass, IsCopiedInEveryWay) {
-    this->expectProtocol();
-    TypeParam& source = this->m_object;
-    TypeParam made[] = {TypeParam(source), TypeParam(source, RVShallow), TypeParam(source, RVDeep)};
-    TypeParam copies[] = {make<TypeParam>(), make<TypeParam>(), make<TypeParam>()};
-    copies[0].copyObject(&source);
-    copies[1].copyAttributes(&source);
-    copies[2] = source;
-    for (TypeParam& copy : made) this->expectCopy(&copy);
-    for (TypeParam& copy : copies) this->expectCopy(&copy);
-    for (TypeParam* clone : {source.cloneObject(), source.cloneAttributes()}) {
-        ASSERT_NE(clone, nullptr);
-        this->expectCopy(clone);
-        delete clone;
-    }
+TEST(Classes, AreCopiedInEveryWay) {
+    rvtest::forEachClass(rvtest::CopyableClasses(), []<class C>() {
+        ObjectProtocol<C> test;
+        test.expectProtocol();
+        C& source = test.object();
+        C made[] = {C(source), C(source, RVShallow), C(source, RVDeep)};
+        C copies[] = {make<C>(), make<C>(), make<C>()};
+        copies[0].copyObject(&source);
+        copies[1].copyAttributes(&source);
+        copies[2] = source;
+        for (C& copy : made) test.expectCopy(&copy);
+        for (C& copy : copies) test.expectCopy(&copy);
+        for (C* clone : {source.cloneObject(), source.cloneAttributes()}) {
+            ASSERT_NE(clone, nullptr);
+            test.expectCopy(clone);
+            delete clone;
+        }
+    });
 }
 
-template <class C>
-class AbstractClass : public ObjectProtocol<C> {};
-TYPED_TEST_SUITE(AbstractClass, rvtest::AbstractClasses, rvtest::ClassNames);
-
-TYPED_TEST(AbstractClass, IsCopiedAsPartOfItsSubclasses) {
-    this->expectProtocol();
-    this->expectNoClones();
-    Made<TypeParam> copy(this->m_object);
-    this->expectCopy(&copy);
+TEST(Classes, ThatAreAbstractAreCopiedAsPartsOfTheirSubclasses) {
+    rvtest::forEachClass(rvtest::AbstractClasses(), []<class C>() {
+        ObjectProtocol<C> test;
+        test.expectProtocol();
+        test.expectNoClones();
+        Made<C> copy(test.object());
+        test.expectCopy(&copy);
+    });
 }
 
-template <class C>
-class UncopyableClass : public ObjectProtocol<C> {};
-TYPED_TEST_SUITE(UncopyableClass, rvtest::UncopyableClasses, rvtest::ClassNames);
-
-TYPED_TEST(UncopyableClass, HasNoClones) {
-    this->expectProtocol();
-    this->expectNoClones();
+TEST(Classes, WithoutCopiesHaveNoClones) {
+    rvtest::forEachClass(rvtest::UncopyableClasses(), []<class C>() {
+        ObjectProtocol<C> test;
+        test.expectProtocol();
+        test.expectNoClones();
+    });
 }
 
 // Nodes and edges are made by graphs only.

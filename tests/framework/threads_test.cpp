@@ -27,7 +27,7 @@ TYPED_TEST(Threads, ShareAFactory) {
         TypeParam run;
         ask(run, g, Question(g, static_cast<int>(seed % 2)));
         useOriginalGraph(run, static_cast<int>(seed / 2 % 2));
-        const std::string answer = std::to_string(run()) + "; " + describe(run.output, g);
+        const std::string answer = codeAndAnswer(run, g);
         while (g->numberOfNodes() > 3) g->discardNode(g->pFirstNode());
         return answer + drawing(g);
     };
@@ -59,7 +59,7 @@ TYPED_TEST(SharedGraph, GivesEveryThreadTheAnswersOfOne) {
         TypeParam run;
         ask(run, g, Question(g, flag));
         if constexpr (requires { run.input.range(range); }) run.input.range(range);
-        return std::to_string(run()) + "; " + describe(run.output, g);
+        return codeAndAnswer(run, g);
     };
     for (int round = 0; round < 4; ++round) {
         std::string answers[4][5];

@@ -10,6 +10,7 @@
 #include <utility>
 
 #include "rv/analysis.h"
+#include "tests/exported_classes.h"
 #include "tests/test_graph.h"
 
 namespace {
@@ -151,8 +152,7 @@ RVGraphMember* detach(RVEdge* edge) { return edge->pOwnerGraph()->removeEdge(edg
 
 // Objects of a graph, their data, and values of theirs.
 template <class V>
-class Values : public testing::Test {
-protected:
+struct Values {
     using Data = typename V::Data;
     using Object = typename V::Object;
     using Type = typename V::Type;
@@ -234,112 +234,129 @@ struct WithSubclasses<std::tuple<V...>, std::tuple<W...>> {
     using Types = testing::Types<V..., W..., InSubclass<V>..., InSubclass<W>...>;
 };
 using AllValues = WithSubclasses<RecordlessValues, RecordValues>::Types;
-TYPED_TEST_SUITE(Values, AllValues);
 
-TYPED_TEST(Values, StayWithTheirObjects) {
-    this->set(this->first, 1);
-    this->set(nullptr, 2);
-    this->expect(nullptr, 0);
-    this->expect(this->first, 1);
-    this->expect(this->second, 0);
-    this->set(this->second, 2);
-    this->set(this->first, 2);
-    this->set(this->first, 1);
-    detach(this->second);
-    this->expect(this->first, 1);
-    this->expect(this->second, 2);
-    this->expect(this->replace(this->first), 0);
-    this->expect(this->second, 2);
+template <class F>
+void forEachValue(F f) {
+    forEachClass(AllValues(), [&f]<class V>() {
+        Values<V> values;
+        f(values);
+    });
 }
 
-TYPED_TEST(Values, AreOfAsManyGraphsAsNeedBe) {
-    auto* const there = this->at(this->other, 0);
-    this->set(this->first, 1);
-    this->set(there, 2);
-    this->expect(this->first, 1);
-    this->set(this->second, 2);
-    this->expect(there, 2);
-    this->moveTo(this->other, this->second);
-    this->expect(this->second, 2);
-    this->expect(this->first, 1);
-    this->expect(this->add(this->g), 0);
-    this->g.release();
-    this->expect(there, 2);
-    this->set(there, 1);
-    this->expect(this->second, 2);
-    this->expect(there, 1);
+TEST(Values, StayWithTheirObjects) {
+    forEachValue([]<class V>(Values<V>& v) {
+        v.set(v.first, 1);
+        v.set(nullptr, 2);
+        v.expect(nullptr, 0);
+        v.expect(v.first, 1);
+        v.expect(v.second, 0);
+        v.set(v.second, 2);
+        v.set(v.first, 2);
+        v.set(v.first, 1);
+        detach(v.second);
+        v.expect(v.first, 1);
+        v.expect(v.second, 2);
+        v.expect(v.replace(v.first), 0);
+        v.expect(v.second, 2);
+    });
 }
 
-TYPED_TEST(Values, AreCopiedWithTheirData) {
-    using D = typename TestFixture::Data;
-    auto* const there = this->at(this->other, 2);
-    this->set(this->first, 1);
-    this->set(there, 2);
-    const D copy(*this->data);
-    const auto assigned = makeData<D>(this->other);
-    TypeParam::set(*assigned, this->second, this->sample(1));
-    *assigned = *this->data;
-    const auto expectCopied = [&](const D& of) {
-        this->expect(of, this->first, 1);
-        this->expect(of, this->second, 0);
-        this->expect(of, there, 2);
-    };
-    expectCopied(copy);
-    expectCopied(*assigned);
-    const std::unique_ptr<RVObject> clone(this->data->cloneObject());
-    if (const auto* same = dynamic_cast<const D*>(clone.get())) expectCopied(*same);
-    TypeParam::set(*assigned, this->first, this->sample(2));
-    this->expect(*assigned, this->first, 2);
-    expectCopied(*this->data);
-    this->data.reset();
-    expectCopied(copy);
-    auto* const made = this->replace(this->first);
-    this->expect(copy, made, 0);
-    this->expect(copy, there, 2);
+TEST(Values, AreOfAsManyGraphsAsNeedBe) {
+    forEachValue([]<class V>(Values<V>& v) {
+        auto* const there = v.at(v.other, 0);
+        v.set(v.first, 1);
+        v.set(there, 2);
+        v.expect(v.first, 1);
+        v.set(v.second, 2);
+        v.expect(there, 2);
+        v.moveTo(v.other, v.second);
+        v.expect(v.second, 2);
+        v.expect(v.first, 1);
+        v.expect(v.add(v.g), 0);
+        v.g.release();
+        v.expect(there, 2);
+        v.set(there, 1);
+        v.expect(v.second, 2);
+        v.expect(there, 1);
+    });
 }
 
-TYPED_TEST(Values, AreTakenOverByRecords) {
-    if constexpr (TypeParam::kInRecord) {
-        this->set(this->first, 1);
-        this->set(this->second, 2);
-        auto* const record = this->record(this->first);
-        EXPECT_EQ(TypeParam::get(*record), this->sample(1));
-        this->set(this->first, 2);
-        EXPECT_EQ(TypeParam::get(*record), this->sample(2));
-        TypeParam::set(*record, this->sample(1));
-        this->expect(this->first, 1);
-        this->expect(this->second, 2);
-        {
-            const typename TestFixture::Data copy(*this->data);
-            this->expect(copy, this->first, 1);
-            this->expect(copy, this->second, 2);
+TEST(Values, AreCopiedWithTheirData) {
+    forEachValue([]<class V>(Values<V>& v) {
+        using D = typename Values<V>::Data;
+        auto* const there = v.at(v.other, 2);
+        v.set(v.first, 1);
+        v.set(there, 2);
+        const D copy(*v.data);
+        const auto assigned = makeData<D>(v.other);
+        V::set(*assigned, v.second, v.sample(1));
+        *assigned = *v.data;
+        const auto expectCopied = [&](const D& of) {
+            v.expect(of, v.first, 1);
+            v.expect(of, v.second, 0);
+            v.expect(of, there, 2);
+        };
+        expectCopied(copy);
+        expectCopied(*assigned);
+        const std::unique_ptr<RVObject> clone(v.data->cloneObject());
+        if (const auto* same = dynamic_cast<const D*>(clone.get())) expectCopied(*same);
+        V::set(*assigned, v.first, v.sample(2));
+        v.expect(*assigned, v.first, 2);
+        expectCopied(*v.data);
+        v.data.reset();
+        expectCopied(copy);
+        auto* const made = v.replace(v.first);
+        v.expect(copy, made, 0);
+        v.expect(copy, there, 2);
+    });
+}
+
+TEST(Values, AreTakenOverByRecords) {
+    forEachValue([]<class V>(Values<V>& v) {
+        if constexpr (V::kInRecord) {
+            v.set(v.first, 1);
+            v.set(v.second, 2);
+            auto* const record = v.record(v.first);
+            EXPECT_EQ(V::get(*record), v.sample(1));
+            v.set(v.first, 2);
+            EXPECT_EQ(V::get(*record), v.sample(2));
+            V::set(*record, v.sample(1));
+            v.expect(v.first, 1);
+            v.expect(v.second, 2);
+            {
+                const typename Values<V>::Data copy(*v.data);
+                v.expect(copy, v.first, 1);
+                v.expect(copy, v.second, 2);
+            }
+            v.moveTo(v.other, v.first);
+            v.expect(v.first, 1);
+            delete record;
+            v.expect(v.first, 0);
+            v.set(v.first, 2);
+            v.expect(v.first, 2);
+            delete v.data->pAlgorithmExtension(v.second);
+            v.expect(v.second, 0);
+            auto* const fresh = v.record(v.at(v.g, 0));
+            EXPECT_EQ(V::get(*fresh), v.preset);
         }
-        this->moveTo(this->other, this->first);
-        this->expect(this->first, 1);
-        delete record;
-        this->expect(this->first, 0);
-        this->set(this->first, 2);
-        this->expect(this->first, 2);
-        delete this->data->pAlgorithmExtension(this->second);
-        this->expect(this->second, 0);
-        auto* const fresh = this->record(this->at(this->g, 0));
-        EXPECT_EQ(TypeParam::get(*fresh), this->preset);
-    }
+    });
 }
 
-TYPED_TEST(Values, EndByDeleteDataReferences) {
-    auto* const there = this->at(this->other, 0);
-    for (const bool asksForRecord : {false, true, false}) {
-        this->set(this->first, 1);
-        this->set(this->second, 2);
-        this->set(there, 1);
-        if (asksForRecord) this->data->pAlgorithmExtension(this->first);
-        this->data->deleteDataReferences(this->g);
-        this->data->deleteDataReferences(nullptr);
-        this->expect(this->first, TypeParam::kInRecord ? 0 : 1);
-        this->expect(this->second, TypeParam::kInRecord ? 0 : 2);
-        this->expect(there, 1);
-    }
+TEST(Values, EndByDeleteDataReferences) {
+    forEachValue([]<class V>(Values<V>& v) {
+        auto* const there = v.at(v.other, 0);
+        for (const bool asksForRecord : {false, true, false}) {
+            v.set(v.first, 1);
+            v.set(v.second, 2);
+            v.set(there, 1);
+            if (asksForRecord) v.data->pAlgorithmExtension(v.first);
+            v.data->deleteDataReferences(v.g);
+            v.data->deleteDataReferences(nullptr);
+            v.expect(v.first, V::kInRecord ? 0 : 1);
+            v.expect(v.second, V::kInRecord ? 0 : 2);
+            v.expect(there, 1);
+        }
+    });
 }
 
 }  // namespace

@@ -2,9 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <map>
-#include <set>
 #include <string>
 #include <vector>
 
@@ -65,7 +63,6 @@ struct ComponentsOf {
     StrongRun strong;
 };
 using AllComponents = ComponentsOf<Connected, Blocks, Strong>;
-
 using HookedComponents = ComponentsOf<OnHooks<Connected>, OnHooks<Blocks>, OnHooks<Strong>>;
 
 TEST(Components, ComeInTheStatedOrders) {
@@ -91,149 +88,17 @@ TEST(Components, ComeInTheStatedOrders) {
          "[d][c][b][a] [][][][]"},
     };
     AllComponents all;
+    HookedComponents hooked;
     for (const auto& c : cases) {
         SCOPED_TRACE(c.what);
         const TestGraph g(c.graph);
-        EXPECT_EQ(all.connectedOf(g), c.connected);
-        EXPECT_EQ(all.blocksOf(g), c.blocks);
-        EXPECT_EQ(all.strongOf(g), c.strong);
-    }
-}
-
-bool isLoop(const RVEdge* edge) { return edge->pSourceNode() == edge->pTargetNode(); }
-
-// In the order of the edges, then of the isolated nodes.
-std::string connectedByRule(const RVGraph* graph) {
-    const Distances steps(graph, Ways::both);
-    std::set<RVNode*> done;
-    std::string all;
-    const auto add = [&](RVNode* from) {
-        RVNodeDList component;
-        for (RVNode* node : *graph->pNodeList()) {
-            if (steps.reaches(from, node) && done.insert(node).second) component.appendNode(node);
-        }
-        if (component.length() != 0) all += "[" + text(component) + "]";
-    };
-    for (RVEdge* edge : *graph->pEdgeList())
-        if (!isLoop(edge)) add(edge->pSourceNode());
-    for (RVNode* node : *graph->pNodeList()) add(node);
-    return all;
-}
-
-// An isolated node, or what holds together with an edge whatever other node is taken away.
-std::set<std::set<RVNode*>> blocksByDefinition(const RVGraph* graph) {
-    std::set<std::set<RVNode*>> all;
-    std::set<RVNode*> joined;
-    std::map<RVNode*, Distances> without;
-    for (RVNode* node : *graph->pNodeList()) without.emplace(node, Distances(graph, Ways::both, {node}));
-    for (RVEdge* edge : *graph->pEdgeList()) {
-        if (isLoop(edge)) continue;
-        std::set<RVNode*> block;
-        for (RVNode* node : *graph->pNodeList()) {
-            const auto isHeld = [&](const auto& missing) {
-                const auto holds = [&](RVNode* end) {
-                    return end != missing.first && missing.second.reaches(node, end);
-                };
-                return missing.first == node || holds(edge->pSourceNode()) || holds(edge->pTargetNode());
-            };
-            if (std::all_of(without.begin(), without.end(), isHeld)) block.insert(node);
-        }
-        joined.insert(block.begin(), block.end());
-        all.insert(block);
-    }
-    for (RVNode* node : *graph->pNodeList())
-        if (joined.count(node) == 0) all.insert({node});
-    return all;
-}
-
-void expectBlocks(const RVBiconnectedComponentsOutputData& output, RVGraph* graph) {
-    DepthFirst search(graph);
-    search.input.undirected(1);
-    ASSERT_EQ(search(), RV_NO_ERROR);
-    std::set<std::set<RVNode*>> found;
-    std::map<RVNode*, int> joins;
-    std::string articulations;
-    int closed = 0;
-    for (const RVNodeDList* block : nodeLists(output.pComponentList())) {
-        std::set<RVNode*> nodes;
-        for (RVNode* node : *block) nodes.insert(node);
-        found.insert(nodes);
-        for (int i = 2; i <= block->length(); ++i) {
-            EXPECT_LT(search.output.orderNumber(block->pNodeInPosition(i)),
-                      search.output.orderNumber(block->pNodeInPosition(i - 1)));
-        }
-        // Closed by the node before the last one, which its parent joins to the rest.
-        RVNode* const closing = block->pNodeInPosition(std::max(block->length() - 1, 1));
-        EXPECT_GT(search.output.completionNumber(closing), closed);
-        closed = search.output.completionNumber(closing);
-        RVNode* const joint = block->pLastNode();
-        const int needed = search.output.pParentNode(joint) == nullptr ? 2 : 1;
-        if (block->length() > 1 && ++joins[joint] == needed) articulations += " " + text(joint);
-    }
-    EXPECT_EQ(found, blocksByDefinition(graph));
-    EXPECT_EQ(" " + text(*output.pArticulationNodeList()), articulations.empty() ? " " : articulations);
-}
-
-// The edges inside a component: out-edges in order, each first one of parallels followed by the others, then
-// loops.
-std::string edgesByRule(const RVGraph* graph, const RVNodeDList& component) {
-    RVEdgeDList edges;
-    for (RVNode* node : component) {
-        for (RVEdge* edge : *node->pOutEdgeList()) {
-            if (isLoop(edge) || component.searchObject(edge->pTargetNode()) == nullptr) continue;
-            const auto isParallel = [&](const RVEdge* other) {
-                return other->pSourceNode() == node && other->pTargetNode() == edge->pTargetNode();
-            };
-            RVEdgeIter first(graph);
-            while (!isParallel(first.pEdge())) first++;
-            if (first.pEdge() != edge) continue;
-            edges.appendEdge(edge);
-            for (RVEdge* parallel : *node->pOutEdgeList()) {
-                if (parallel != edge && isParallel(parallel)) edges.appendEdge(parallel);
-            }
-        }
-        for (RVEdge* edge : *graph->pEdgeList()) {
-            if (isLoop(edge) && edge->pSourceNode() == node) edges.appendEdge(edge);
-        }
-    }
-    return "[" + text(edges) + "]";
-}
-
-void expectStrong(const RVStronglyConnectedComponentsOutputData& output, RVGraph* graph) {
-    DepthFirst search(graph);
-    ASSERT_EQ(search(), RV_NO_ERROR);
-    const Distances steps(graph, Ways::directed);
-    std::string edges;
-    for (const RVNodeDList* component : nodeLists(output.pComponentList())) {
-        for (int i = 2; i <= component->length(); ++i) {
-            EXPECT_LT(search.output.orderNumber(component->pNodeInPosition(i)),
-                      search.output.orderNumber(component->pNodeInPosition(i - 1)));
-        }
-        edges += edgesByRule(graph, *component);
-    }
-    EXPECT_EQ(lists<RVEdgeDList>(output.pEdgeComponentList()), edges);
-    for (RVNode* a : *graph->pNodeList()) {
-        for (RVNode* b : *graph->pNodeList()) {
-            const bool together = steps.reaches(a, b) && steps.reaches(b, a);
-            EXPECT_EQ(output.componentNumber(a) == output.componentNumber(b), together) << text(a) << text(b);
-            EXPECT_TRUE(!steps.reaches(a, b) || output.componentNumber(a) >= output.componentNumber(b));
-        }
-    }
-}
-
-TEST(Components, AgreeWithSlowWays) {
-    AllComponents all;
-    HookedComponents hooked;
-    for (unsigned seed = 0; seed < 250 && !HasFailure(); ++seed) {
-        const std::string tokens = randomText(seed, {.nodes = 6, .edges = seed % 3 == 0 ? 16 : 9});
-        SCOPED_TRACE("seed " + std::to_string(seed) + ": " + tokens);
-        const MarkedGraph g(tokens, seed);
-        EXPECT_EQ(all.connectedOf(g), connectedByRule(g));
-        EXPECT_EQ(hooked.connectedOf(g), connectedByRule(g));
-        EXPECT_EQ(all.blocksOf(g), hooked.blocksOf(g));
-        expectBlocks(all.blocks.output, g);
-        EXPECT_EQ(all.strongOf(g), hooked.strongOf(g));
-        expectStrong(all.strong.output, g);
+        const auto expect = [&](auto& components) {
+            EXPECT_EQ(components.connectedOf(g), c.connected);
+            EXPECT_EQ(components.blocksOf(g), c.blocks);
+            EXPECT_EQ(components.strongOf(g), c.strong);
+        };
+        expect(all);
+        expect(hooked);
     }
 }
 

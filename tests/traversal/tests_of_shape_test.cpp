@@ -7,7 +7,6 @@
 #include <string>
 
 #include "tests/algorithm_checks.h"
-#include "tests/shortestpaths/path_checks.h"
 #include "tests/test_graph.h"
 
 namespace {
@@ -48,39 +47,6 @@ TEST(PathExistsTest, FindsAShortestPathOrWhatCanBeReached) {
         EXPECT_EQ(runOn(test, g, g.node(c.start), g.node(c.finish), c.undirected), RV_NO_ERROR);
         EXPECT_EQ(answer(test.output), c.answer);
     }
-}
-
-TEST(PathExistsTest, AgreesWithAllDistances) {
-    PathTest test;
-    int paths = 0;
-    int all = 0;
-    for (unsigned seed = 0; seed < 150; ++seed) {
-        const std::string tokens = randomText(seed, {.nodes = 7, .edges = 12, .undirected = 25});
-        const MarkedGraph g(tokens, seed);
-        const Ways ways = seed % 3 == 0 ? Ways::both : Ways::drawn;
-        const Distances steps(g, ways);
-        for (RVNode* start : *g->pNodeList()) {
-            for (RVNode* finish : *g->pNodeList()) {
-                SCOPED_TRACE(std::to_string(seed) + ", " + text(start) + " to " + text(finish) + ": " +
-                             tokens);
-                ASSERT_EQ(runOn(test, g, start, finish, seed % 3 == 0 ? 1 : 0), RV_NO_ERROR);
-                ASSERT_EQ(test.output.pathExists(), steps.reaches(start, finish) ? 1 : 0);
-                ++all;
-                paths += test.output.pathExists();
-                if (test.output.pathExists() == 0) {
-                    for (RVNode* node : *g->pNodeList()) {
-                        const bool found = test.output.pVisitedNodeList()->searchObject(node) != nullptr;
-                        EXPECT_EQ(found, steps.reaches(start, node)) << text(node);
-                    }
-                    continue;
-                }
-                EXPECT_EQ(test.output.pEdgeList()->length(), steps(start, finish));
-                PathOracle(g, ways, false).expectPath(*test.output.pEdgeList(), start, finish, 0);
-            }
-        }
-    }
-    EXPECT_GT(paths, all / 3);
-    EXPECT_LT(paths, all * 3 / 4);
 }
 
 TEST(PathExistsTest, StopsAtTheFinish) {
