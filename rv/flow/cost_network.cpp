@@ -297,10 +297,12 @@ void CostNetwork::detach(std::uint32_t place) {
     --node.end;
 }
 
-void CostNetwork::describe(RVMinimumCostFlowOutputData& output) const {
+Buffer<int> CostNetwork::flows(const RVGraph* graph) const {
+    Buffer<int> flows(static_cast<std::size_t>(graph->edgeIndexLimit()), 0);
     for (const Edge& edge : m_edges) {
-        if (edge.original != nullptr && edge.flow != 0) output.flow(edge.original, edge.flow);
+        if (edge.original != nullptr) flows[placeOf(edge.original)] = edge.flow;
     }
+    return flows;
 }
 
 }  // namespace rv

@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "rv/flow/minimum_cost_flow.h"
+#include "rv/foundation/buffer.h"
 
 namespace rv {
 
@@ -54,8 +55,8 @@ public:
     // Pushes an amount along it, at most its capacity.
     void push(int amount);
 
-    // Gives the caller's edges their flows.
-    void describe(RVMinimumCostFlowOutputData& output) const;
+    // The flows of the caller's edges, by dense index.
+    Buffer<int> flows(const RVGraph* graph) const;
 
 private:
     class Builder;

@@ -11,7 +11,8 @@
 // Codes of run: RV_NO_ERROR, RV_NO_INPUT_GRAPH, RV_NO_GRAPH_FACTORY, then RV_NO_START_NODE,
 // RV_START_NODE_NOT_IN_GRAPH, RV_NO_FINISH_NODE, RV_FINISH_NODE_NOT_IN_GRAPH, RV_ALGORITHM_FAILURE when a
 // part fails, and the framework's. A finish node that cannot be reached is no failure: no paths.
-// Method: maximum flow of unit capacities (Menger 1927). O(paths (n + m)) time, O(n + m) space.
+// Method: maximum flow of unit capacities (Menger 1927); in an object of a subclass with its hooks, on a
+// copy. O(paths (n + m)) time, O(n + m) space.
 //
 //   RVDisjointPathsAlgorithm paths;
 //   RVDisjointPathsInputData input(graph);

@@ -64,6 +64,14 @@ private:
 
 namespace rv {
 
+// Whether a node or an edge that is in the input's graph has one. O(1) where none has, unless the input keeps
+// records.
+template <class Input>
+bool hasNegativeCapacity(const Input& input) {
+    const RVGraph* graph = input.pAssociatedGraph();
+    return input.nodeCapacities().hasNegatives(graph) || input.edgeCapacities().hasNegatives(graph);
+}
+
 // Takes all flows from an output, whatever its reset has left.
 template <class Output>
 void clearFlows(Output& output) {

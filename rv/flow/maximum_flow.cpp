@@ -45,10 +45,7 @@ RVServiceErrorCodeEnum RVMaximumFlowAlgorithm::checkData() {
     const auto* input = RVMaximumFlowInputData::castDown(pInputData());
     code = rv::checkNetworkEnds(*input);
     if (code != RV_NO_ERROR) return code;
-    const RVGraph* graph = input->pAssociatedGraph();
-    const bool isNegative =
-        input->nodeCapacities().hasNegatives(graph) || input->edgeCapacities().hasNegatives(graph);
-    return isNegative ? RV_NEGATIVE_CAPACITY : RV_NO_ERROR;
+    return rv::hasNegativeCapacity(*input) ? RV_NEGATIVE_CAPACITY : RV_NO_ERROR;
 }
 
 RVServiceErrorCodeEnum RVMaximumFlowAlgorithm::algorithmBody() {

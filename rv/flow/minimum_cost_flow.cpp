@@ -94,13 +94,7 @@ RVServiceErrorCodeEnum RVMinimumCostFlowAlgorithm::checkData() {
     code = rv::checkNetworkEnds(*input);
     if (code != RV_NO_ERROR) return code;
     if (input->desiredFlow() < 0) return RV_NEGATIVE_DESIRED_FLOW;
-    for (RVEdge* edge : *input->pAssociatedGraph()->pEdgeList()) {
-        if (input->capacity(edge) < 0) return RV_NEGATIVE_CAPACITY;
-    }
-    for (RVNode* node : *input->pAssociatedGraph()->pNodeList()) {
-        if (input->capacity(node) < 0) return RV_NEGATIVE_CAPACITY;
-    }
-    return RV_NO_ERROR;
+    return rv::hasNegativeCapacity(*input) ? RV_NEGATIVE_CAPACITY : RV_NO_ERROR;
 }
 
 RVAlgorithmData* RVMinimumCostFlowAlgorithm::newInternalData() { return new RVMinimumCostFlowInternalData(); }
@@ -108,13 +102,7 @@ RVAlgorithmData* RVMinimumCostFlowAlgorithm::newInternalData() { return new RVMi
 bool RVMinimumCostFlowAlgorithm::hasNegativeCost() const {
     const auto* input = RVMinimumCostFlowInputData::castDown(pInputData());
     const RVGraph* graph = input->pAssociatedGraph();
-    for (RVEdge* edge : *graph->pEdgeList()) {
-        if (input->cost(edge) < 0) return true;
-    }
-    for (RVNode* node : *graph->pNodeList()) {
-        if (input->cost(node) < 0) return true;
-    }
-    return false;
+    return input->edgeCosts().hasNegatives(graph) || input->nodeCosts().hasNegatives(graph);
 }
 
 void RVMinimumCostFlowAlgorithm::initialize() {
@@ -139,8 +127,7 @@ std::optional<RVServiceErrorCodeEnum> RVMinimumCostFlowAlgorithm::answer() {
         network.push(amount);
     }
     auto* output = RVMinimumCostFlowOutputData::castDown(pOutputData());
-    rv::clearFlows(*output);
-    network.describe(*output);
+    rv::writeFlows(*output, network.flows(input->pAssociatedGraph()));
     writeTotals(data);
     return RV_NO_ERROR;
 }

@@ -10,7 +10,8 @@
 // Codes of run: RV_NO_ERROR, RV_NO_INPUT_GRAPH, RV_NO_GRAPH_FACTORY, then RV_NO_SOURCE_NODE,
 // RV_SOURCE_NODE_NOT_IN_GRAPH, RV_NO_SINK_NODE, RV_SINK_NODE_NOT_IN_GRAPH, RV_NEGATIVE_COST of any edge,
 // RV_ALGORITHM_FAILURE when a part fails, and the framework's.
-// Method: maximum flow (Ford and Fulkerson 1956), whose header tells time and space.
+// Method: maximum flow (Ford and Fulkerson 1956), whose header tells time and space; in an object of a
+// subclass with its hooks, on a copy.
 //
 //   RVMinimumCutAlgorithm cut;
 //   RVMinimumCutInputData input(graph);

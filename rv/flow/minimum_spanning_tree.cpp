@@ -47,13 +47,15 @@ std::optional<RVServiceErrorCodeEnum> RVMinimumSpanningTreeAlgorithm::answer() {
     const std::span<const int> costs = input->edgeCosts().values(graph, space);
     rv::SpanningTree tree = rv::spanningTree(*flat, costs, pulse);
     if (!tree.spans(flat->order())) return RV_NO_ERROR;
-    rv::Buffer<rv::Index> edges;
-    std::int64_t total = 0;
+    rv::Buffer<rv::Index> edges(std::size_t{tree.edgeCount} + 1);
+    std::size_t count = 0;
     flat->order().forEachEdge([&](rv::Index edge) {
-        if (tree.isTreeEdge[edge] == 0) return;
-        edges.push_back(edge);
-        total += edge < costs.size() ? costs[edge] : 0;
+        edges[count] = edge;  // stays there if it is one of the tree
+        count += static_cast<std::size_t>(tree.isTreeEdge[edge]);
     });
+    edges.pop_back();
+    std::int64_t total = 0;
+    for (const rv::Index edge : edges) total += edge < costs.size() ? costs[edge] : 0;
     rv::Members(graph).append(edges, *output->pTreeEdgeList());
     output->isTreeEdge().assign(graph, std::move(tree.isTreeEdge));
     output->totalCost(rv::saturate(total));

@@ -5,9 +5,11 @@
 #include <cstdint>
 #include <limits>
 #include <tuple>
+#include <utility>
 #include <vector>
 
 #include "rv/foundation/arithmetic.h"
+#include "rv/kernels/nearest.h"
 
 namespace rv {
 
@@ -34,8 +36,14 @@ public:
     }
     bool isEmpty() const { return m_bits.back()[0] == 0; }
     void push(Index key, Index node) {
-        const auto link = static_cast<Index>(m_links.size());
-        m_links.push_back({node, kNoIndex});
+        Index link = m_free;
+        if (link == kNoIndex) {
+            link = static_cast<Index>(m_links.size());
+            m_links.emplace_back();
+        } else {
+            m_free = m_links[link].next;
+        }
+        m_links[link] = {node, kNoIndex};
         Bucket& bucket = m_buckets[key];
         if (isUsed(key)) {
             m_links[bucket.last].next = link;
@@ -51,8 +59,11 @@ public:
         for (auto words = m_bits.rbegin(); words != m_bits.rend(); ++words)
             key = 64 * key + static_cast<Index>(std::countr_zero((*words)[key]));
         Bucket& bucket = m_buckets[key];
-        const Link link = m_links[bucket.first];
+        const Index first = bucket.first;
+        const Link link = m_links[first];
         bucket.first = link.next;
+        m_links[first].next = m_free;
+        m_free = first;
         if (link.next == kNoIndex) setUnused(key);
         return {key, link.node};
     }
@@ -87,34 +98,33 @@ private:
     Buffer<Bucket> m_buckets;  // those that are used
     std::vector<Buffer<std::uint64_t>> m_bits;
     Buffer<Link> m_links;
+    Index m_free = kNoIndex;  // the first of the links that hold no entry
 };
 
-// Small numbers in the order of costs, kNoIndex for edges that count as none.
+// Small numbers in the order of costs, kInfinite for edges that count as none.
 struct Keys {
-    Keys(const GraphOrder& order, std::span<const int> costs) : byEdge(order.ends.size(), Index{kNoIndex}) {
+    Keys(const GraphOrder& order, std::span<const int> costs) : byEdge(order.ends.size(), kInfinite) {
         const auto costOf = [&](Index edge) { return edge < costs.size() ? costs[edge] : 0; };
-        int least = kInfinite;
-        int greatest = kSmallest;
+        std::int64_t least = kInfinite;
+        std::int64_t greatest = kSmallest;
         order.forEachEdge([&](Index edge) {
-            if (costOf(edge) == kInfinite) return;
-            least = std::min(least, costOf(edge));
-            greatest = std::max(greatest, costOf(edge));
+            const int cost = costOf(edge);
+            if (cost == kInfinite) return;
+            least = std::min<std::int64_t>(least, cost);
+            greatest = std::max<std::int64_t>(greatest, cost);
         });
-        if (least > greatest) return;
-        const std::int64_t span = std::int64_t{greatest} - least + 1;
-        if (span > 2 * std::int64_t{order.edgeCount} + kFewCosts) {
+        if (greatest - least > 2 * std::int64_t{order.edgeCount} + kFewCosts) {
             rank(order, costOf);
-            return;
+        } else {
+            order.forEachEdge([&](Index edge) {
+                if (costOf(edge) != kInfinite) byEdge[edge] = static_cast<int>(costOf(edge) - least);
+            });
+            limit = static_cast<Index>(std::max<std::int64_t>(greatest - least, 0)) + 1;
         }
-        limit = static_cast<Index>(span);
-        order.forEachEdge([&](Index edge) {
-            if (costOf(edge) != kInfinite)
-                byEdge[edge] = static_cast<Index>(std::int64_t{costOf(edge)} - least);
-        });
     }
 
-    Buffer<Index> byEdge;
-    Index limit = 1;
+    Buffer<int> byEdge;
+    Index limit = 0;  // all are below
 
 private:
     static constexpr std::int64_t kFewCosts = 4096;
@@ -128,10 +138,9 @@ private:
             if (costOf(edge) != kInfinite) sorted.emplace_back(costOf(edge), edge);
         });
         std::sort(sorted.begin(), sorted.end());
-        limit = 0;
         for (std::size_t i = 0; i < sorted.size(); ++i) {
             if (i == 0 || sorted[i].first != sorted[i - 1].first) ++limit;
-            byEdge[sorted[i].second] = limit - 1;
+            byEdge[sorted[i].second] = static_cast<int>(limit - 1);
         }
     }
 };
@@ -146,14 +155,14 @@ Buffer<Index> placesIn(const Arcs& arcs, std::size_t edgeLimit) {
 }
 
 // Leaves one edge of each group of parallels.
-void closeParallels(const FlatGraph& graph, Buffer<Index>& keys) {
+void closeParallels(const FlatGraph& graph, Buffer<int>& keys) {
     if (!graph.undirected().leavesOut()) return;
     const GraphOrder order = graph.order();
     Buffer<Index> outPlaces;  // unless all lists stand in the order of the numbers
     Buffer<Index> inPlaces;
     if (!graph.areListsInGraphOrder() || !order.edges.empty()) {
-        outPlaces = placesIn(graph.out(), keys.size());
-        inPlaces = placesIn(graph.in(), keys.size());
+        outPlaces = placesIn(graph.out(), order.ends.size());
+        inPlaces = placesIn(graph.in(), order.ends.size());
     }
     order.forEachEdge([&](Index first) {
         const auto rankOf = [&](Index edge) {
@@ -164,50 +173,81 @@ void closeParallels(const FlatGraph& graph, Buffer<Index>& keys) {
         Index best = first;
         graph.undirected().forEachParallel(first, [&](Index edge) {
             const bool isBetter = rankOf(edge) < rankOf(best);
-            keys[isBetter ? best : edge] = kNoIndex;
+            keys[isBetter ? best : edge] = kInfinite;
             if (isBetter) best = edge;
         });
     });
 }
 
+class Prim {
+public:
+    Prim(const FlatGraph& graph, const Keys& keys, Pulse& pulse)
+        : m_in(graph.in(), keys, pulse),
+          m_out(graph.out(), keys, pulse),
+          m_pulse(pulse),
+          m_candidates(graph.out().nodeLimit()),
+          m_queue(keys.limit),
+          m_tree{Buffer<int>(graph.order().ends.size(), 0)} {}
+
+    SpanningTree growFrom(Index root) {
+        join(root);
+        while (!m_queue.isEmpty()) {
+            const auto [key, node] = m_queue.pop();
+            const Candidate& candidate = m_candidates[node];
+            if (candidate.key != static_cast<int>(key)) continue;
+            m_tree.isTreeEdge[candidate.parent] = 1;
+            ++m_tree.edgeCount;
+            join(node);
+        }
+        return std::move(m_tree);
+    }
+
+private:
+    struct Ways {
+        Ways(const Arcs& all, const Keys& keys, Pulse& pulse)
+            : arcs(all),
+              byArc(costsByArc(
+                  all, [&](Index edge) { return keys.byEdge[edge]; }, pulse)) {}
+        const Arcs& arcs;
+        Buffer<int> byArc;  // keys
+    };
+    struct Candidate {
+        int key = kInfinite;      // of the cheapest edge to the tree that is known; -1 in the tree
+        Index parent = kNoIndex;  // that edge
+    };
+
+    void join(Index node) {
+        m_candidates[node].key = -1;
+        m_pulse.beat(1 + std::int64_t{m_in.arcs.degree(node)} + m_out.arcs.degree(node));
+        offer(m_in, node);
+        offer(m_out, node);
+    }
+    void offer(const Ways& ways, Index node) {
+        for (Index arc = ways.arcs.first[node]; arc < ways.arcs.last[node]; ++arc) {
+            const int key = ways.byArc[arc];
+            Candidate& target = m_candidates[ways.arcs.targets[arc]];
+            if (key >= target.key) continue;
+            target = {key, ways.arcs.edges[arc]};
+            m_queue.push(static_cast<Index>(key), ways.arcs.targets[arc]);
+        }
+    }
+
+    const Ways m_in;
+    const Ways m_out;
+    Pulse& m_pulse;
+    std::vector<Candidate> m_candidates;  // by node
+    BucketQueue m_queue;
+    SpanningTree m_tree;
+};
+
 }  // namespace
 
 SpanningTree spanningTree(const FlatGraph& graph, std::span<const int> costs, Pulse& pulse) {
     const GraphOrder order = graph.order();
-    const Arcs& in = graph.in();
-    const Arcs& out = graph.out();
+    if (order.nodeCount == 0) return {};
     Keys keys(order, costs);
     closeParallels(graph, keys.byEdge);
-    struct Candidate {
-        Index key = kNoIndex;     // of the cheapest edge to the tree that is known; 0 in the tree
-        Index parent = kNoIndex;  // that edge
-    };
-    std::vector<Candidate> candidates(out.nodeLimit());
-    BucketQueue queue(keys.limit);
-    SpanningTree tree{Buffer<int>(order.ends.size(), 0)};
-    const auto join = [&](Index node) {
-        candidates[node].key = 0;
-        pulse.beat(1 + std::int64_t{in.degree(node)} + out.degree(node));
-        for (const Arcs* arcs : {&in, &out}) {
-            for (Index arc = arcs->first[node]; arc < arcs->last[node]; ++arc) {
-                Candidate& target = candidates[arcs->targets[arc]];
-                if (target.key == 0) continue;
-                const Index key = keys.byEdge[arcs->edges[arc]];
-                if (key >= target.key) continue;
-                target = {key, arcs->edges[arc]};
-                queue.push(key, arcs->targets[arc]);
-            }
-        }
-    };
-    if (order.nodeCount > 0) join(order.nodes.empty() ? 0 : order.nodes.front());
-    while (!queue.isEmpty()) {
-        const auto [key, node] = queue.pop();
-        if (candidates[node].key != key) continue;
-        tree.isTreeEdge[candidates[node].parent] = 1;
-        ++tree.edgeCount;
-        join(node);
-    }
-    return tree;
+    return Prim(graph, keys, pulse).growFrom(order.nodes.empty() ? 0 : order.nodes.front());
 }
 
 }  // namespace rv

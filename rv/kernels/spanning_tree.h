@@ -7,9 +7,9 @@
 // the first in the in-list and then the out-list of the source of the first of them in graph order. Loops
 // play no part.
 //
-// Prim 1957, with a queue of buckets. O(n + m) time where costs span no more than some 2 m, else
-// O(m log m); 8 bytes for every number that an edge may have, 8 for one of a node, 12 for each time that a
-// node comes to a smaller cost, and 8 for each of the costs that are spanned.
+// Prim 1957, with a queue of buckets. O(n + m) time where costs lie no further apart than some 2 m, else
+// O(m log m). 16 bytes for every number that an edge may have, the result among them, 8 for one of a node, 8
+// for each node that waits and for each cost from the least to the greatest.
 #pragma once
 
 #include <span>
