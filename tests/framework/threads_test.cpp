@@ -45,7 +45,7 @@ TYPED_TEST(Threads, ShareAFactory) {
 // Those of which any number may run on one graph at a time.
 using Sharing = testing::Types<TopologicalSort, BreadthFirst, DepthFirst, Connected, Blocks, Strong, PathTest,
                                AcyclicTest, TreeTest, UniquePath, Reachable, NewCycleTest, RootCauses,
-                               MaximumFlow, MinimumCut, DisjointPaths, SpanningTree>;
+                               MaximumFlow, MinimumCostFlow, MinimumCut, DisjointPaths, SpanningTree>;
 template <class R>
 class SharedGraph : public testing::Test {};
 TYPED_TEST_SUITE(SharedGraph, Sharing, AlgorithmNames);
