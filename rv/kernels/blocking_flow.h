@@ -5,7 +5,8 @@
 // around cycles through it.
 //
 // Blocking flows, Dinitz 1970, level by level from both ends. O(n^2 m) time, in practice few phases of
-// O(n + m); 4 bytes for every number that an edge may have, the result, and some 40 for one of a node.
+// O(n + m); 4 bytes for every number that an edge may have, which are the result, and some 50 for one of a
+// node.
 #pragma once
 
 #include <cstdint>

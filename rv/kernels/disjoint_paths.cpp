@@ -13,7 +13,7 @@ namespace rv {
 
 namespace {
 
-// Node v is split into 2 v and 2 v + 1, joined by edge v; an arc of the graph is the edge with the arc's
+// Node v is split into an entry and an exit, joined by edge v; an arc of the graph is the edge with the arc's
 // place added to the number of nodes. In-edges stand in the order of the nodes, then of their out-lists.
 class SplitGraph {
 public:
@@ -28,21 +28,23 @@ public:
         }
         std::iota(m_out.edges.begin(), m_out.edges.end(), Index{0});
         for (Index node = 0; node < m_nodes; ++node) {
-            m_out.first[2 * node] = m_in.first[2 * node + 1] = node;
-            m_out.last[2 * node] = m_in.last[2 * node + 1] = node + 1;
-            m_out.targets[node] = 2 * node + 1;
-            m_in.targets[node] = 2 * node;
+            const Index entry = entryOf(node);
+            const Index exit = exitOf(node);
+            m_out.first[entry] = m_in.first[exit] = node;
+            m_out.last[entry] = m_in.last[exit] = node + 1;
+            m_out.targets[node] = exit;
+            m_in.targets[node] = entry;
             m_in.edges[node] = node;
-            m_out.first[2 * node + 1] = m_nodes + arcs.first[node];
-            m_out.last[2 * node + 1] = m_nodes + arcs.last[node];
+            m_out.first[exit] = m_nodes + arcs.first[node];
+            m_out.last[exit] = m_nodes + arcs.last[node];
         }
         for (Index edge = m_nodes; edge < m_edges; ++edge)
-            m_out.targets[edge] = 2 * arcs.targets[edge - m_nodes];
+            m_out.targets[edge] = entryOf(arcs.targets[edge - m_nodes]);
         listInEdges(graph);
     }
 
     FlowNetwork network(Index start, Index finish) const {
-        return {m_out.arcs(), m_in.arcs(), m_edges, 2 * start + 1, 2 * finish, {}, {}};
+        return {m_out.arcs(), m_in.arcs(), m_edges, exitOf(start), entryOf(finish), {}, {}};
     }
     Index edgeOfArc(Index arc) const { return m_nodes + arc; }
 
@@ -55,14 +57,18 @@ private:
         Buffer<Index> edges;
     };
 
+    static constexpr Index entryOf(Index node) { return 2 * node; }
+    static constexpr Index exitOf(Index node) { return 2 * node + 1; }
+
     void listInEdges(const FlatGraph& graph) {
         Index begin = m_nodes;
         for (Index node = 0; node < m_nodes; ++node) {
-            m_in.first[2 * node] = m_in.last[2 * node] = begin;
+            const Index entry = entryOf(node);
+            m_in.first[entry] = m_in.last[entry] = begin;
             begin += graph.in().degree(node);
         }
         graph.order().forEachNode([&](Index node) {
-            const Index exit = 2 * node + 1;
+            const Index exit = exitOf(node);
             for (Index edge = m_out.first[exit]; edge < m_out.last[exit]; ++edge) {
                 const Index place = m_in.last[m_out.targets[edge]]++;
                 m_in.targets[place] = exit;

@@ -7,8 +7,8 @@
 //
 // Where start and finish are the same node, the paths are cycles through it.
 //
-// O(paths (n + m)) time; 8 bytes for every number that an edge may have besides the flow, 24 for
-// node-disjoint paths.
+// O(paths (n + m)) time; 8 bytes for every number that an edge may have and some 50 for one of a node; three
+// times that for node-disjoint paths.
 #pragma once
 
 #include <span>

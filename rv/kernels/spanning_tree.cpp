@@ -113,7 +113,7 @@ struct Keys {
             least = std::min<std::int64_t>(least, cost);
             greatest = std::max<std::int64_t>(greatest, cost);
         });
-        if (greatest - least > 2 * std::int64_t{order.edgeCount} + kFewCosts) {
+        if (greatest - least > std::min(2 * std::int64_t{order.edgeCount} + kFewCosts, kGreatestKey)) {
             rank(order, costOf);
         } else {
             order.forEachEdge([&](Index edge) {
@@ -128,6 +128,7 @@ struct Keys {
 
 private:
     static constexpr std::int64_t kFewCosts = 4096;
+    static constexpr std::int64_t kGreatestKey = kInfinite - 1;
 
     // Numbers the different costs.
     template <class CostOf>
@@ -179,6 +180,8 @@ void closeParallels(const FlatGraph& graph, Buffer<int>& keys) {
     });
 }
 
+// Invariant: a node that can be joined has an entry of its key in the queue, and that key is below those of
+// all its other entries.
 class Prim {
 public:
     Prim(const FlatGraph& graph, const Keys& keys, Pulse& pulse)

@@ -46,7 +46,7 @@ TYPED_TEST(Threads, ShareAFactory) {
 using Sharing = testing::Types<TopologicalSort, BreadthFirst, DepthFirst, Connected, Blocks, Strong, PathTest,
                                AcyclicTest, TreeTest, UniquePath, Reachable, NewCycleTest, RootCauses,
                                Dijkstra, AcyclicPaths, ShortestPaths, SingleSource, SortedPathsOnce,
-                               MaximumFlow, MinimumCut, DisjointPaths, SpanningTree>;
+                               MaximumFlow, MinimumCostFlow, MinimumCut, DisjointPaths, SpanningTree>;
 template <class R>
 class SharedGraph : public testing::Test {};
 TYPED_TEST_SUITE(SharedGraph, Sharing, AlgorithmNames);
