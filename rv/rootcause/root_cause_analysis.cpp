@@ -14,12 +14,12 @@
 #include <vector>
 
 #include "rv/foundation/graph_access.h"
+#include "rv/foundation/list_sort.h"
 #include "rv/foundation/owned_lists.h"
 #include "rv/framework/check_input.h"
 #include "rv/framework/input_fields.h"
 #include "rv/framework/run_pulse.h"
 #include "rv/kernels/flat_graph.h"
-#include "rv/kernels/nearest_queue.h"
 #include "rv/kernels/reach_marks.h"
 #include "rv/rootcause/negative_costs.h"
 #include "rv/rootcause/range_search.h"
@@ -154,7 +154,7 @@ struct RVRootCauseAlgorithm::Run {
 
     std::vector<Explained> explained;  // by number of the node
     std::vector<Share> shares;
-    std::vector<RVNode*> causes;
+    RVNodeDList causes;
 };
 
 RV_OBJECT_IMPL(RVRootCauseAlgorithm)
@@ -271,15 +271,31 @@ void RVRootCauseAlgorithm::Run::addShares(const AnyMarks& marks, std::size_t fir
     });
 }
 
-// The queue gives those of equal weight in the order in which they came.
+// Smallest explained weight first.
+class RVRootCauseAlgorithm::RVRootCauseNodeListSort : public RVDListSort {
+public:
+    explicit RVRootCauseNodeListSort(const Run& run) : m_run(run) {}
+
+    int virtualCellCompare(RVDListCell* first, RVDListCell* second) const override {
+        const std::int64_t a = weight(first);
+        const std::int64_t b = weight(second);
+        return a < b ? -1 : a > b ? 1 : 0;
+    }
+
+private:
+    std::int64_t weight(const RVDListCell* cell) const {
+        return m_run.explained[placeOf(RVNode::castDown(cell->pObject()))].weight;
+    }
+    const Run& m_run;
+};
+
 void RVRootCauseAlgorithm::createRootCauseNodeList(const RVGraph* graph) {
     Run& run = *m_run;
-    rv::NearestQueue<std::int64_t> byWeight;
-    for (const RVNode* node : *graph->pNodeList()) {
+    for (RVNode* node : *graph->pNodeList()) {
         const Run::Explained& known = run.explained[placeOf(node)];
-        if (known.effects != 0 && run.isEnough(known.weight)) byWeight.push(known.weight, rv::indexOf(node));
+        if (known.effects != 0 && run.isEnough(known.weight)) run.causes.appendNode(node);
     }
-    while (!byWeight.isEmpty()) run.causes.push_back(rv::GraphAccess::nodes(graph)[byWeight.pop().node]);
+    RVRootCauseNodeListSort(run).quickSort(&run.causes, 0);
 }
 
 void RVRootCauseAlgorithm::generateOutputData() {

@@ -147,6 +147,7 @@ protected:
 
 private:
     struct Run;
+    class RVRootCauseNodeListSort;
 
     void searchTogether(RVGraph* graph, const RVRootCauseInputData& input, rv::Pulse& pulse);
     void searchOneByOne(RVGraph* graph, const RVRootCauseInputData& input, rv::Pulse& pulse);
