@@ -65,8 +65,12 @@ RVServiceErrorCodeEnum RVAlgorithm::run() {
 
 RVServiceErrorCodeEnum RVAlgorithm::answerOrRunHooks() {
     rv::lookAt(m_pRunControl, "beginning");
-    if (const auto code = answer()) return *code;
-    return runAndThen([this] { return runHooksAndCleanup(); }, [this] { endRunStates(); });
+    return runAndThen(
+        [this] {
+            const auto code = answer();
+            return code ? *code : runHooksAndCleanup();
+        },
+        [this] { endRunStates(); });
 }
 
 RVServiceErrorCodeEnum RVAlgorithm::runHooksAndCleanup() {
