@@ -50,3 +50,4 @@
 #include "rv/traversal/topological_sort.h"
 #include "rv/traversal/traversal.h"
 #include "rv/traversal/tree_test.h"
+#include "rv/version.h"

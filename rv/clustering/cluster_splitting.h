@@ -42,6 +42,7 @@ public:
 
 class RV_EXPORT RVClusterSplittingAlgorithm : public RVInternalAlgorithm {
     RV_OBJECT(RVClusterSplittingAlgorithm)
+    RV_WORKS_WITH(RVClusterSplittingInputData, RVClusteringOutputData)
 
 public:
     RVClusterSplittingAlgorithm() = default;

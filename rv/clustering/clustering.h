@@ -39,6 +39,7 @@
 
 class RV_EXPORT RVClusteringAlgorithm : public RVInternalGraphAlgorithm {
     RV_OBJECT(RVClusteringAlgorithm)
+    RV_WORKS_WITH(RVClusteringInputData, RVClusteringOutputData)
 
 public:
     RVClusteringAlgorithm() = default;

@@ -76,7 +76,10 @@ RVServiceErrorCodeEnum checkClusteringInput(RVServiceErrorCodeEnum framework, RV
                                             More more) {
     const RVServiceErrorCodeEnum last = checkGraphAfter(framework, data);
     if (data == nullptr || data->pAssociatedGraph() == nullptr) return last;
-    const Input& input = *Input::castDown(data);
+    const auto* known =
+        dynamic_cast<const Input*>(data);  // values are checked even where the output is missing
+    if (known == nullptr) return RV_WRONG_INPUT_DATA;
+    const Input& input = *known;
     RVServiceErrorCodeEnum code = RV_NO_ERROR;
     if constexpr (std::is_base_of_v<RVClusteringInputData, Input>) code = checkConstraints(input);
     if (code == RV_NO_ERROR) code = more(input);

@@ -35,6 +35,7 @@
 
 class RV_EXPORT RVDisconnectedClusteringAlgorithm : public RVInternalAlgorithm {
     RV_OBJECT(RVDisconnectedClusteringAlgorithm)
+    RV_WORKS_WITH(RVClusteringInputData, RVClusteringOutputData)
 
 public:
     RVDisconnectedClusteringAlgorithm() = default;

@@ -74,6 +74,7 @@ private:
 
 class RV_EXPORT RVRatioCutBipartitioningAlgorithm : public RVInternalAlgorithm {
     RV_OBJECT(RVRatioCutBipartitioningAlgorithm)
+    RV_WORKS_WITH(RVRatioCutBipartitioningInputData, RVRatioCutBipartitioningOutputData)
 
 public:
     RVRatioCutBipartitioningAlgorithm() = default;

@@ -230,6 +230,7 @@ private:
 
 class RV_EXPORT RVCycleBreakingEdgeDetectionAlgorithm : public RVInternalGraphAlgorithm {
     RV_OBJECT(RVCycleBreakingEdgeDetectionAlgorithm)
+    RV_WORKS_WITH(RVCycleBreakingEdgeDetectionInputData, RVCycleBreakingEdgeDetectionOutputData)
 
 public:
     RVCycleBreakingEdgeDetectionAlgorithm() = default;

@@ -21,6 +21,7 @@
 #pragma once
 
 #include "rv/framework/internal_graph_algorithm.h"
+#include "rv/framework/references.h"
 
 // Named fields: "sourceNode" and "targetNode" (of the graph).
 class RV_EXPORT RVNewCycleTestInputData : public RVAnalysisInputData {
@@ -40,8 +41,8 @@ protected:
     std::span<const RVInputField> inputFields() const override;
 
 private:
-    RVNode* m_pSourceNode = nullptr;
-    RVNode* m_pTargetNode = nullptr;
+    rv::NodeReference m_pSourceNode{this};
+    rv::NodeReference m_pTargetNode{this};
 };
 
 class RV_EXPORT RVNewCycleTestOutputData : public RVAnalysisOutputData {
@@ -77,12 +78,13 @@ public:
 
 private:
     int m_pathFound = 0;
-    RVNode* m_pSourceNode = nullptr;
-    RVNode* m_pTargetNode = nullptr;
+    rv::NodeReference m_pSourceNode{this};
+    rv::NodeReference m_pTargetNode{this};
 };
 
 class RV_EXPORT RVNewCycleTestAlgorithm : public RVInternalGraphAlgorithm {
     RV_OBJECT(RVNewCycleTestAlgorithm)
+    RV_WORKS_WITH(RVNewCycleTestInputData, RVNewCycleTestOutputData)
 
 public:
     RVNewCycleTestAlgorithm() = default;

@@ -173,6 +173,7 @@ private:
 
 class RV_EXPORT RVTopologicalHeuristicAlgorithm : public RVInternalGraphAlgorithm {
     RV_OBJECT(RVTopologicalHeuristicAlgorithm)
+    RV_WORKS_WITH(RVTopologicalHeuristicInputData, RVTopologicalHeuristicOutputData)
 
 public:
     RVTopologicalHeuristicAlgorithm() = default;

@@ -28,6 +28,7 @@
 
 #include "rv/foundation/owned_lists.h"
 #include "rv/framework/internal_graph_algorithm.h"
+#include "rv/framework/references.h"
 
 class RVMaximumFlowInputData;
 class RVMaximumFlowOutputData;
@@ -55,8 +56,8 @@ protected:
 
 private:
     int m_nodeDisjointPaths = 0;
-    RVNode* m_pStartNode = nullptr;
-    RVNode* m_pFinishNode = nullptr;
+    rv::NodeReference m_pStartNode{this};
+    rv::NodeReference m_pFinishNode{this};
 };
 
 class RV_EXPORT RVDisjointPathsOutputData : public RVAnalysisOutputData {
@@ -137,12 +138,13 @@ public:
 private:
     RVMaximumFlowInputData* m_pMaximumFlowInputData = nullptr;
     RVMaximumFlowOutputData* m_pMaximumFlowOutputData = nullptr;
-    RVNode* m_pStartNode = nullptr;
-    RVNode* m_pFinishNode = nullptr;
+    rv::NodeReference m_pStartNode{this};
+    rv::NodeReference m_pFinishNode{this};
 };
 
 class RV_EXPORT RVDisjointPathsAlgorithm : public RVInternalGraphAlgorithm {
     RV_OBJECT(RVDisjointPathsAlgorithm)
+    RV_WORKS_WITH(RVDisjointPathsInputData, RVDisjointPathsOutputData)
 
 public:
     RVDisjointPathsAlgorithm() = default;

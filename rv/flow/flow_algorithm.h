@@ -25,6 +25,7 @@
 #include "rv/flow/flow_data.h"
 #include "rv/framework/columns.h"
 #include "rv/framework/internal_graph_algorithm.h"
+#include "rv/framework/references.h"
 
 // Per node of the working copy and of the flow graph.
 class RV_EXPORT RVNodeExtensionFlowInternal : public RVNodeAnalysisExtension {
@@ -132,9 +133,9 @@ private:
 
     std::int64_t m_totalFlow = 0;
     RVAnalysisInputData* m_pSearchInput = nullptr;
-    RVNode* m_pSourceNode = nullptr;
-    RVNode* m_pSinkNode = nullptr;
-    RVNode* m_pDummyStartNode = nullptr;
+    rv::NodeReference m_pSourceNode{this};
+    rv::NodeReference m_pSinkNode{this};
+    rv::NodeReference m_pDummyStartNode{this};
     RVGraph* m_pCopyGraph = nullptr;
     rv::NodeColumn<int> m_nodeCapacities{this, 2147483647};
 };

@@ -8,6 +8,7 @@
 
 #include "rv/foundation/buffer.h"
 #include "rv/framework/analysis_data.h"
+#include "rv/framework/references.h"
 
 // Per edge of the inputs with capacities.
 class RV_EXPORT RVEdgeExtensionFlowInput : public RVEdgeAnalysisExtension {
@@ -58,8 +59,8 @@ protected:
     std::span<const RVInputField> inputFields() const override;
 
 private:
-    RVNode* m_pSourceNode = nullptr;
-    RVNode* m_pSinkNode = nullptr;
+    rv::NodeReference m_pSourceNode{this};
+    rv::NodeReference m_pSinkNode{this};
 };
 
 namespace rv {

@@ -83,6 +83,7 @@ private:
 
 class RV_EXPORT RVMaximumFlowAlgorithm : public RVBaseGraphAlgorithm {
     RV_OBJECT_NO_COPY(RVMaximumFlowAlgorithm)
+    RV_WORKS_WITH(RVMaximumFlowInputData, RVMaximumFlowOutputData)
 
 public:
     RVMaximumFlowAlgorithm() = default;

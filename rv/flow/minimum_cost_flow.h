@@ -189,6 +189,7 @@ private:
 
 class RV_EXPORT RVMinimumCostFlowAlgorithm : public RVFlowAlgorithm {
     RV_OBJECT(RVMinimumCostFlowAlgorithm)
+    RV_WORKS_WITH(RVMinimumCostFlowInputData, RVMinimumCostFlowOutputData)
 
 public:
     RVMinimumCostFlowAlgorithm() = default;

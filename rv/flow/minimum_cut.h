@@ -122,6 +122,7 @@ private:
 
 class RV_EXPORT RVMinimumCutAlgorithm : public RVInternalGraphAlgorithm {
     RV_OBJECT(RVMinimumCutAlgorithm)
+    RV_WORKS_WITH(RVMinimumCutInputData, RVMinimumCutOutputData)
 
 public:
     RVMinimumCutAlgorithm() = default;

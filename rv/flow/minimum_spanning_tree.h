@@ -202,6 +202,7 @@ private:
 
 class RV_EXPORT RVMinimumSpanningTreeAlgorithm : public RVInternalGraphAlgorithm {
     RV_OBJECT(RVMinimumSpanningTreeAlgorithm)
+    RV_WORKS_WITH(RVMinimumSpanningTreeInputData, RVMinimumSpanningTreeOutputData)
 
 public:
     RVMinimumSpanningTreeAlgorithm() = default;

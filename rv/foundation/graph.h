@@ -36,6 +36,7 @@
 #include <mutex>
 #include <new>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "rv/foundation/buffer.h"
@@ -138,6 +139,9 @@ public:
     // The name is copied; empty without one, and set to empty by none.
     virtual const wchar_t* pNameString() const = 0;
     virtual const wchar_t* pNameString(const wchar_t* text) = 0;
+    // The same in UTF-8, in every locale. What is no UTF-8, or no character, becomes U+FFFD.
+    std::string nameUtf8() const;
+    void nameUtf8(std::string_view text);
     // Two slots for the caller and for algorithms that fill them for a time. Not owned.
     virtual void* pUserField() const = 0;
     virtual void* pUserField(void* field) = 0;

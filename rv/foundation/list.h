@@ -17,6 +17,7 @@
 #include <cassert>
 #include <cstddef>
 #include <cstdint>
+#include <iterator>
 #include <new>
 
 #include "rv/foundation/object.h"
@@ -215,17 +216,49 @@ namespace rv {
 template <class T>
 class ListRange {
 public:
+    using value_type = T*;
+    using reference = T*;
+    using pointer = void;
+    using difference_type = std::ptrdiff_t;
+    // It gives pointers, not references to them, so that it is a forward iterator of ranges only.
+    using iterator_category = std::input_iterator_tag;
+    using iterator_concept = std::forward_iterator_tag;
+
+    ListRange() = default;
     explicit ListRange(RVDListCell* cell) : m_pCell(cell) {}
     T* operator*() const { return static_cast<T*>(m_pCell->pObject()); }
     ListRange& operator++() {
         m_pCell = m_pCell->pNextCell();
         return *this;
     }
-    bool operator!=(const ListRange& other) const { return m_pCell != other.m_pCell; }
+    ListRange operator++(int) {
+        const ListRange before = *this;
+        ++*this;
+        return before;
+    }
+    friend bool operator==(const ListRange&, const ListRange&) = default;
 
 private:
-    RVDListCell* m_pCell;
+    RVDListCell* m_pCell = nullptr;
 };
+
+// The lists in a list of lists, such as components, clusters or paths:
+//   for (const RVNodeDList* component : rv::listsOf<RVNodeDList>(output.pComponentList())) ...
+// REQUIRES: the objects of the list are lists of that type.
+template <class List>
+class Lists {
+public:
+    explicit Lists(const RVDList* lists) : m_first(lists == nullptr ? nullptr : lists->pFirstCell()) {}
+    ListRange<List> begin() const { return ListRange<List>(m_first); }
+    ListRange<List> end() const { return ListRange<List>(nullptr); }
+
+private:
+    RVDListCell* m_first;
+};
+template <class List>
+Lists<List> listsOf(const RVDList* lists) {
+    return Lists<List>(lists);
+}
 
 // What the library does with lists beyond their public operations.
 class ListAccess {

@@ -6,16 +6,26 @@
 RV_OBJECT_IMPL(RVAlgorithm)
 RV_OBJECT_IMPL(RVInternalAlgorithm)
 
-RVAlgorithmInputData* RVAlgorithm::pInputData() const { return m_pInputData; }
-RVAlgorithmInputData* RVAlgorithm::pInputData(RVAlgorithmInputData* data) { return m_pInputData = data; }
-RVAlgorithmOutputData* RVAlgorithm::pOutputData() const { return m_pOutputData; }
-RVAlgorithmOutputData* RVAlgorithm::pOutputData(RVAlgorithmOutputData* data) { return m_pOutputData = data; }
+RVAlgorithmInputData* RVAlgorithm::pInputData() const { return m_pInputData.get(); }
+RVAlgorithmInputData* RVAlgorithm::pInputData(RVAlgorithmInputData* data) {
+    m_pInputData = data;
+    return data;
+}
+RVAlgorithmOutputData* RVAlgorithm::pOutputData() const { return m_pOutputData.get(); }
+RVAlgorithmOutputData* RVAlgorithm::pOutputData(RVAlgorithmOutputData* data) {
+    m_pOutputData = data;
+    return data;
+}
 
 RVServiceErrorCodeEnum RVAlgorithm::checkData() {
     if (pInputData() == nullptr) return RV_NO_INPUT_DATA;
     if (pOutputData() == nullptr) return RV_NO_OUTPUT_DATA;
-    return RV_NO_ERROR;
+    if (!takesInput(*pInputData())) return RV_WRONG_INPUT_DATA;
+    return takesOutput(*pOutputData()) ? RV_NO_ERROR : RV_WRONG_OUTPUT_DATA;
 }
+
+bool RVAlgorithm::takesInput(const RVAlgorithmInputData&) const { return true; }
+bool RVAlgorithm::takesOutput(const RVAlgorithmOutputData&) const { return true; }
 
 void RVAlgorithm::initialize() {}
 void RVAlgorithm::generateOutputData() {}
@@ -47,6 +57,12 @@ RVServiceErrorCodeEnum runAndThen(F f, After after) {
 }  // namespace
 
 RVServiceErrorCodeEnum RVAlgorithm::run() {
+    if (m_isRunning) return RV_ALREADY_RUNNING;
+    m_isRunning = true;
+    const struct Ended {
+        ~Ended() { isRunning = false; }
+        rv::Uncopied<bool>& isRunning;
+    } ended{m_isRunning};
     const RVServiceErrorCodeEnum code = checkData();
     if (code != RV_NO_ERROR) return code;
     RVGraph* const graph = pInputData()->pAssociatedGraph();
@@ -54,7 +70,6 @@ RVServiceErrorCodeEnum RVAlgorithm::run() {
     if (before != nullptr && before != graph) pOutputData()->reset();
     pOutputData()->pAssociatedGraph(graph);
     pOutputData()->reset();
-    endRunStates();  // a run inside a hook may have begun some
     try {
         return answerOrRunHooks();
     } catch (const rv::Cancelled&) {

@@ -29,6 +29,7 @@
 #include <optional>
 #include <typeinfo>
 
+#include "rv/foundation/watch.h"
 #include "rv/framework/algorithm_data.h"
 #include "rv/framework/result_codes.h"
 #include "rv/framework/run_state.h"
@@ -41,18 +42,27 @@ class RV_EXPORT RVAlgorithm : public RVObject {
 public:
     RVAlgorithm() = default;
 
+    // RV_ALREADY_RUNNING when a hook of a run of the same algorithm calls it.
     virtual RVServiceErrorCodeEnum run();
 
+    // nullptr once the data have been destroyed.
     virtual RVAlgorithmInputData* pInputData() const;
     virtual RVAlgorithmInputData* pInputData(RVAlgorithmInputData* data);
     virtual RVAlgorithmOutputData* pOutputData() const;
     virtual RVAlgorithmOutputData* pOutputData(RVAlgorithmOutputData* data);
 
-    // RV_NO_INPUT_DATA without input data, RV_NO_OUTPUT_DATA without output data, else RV_NO_ERROR.
-    // Subclasses ask this first.
+    // RV_NO_INPUT_DATA without input data, RV_NO_OUTPUT_DATA without output data, RV_WRONG_INPUT_DATA or
+    // RV_WRONG_OUTPUT_DATA where takesInput or takesOutput says no, else RV_NO_ERROR. Subclasses ask this
+    // first.
     virtual RVServiceErrorCodeEnum checkData();
 
 protected:
+    // Whether the algorithm can work with data of that class. Here with any. A class of the library takes
+    // those that its header names and what is derived from them; a subclass that works with others overrides
+    // these (see RV_WORKS_WITH).
+    virtual bool takesInput(const RVAlgorithmInputData& input) const;
+    virtual bool takesOutput(const RVAlgorithmOutputData& output) const;
+
     virtual void initialize();
     virtual RVServiceErrorCodeEnum algorithmBody() = 0;
     virtual void generateOutputData();
@@ -97,12 +107,37 @@ private:
     RVServiceErrorCodeEnum runPreprocessedHooks();
     void endRunStates() noexcept;
 
-    RVAlgorithmInputData* m_pInputData = nullptr;
-    RVAlgorithmOutputData* m_pOutputData = nullptr;
+    rv::Watch<RVAlgorithmInputData> m_pInputData;
+    rv::Watch<RVAlgorithmOutputData> m_pOutputData;
+    rv::Uncopied<bool> m_isRunning = false;
     int m_debugMode = 0;
     rv::Uncopied<RVRunControl*> m_pRunControl = nullptr;
     rv::Uncopied<rv::RunStateBase*> m_pRunStates = nullptr;  // the last member of that kind; they are chained
 };
+
+// Says which classes of data an algorithm works with; the class goes on with private members.
+#define RV_WORKS_WITH(Input, Output)                                       \
+protected:                                                                 \
+    bool takesInput(const RVAlgorithmInputData& input) const override {    \
+        return dynamic_cast<const Input*>(&input) != nullptr;              \
+    }                                                                      \
+    bool takesOutput(const RVAlgorithmOutputData& output) const override { \
+        return dynamic_cast<const Output*>(&output) != nullptr;            \
+    }                                                                      \
+                                                                           \
+private:
+
+namespace rv {
+
+// Binds data to an algorithm and runs it.
+inline RVServiceErrorCodeEnum run(RVAlgorithm& algorithm, RVAlgorithmInputData& input,
+                                  RVAlgorithmOutputData& output) {
+    algorithm.pInputData(&input);
+    algorithm.pOutputData(&output);
+    return algorithm.run();
+}
+
+}  // namespace rv
 
 // Base of the algorithms with data of their own for the time of a run: records on the graph they work on,
 // and the graphs that they build.

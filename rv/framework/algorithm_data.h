@@ -24,6 +24,7 @@
 #include <typeinfo>
 
 #include "rv/foundation/graph.h"
+#include "rv/foundation/watch.h"
 
 class RVAlgorithmData;
 
@@ -113,6 +114,9 @@ public:
 
 class RV_EXPORT RVAlgorithmData : public RVObject {
 public:
+    // Lets pointers to the data know when they end.
+    rv::Watched& watched() const { return m_watched; }
+
     RVAlgorithmData();
     explicit RVAlgorithmData(RVGraph* graph);
     // A copy names the same graphs, has records of its own with the same values, and the same mappings.
@@ -238,6 +242,7 @@ private:
     rv::Owned<RVGraphDList> m_secondaryGraphs;
     rv::ColumnBase* m_pLastColumn = nullptr;  // each knows the one before
     std::unique_ptr<rv::DataGraphs> m_graphs;
+    mutable rv::Watched m_watched;
 };
 
 // Declares the object protocol of a data class of the library (see hasStandardRecords).

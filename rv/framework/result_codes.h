@@ -1,6 +1,8 @@
 // Result codes of `run`, `internalRun`, `checkData` and `algorithmBody`.
 #pragma once
 
+#include "rv/export.h"
+
 enum RVServiceErrorCodeEnum {
     RV_NO_ERROR = 0,
     RV_START_NODE_NOT_IN_GRAPH = 5,
@@ -29,9 +31,18 @@ enum RVServiceErrorCodeEnum {
     RV_INVALID_THRESHOLD = 31,   // below 0 or above 1
     RV_ALGORITHM_FAILURE = 999,  // a part of the algorithm failed
 
-    // Of the framework: the algorithm has no input data or no output data object; its run control ended the
-    // run.
-    RV_NO_INPUT_DATA = 1001,
-    RV_NO_OUTPUT_DATA = 1002,
-    RV_CANCELLED = 1006
+    // Of the framework.
+    RV_NO_INPUT_DATA = 1001,      // the algorithm has no input data object, or it has been destroyed
+    RV_NO_OUTPUT_DATA = 1002,     // the same for the output
+    RV_WRONG_INPUT_DATA = 1003,   // the input is of a class that the algorithm does not work with
+    RV_WRONG_OUTPUT_DATA = 1004,  // the same for the output
+    RV_ALREADY_RUNNING = 1005,    // a hook of a run has called run of the same algorithm
+    RV_CANCELLED = 1006           // the run control ended the run
 };
+
+namespace rv {
+
+// What a code means, in a line of English; the same for every code that there is none of.
+RV_EXPORT const char* message(RVServiceErrorCodeEnum code);
+
+}  // namespace rv

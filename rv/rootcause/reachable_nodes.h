@@ -27,6 +27,7 @@
 
 #include "rv/foundation/keyed_tree.h"
 #include "rv/framework/base_graph_algorithm.h"
+#include "rv/framework/references.h"
 #include "rv/shortestpaths/path_costs.h"
 
 class RVReachableNodesAlgorithm;
@@ -54,7 +55,7 @@ protected:
     std::span<const RVInputField> inputFields() const override;
 
 private:
-    RVNode* m_pStartNode = nullptr;
+    rv::NodeReference m_pStartNode{this};
     int m_range = -1;
     int m_reversed = 0;
 };
@@ -94,6 +95,7 @@ private:
 
 class RV_EXPORT RVReachableNodesAlgorithm : public RVBaseGraphAlgorithm {
     RV_OBJECT_NO_COPY(RVReachableNodesAlgorithm)
+    RV_WORKS_WITH(RVReachableNodesInputData, RVReachableNodesOutputData)
 
 public:
     RVReachableNodesAlgorithm() = default;

@@ -132,6 +132,7 @@ private:
 
 class RV_EXPORT RVRootCauseAlgorithm : public RVBaseGraphAlgorithm {
     RV_OBJECT(RVRootCauseAlgorithm)
+    RV_WORKS_WITH(RVRootCauseInputData, RVRootCauseOutputData)
 
 public:
     RVRootCauseAlgorithm() = default;

@@ -63,6 +63,7 @@ private:
 
 class RV_EXPORT RVShortestPathsAcyclicAlgorithm : public RVDijkstraAlgorithm {
     RV_OBJECT(RVShortestPathsAcyclicAlgorithm)
+    RV_WORKS_WITH(RVShortestPathsAcyclicInputData, RVShortestPathsOutputData)
 
 public:
     RVShortestPathsAcyclicAlgorithm();

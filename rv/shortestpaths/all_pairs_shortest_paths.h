@@ -111,6 +111,7 @@ private:
 
 class RV_EXPORT RVAllPairsShortestPathsAlgorithm : public RVBaseGraphAlgorithm {
     RV_OBJECT(RVAllPairsShortestPathsAlgorithm)
+    RV_WORKS_WITH(RVAllPairsShortestPathsInputData, RVAllPairsShortestPathsOutputData)
 
 public:
     RVAllPairsShortestPathsAlgorithm() = default;

@@ -32,6 +32,7 @@
 #pragma once
 
 #include "rv/foundation/keyed_tree.h"
+#include "rv/framework/references.h"
 #include "rv/shortestpaths/shortest_paths_data.h"
 #include "rv/traversal/traversal.h"
 
@@ -121,7 +122,7 @@ public:
     int cost(RVEdge* edge, int value) { return store(edge, &EdgeRecord::cost, value); }
 
 private:
-    RVNode* m_pFinishNode = nullptr;
+    rv::NodeReference m_pFinishNode{this};
     mutable RVShortestPathsBinTree m_candidateNodes{this};
 };
 
@@ -148,6 +149,7 @@ private:
 
 class RV_EXPORT RVDijkstraAlgorithm : public RVTraversalAlgorithm {
     RV_OBJECT(RVDijkstraAlgorithm)
+    RV_WORKS_WITH(RVShortestPathsInputData, RVShortestPathsOutputData)
 
 public:
     RVDijkstraAlgorithm();

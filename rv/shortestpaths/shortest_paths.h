@@ -42,6 +42,7 @@
 
 class RV_EXPORT RVShortestPathsAlgorithm : public RVInternalGraphAlgorithm {
     RV_OBJECT(RVShortestPathsAlgorithm)
+    RV_WORKS_WITH(RVShortestPathsInputData, RVShortestPathsOutputData)
 
 public:
     RVShortestPathsAlgorithm() = default;

@@ -2,6 +2,7 @@
 // one: the shortest-path service, the Dijkstra traversal, acyclic shortest paths, minimum cost flow.
 #pragma once
 
+#include "rv/framework/references.h"
 #include "rv/shortestpaths/path_costs.h"
 
 // Named fields: "startNode", "finishNode" and those of RVPathCostInputData.
@@ -23,8 +24,8 @@ protected:
     std::span<const RVInputField> inputFields() const override;
 
 private:
-    RVNode* m_pStartNode = nullptr;
-    RVNode* m_pFinishNode = nullptr;
+    rv::NodeReference m_pStartNode{this};
+    rv::NodeReference m_pFinishNode{this};
 };
 
 class RV_EXPORT RVShortestPathsOutputData : public RVAnalysisOutputData {

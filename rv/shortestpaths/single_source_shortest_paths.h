@@ -36,6 +36,7 @@
 #include "rv/foundation/keyed_tree.h"
 #include "rv/framework/internal_graph_algorithm.h"
 #include "rv/framework/map_on_request.h"
+#include "rv/framework/references.h"
 
 class RVSingleSourceShortestPathsAlgorithm;
 
@@ -92,7 +93,7 @@ private:
     int undirectedFlag(int flag) { return m_directed = flag == 0 ? 1 : 0; }
 
     int m_directed = 1;
-    RVNode* m_pStartNode = nullptr;
+    rv::NodeReference m_pStartNode{this};
     mutable rv::NodeColumn<int> m_nodeCosts{this};
     mutable rv::EdgeCosts m_edgeCosts{this, 1};
     mutable rv::EdgeColumn<int> m_undirected{this};
@@ -150,6 +151,7 @@ private:
 
 class RV_EXPORT RVSingleSourceShortestPathsAlgorithm : public RVInternalGraphAlgorithm {
     RV_OBJECT(RVSingleSourceShortestPathsAlgorithm)
+    RV_WORKS_WITH(RVSingleSourceShortestPathsInputData, RVSingleSourceShortestPathsOutputData)
 
 public:
     RVSingleSourceShortestPathsAlgorithm() = default;

@@ -46,6 +46,7 @@
 
 #include "rv/framework/columns.h"
 #include "rv/framework/internal_graph_algorithm.h"
+#include "rv/framework/references.h"
 
 namespace rv {
 class PathGraphValues;
@@ -78,8 +79,8 @@ protected:
     std::span<const RVInputField> inputFields() const override;
 
 private:
-    RVNode* m_pStartNode = nullptr;
-    RVNode* m_pFinishNode = nullptr;
+    rv::NodeReference m_pStartNode{this};
+    rv::NodeReference m_pFinishNode{this};
     rv::NodeCosts m_nodeCosts{this};
     rv::EdgeCosts m_edgeCosts{this, 1};
 };
@@ -155,14 +156,15 @@ private:
     int m_numberOfPaths = 0;
     int m_acyclic = 0;
     int m_finishNodeCost = 0;
-    RVNode* m_pStartNode = nullptr;
-    RVNode* m_pFinishNode = nullptr;
+    rv::NodeReference m_pStartNode{this};
+    rv::NodeReference m_pFinishNode{this};
     std::unique_ptr<rv::PathGraphValues> m_pathGraph;
     rv::NodeColumn<RVEdge*> m_treeEdges{this};
 };
 
 class RV_EXPORT RVSortedPathsAlgorithm : public RVInternalGraphAlgorithm {
     RV_OBJECT(RVSortedPathsAlgorithm)
+    RV_WORKS_WITH(RVSortedPathsInputData, RVSortedPathsOutputData)
 
 public:
     RVSortedPathsAlgorithm() = default;

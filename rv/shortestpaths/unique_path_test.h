@@ -20,6 +20,7 @@
 //   if (test.run() == RV_NO_ERROR && output.uniquePathExists()) use(*output.pEdgeList());
 #pragma once
 
+#include "rv/framework/references.h"
 #include "rv/traversal/traversal.h"
 
 // Named fields: those of RVTraversalInputData and "finishNode".
@@ -38,7 +39,7 @@ protected:
     std::span<const RVInputField> inputFields() const override;
 
 private:
-    RVNode* m_pFinishNode = nullptr;
+    rv::NodeReference m_pFinishNode{this};
 };
 
 class RV_EXPORT RVUniquePathTestInternalData : public RVAnalysisInternalData {
@@ -57,8 +58,8 @@ public:
 
 private:
     int m_undirected = 0;
-    RVNode* m_pStartNode = nullptr;
-    RVNode* m_pFinishNode = nullptr;
+    rv::NodeReference m_pStartNode{this};
+    rv::NodeReference m_pFinishNode{this};
 };
 
 class RV_EXPORT RVUniquePathTestOutputData : public RVAnalysisOutputData {
@@ -83,6 +84,7 @@ private:
 
 class RV_EXPORT RVUniquePathTestAlgorithm : public RVInternalGraphAlgorithm {
     RV_OBJECT(RVUniquePathTestAlgorithm)
+    RV_WORKS_WITH(RVUniquePathTestInputData, RVUniquePathTestOutputData)
 
 public:
     RVUniquePathTestAlgorithm() = default;

@@ -42,6 +42,7 @@ private:
 
 class RV_EXPORT RVAcyclicTestAlgorithm : public RVInternalGraphAlgorithm {
     RV_OBJECT(RVAcyclicTestAlgorithm)
+    RV_WORKS_WITH(RVAcyclicTestInputData, RVAcyclicTestOutputData)
 
 public:
     RVAcyclicTestAlgorithm() = default;

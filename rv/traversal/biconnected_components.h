@@ -116,6 +116,7 @@ private:
 
 class RV_EXPORT RVBiconnectedComponentsAlgorithm : public RVDepthFirstSearchAlgorithm {
     RV_OBJECT(RVBiconnectedComponentsAlgorithm)
+    RV_WORKS_WITH(RVBiconnectedComponentsInputData, RVBiconnectedComponentsOutputData)
 
 public:
     RVBiconnectedComponentsAlgorithm() = default;

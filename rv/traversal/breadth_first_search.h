@@ -56,6 +56,7 @@ private:
 
 class RV_EXPORT RVBreadthFirstSearchAlgorithm : public RVTraversalAlgorithm {
     RV_OBJECT(RVBreadthFirstSearchAlgorithm)
+    RV_WORKS_WITH(RVBreadthFirstSearchInputData, RVBreadthFirstSearchOutputData)
 
 public:
     RVBreadthFirstSearchAlgorithm() = default;

@@ -62,6 +62,7 @@ private:
 
 class RV_EXPORT RVConnectedComponentsAlgorithm : public RVBreadthFirstSearchAlgorithm {
     RV_OBJECT(RVConnectedComponentsAlgorithm)
+    RV_WORKS_WITH(RVConnectedComponentsInputData, RVConnectedComponentsOutputData)
 
 public:
     RVConnectedComponentsAlgorithm() = default;

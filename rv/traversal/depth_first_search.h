@@ -139,6 +139,7 @@ private:
 
 class RV_EXPORT RVDepthFirstSearchAlgorithm : public RVTraversalAlgorithm {
     RV_OBJECT(RVDepthFirstSearchAlgorithm)
+    RV_WORKS_WITH(RVDepthFirstSearchInputData, RVDepthFirstSearchOutputData)
 
 public:
     RVDepthFirstSearchAlgorithm() = default;

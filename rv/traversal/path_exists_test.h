@@ -20,6 +20,7 @@
 //   if (test.run() == RV_NO_ERROR && output.pathExists()) use(*output.pEdgeList());
 #pragma once
 
+#include "rv/framework/references.h"
 #include "rv/traversal/breadth_first_search.h"
 
 class RV_EXPORT RVPathExistsTestInternalData : public RVTraversalInternalData {
@@ -34,7 +35,7 @@ public:
     int reached(int flag) { return m_reached = flag; }
 
 private:
-    RVNode* m_pFinishNode = nullptr;
+    rv::NodeReference m_pFinishNode{this};
     int m_reached = 0;
 };
 
@@ -53,7 +54,7 @@ protected:
     std::span<const RVInputField> inputFields() const override;
 
 private:
-    RVNode* m_pFinishNode = nullptr;
+    rv::NodeReference m_pFinishNode{this};
 };
 
 class RV_EXPORT RVPathExistsTestOutputData : public RVAnalysisOutputData {
@@ -81,6 +82,7 @@ private:
 
 class RV_EXPORT RVPathExistsTestAlgorithm : public RVBreadthFirstSearchAlgorithm {
     RV_OBJECT(RVPathExistsTestAlgorithm)
+    RV_WORKS_WITH(RVPathExistsTestInputData, RVPathExistsTestOutputData)
 
 public:
     RVPathExistsTestAlgorithm() = default;

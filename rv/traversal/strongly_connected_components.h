@@ -120,6 +120,7 @@ private:
 
 class RV_EXPORT RVStronglyConnectedComponentsAlgorithm : public RVDepthFirstSearchAlgorithm {
     RV_OBJECT(RVStronglyConnectedComponentsAlgorithm)
+    RV_WORKS_WITH(RVStronglyConnectedComponentsInputData, RVStronglyConnectedComponentsOutputData)
 
 public:
     RVStronglyConnectedComponentsAlgorithm() = default;

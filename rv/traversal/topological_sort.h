@@ -76,6 +76,7 @@ private:
 
 class RV_EXPORT RVTopologicalSortAlgorithm : public RVBaseGraphAlgorithm {
     RV_OBJECT(RVTopologicalSortAlgorithm)
+    RV_WORKS_WITH(RVTopologicalSortInputData, RVTopologicalSortOutputData)
 
 public:
     RVTopologicalSortAlgorithm() = default;

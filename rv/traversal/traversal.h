@@ -19,6 +19,7 @@
 
 #include "rv/framework/columns.h"
 #include "rv/framework/internal_graph_algorithm.h"
+#include "rv/framework/references.h"
 #include "rv/traversal/pending_members.h"
 
 // Per node of a search.
@@ -112,7 +113,7 @@ protected:
 
 private:
     int m_directed = 1;
-    RVNode* m_pStartNode = nullptr;
+    rv::NodeReference m_pStartNode{this};
     rv::EdgeColumn<int> m_edgesDirected{this, &EdgeRecord::directed, &EdgeRecord::directed, 1};
 };
 
@@ -187,7 +188,7 @@ private:
     int m_traversalOrderNumber = 1;
     int m_wasMadeDirected = 0;
     int m_directed = 1;
-    RVNode* m_pStartNode = nullptr;
+    rv::NodeReference m_pStartNode{this};
 
     // The unvisited nodes by in-degree, in the state of the graph that the count tells.
     struct StartNodes {

@@ -58,6 +58,7 @@ private:
 
 class RV_EXPORT RVTreeTestAlgorithm : public RVBaseGraphAlgorithm {
     RV_OBJECT(RVTreeTestAlgorithm)
+    RV_WORKS_WITH(RVTreeTestInputData, RVTreeTestOutputData)
 
 public:
     RVTreeTestAlgorithm() = default;
