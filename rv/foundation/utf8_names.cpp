@@ -71,10 +71,12 @@ std::string RVGraphObject::nameUtf8() const {
     const wchar_t* name = pNameString();
     while (*name != 0) {
         auto point = static_cast<char32_t>(*name++);
-        const auto next = static_cast<char32_t>(*name);
-        if (kHasHalves && point >= 0xD800 && point < 0xDC00 && next >= 0xDC00 && next <= 0xDFFF) {
-            point = 0x10000 + ((point - 0xD800) << 10U) + (next - 0xDC00);
-            ++name;
+        if constexpr (kHasHalves) {
+            const auto next = static_cast<char32_t>(*name);
+            if (point >= 0xD800 && point < 0xDC00 && next >= 0xDC00 && next <= 0xDFFF) {
+                point = 0x10000 + ((point - 0xD800) << 10U) + (next - 0xDC00);
+                ++name;
+            }
         }
         appendUtf8(isCharacter(point) ? point : kReplacement, text);
     }

@@ -13,6 +13,7 @@ class Watched {
 public:
     Watched() = default;
     Watched(const Watched&) {}
+    // NOLINTNEXTLINE(bugprone-unhandled-self-assignment): nothing is copied
     Watched& operator=(const Watched&) { return *this; }
     inline ~Watched();
 
@@ -58,7 +59,7 @@ class Watch : WatchBase {
 public:
     Watch() = default;
     Watch(const Watch& other) { *this = other.get(); }
-    Watch& operator=(const Watch& other) { return *this = other.get(); }
+    Watch& operator=(const Watch& other) { return this == &other ? *this : *this = other.get(); }
     Watch& operator=(T* object) {
         leave();
         m_object = object;

@@ -20,7 +20,7 @@ public:
     explicit Reference(RVAlgorithmData* data) : ColumnBase(data, std::is_same_v<Object, RVNode>, false) {}
     Reference(const Reference&) = delete;
     Reference& operator=(const Reference& other) {
-        *this = other.m_object;
+        if (this != &other) *this = other.m_object;
         return *this;
     }
     ~Reference() override = default;
