@@ -22,11 +22,13 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     static rv::ReusedNearestLabels<std::int64_t> exactLabels;
     Dice dice(std::span(data, size));
     rv::Pulse pulse;
-    const auto kind = dice.below(4);
+    const auto kind = dice.below(5);
     if (kind == 0) {
         expectPaths(randomDigraph(dice), 0, scratch, pulse);
     } else if (kind == 1) {
         expectNearest(randomQuestion(dice), labels, exactLabels);
+    } else if (kind == 2) {
+        expectTree(TreeQuestion(dice), dice.oneIn(2));
     } else {
         const ArrayGraph graph = randomArrays(dice);
         expectSearches(graph, dice);
